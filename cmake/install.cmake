@@ -1,0 +1,15 @@
+# Installs the library, its header, a pkg-config file and a CMake package.
+install(TARGETS zebldapcfg pwcodec EXPORT zebldapcfg LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(FILES include/zebldapcfg.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(FILES examples/zebslapd.conf examples/tour.c DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples)
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/zebldapcfg)
+install(EXPORT zebldapcfg NAMESPACE zebldapcfg:: FILE zebldapcfg-targets.cmake DESTINATION ${package_dir})
+configure_package_config_file(cmake/zebldapcfg-config.cmake.in zebldapcfg-config.cmake
+    INSTALL_DESTINATION ${package_dir})
+write_basic_package_version_file(zebldapcfg-config-version.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/zebldapcfg-config.cmake ${PROJECT_BINARY_DIR}/zebldapcfg-config-version.cmake
+    DESTINATION ${package_dir})
+
+configure_file(cmake/zebldapcfg.pc.in zebldapcfg.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/zebldapcfg.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -1,0 +1,116 @@
+#include "LDIF_Attribute.h"
+
+#include "LDIF_Exception.h"
+
+#include <algorithm>
+
+LDIF_Attribute::LDIF_Attribute(const std::string& attributeName, const std::string& text)
+    : name(attributeName), values(attributeName)
+{
+    if (!text.empty())
+        values += text;
+}
+
+LDIF_Attribute::LDIF_Attribute(const LDIF_Line& line, LDIF_Comment attributeComment)
+    : name(line.name), comment(std::move(attributeComment)), values(line.name)
+{
+    if (line.type != LDIF_Line::attribute)
+        throw illegalConstructor("LDIF_Attribute", line);
+    values += line.value;
+}
+
+std::string LDIF_Attribute::str() const
+{
+    std::string text;
+    appendTo(text);
+    return text;
+}
+
+void LDIF_Attribute::appendTo(std::string& out) const
+{
+    comment.appendTo(out);
+    values.appendTo(out);
+}
+
+LDIF_Attribute& LDIF_Attribute::operator+=(const LDIF_Attribute& other)
+{
+    if (*this == other) {
+        comment += other.comment;
+        values += other.values;
+    }
+    return *this;
+}
+
+LDIF_Attribute& LDIF_Attribute::operator+=(const LDIF_Comment& lines)
+{
+    comment += lines;
+    return *this;
+}
+
+LDIF_Attribute& LDIF_Attribute::operator+=(const std::string& value)
+{
+    values += value;
+    return *this;
+}
+
+std::string LDIF_Attributes::str() const
+{
+    std::string text;
+    appendTo(text);
+    return text;
+}
+
+void LDIF_Attributes::appendTo(std::string& out) const
+{
+    for (const LDIF_Attribute& attribute : *this)
+        attribute.appendTo(out);
+}
+
+// The first attribute that does not sort before name. Names mostly come in ascending order, so the end comes first.
+LDIF_Attributes::iterator LDIF_Attributes::placeOf(const cisString& name)
+{
+    if (empty() || back().compare(name) < 0)
+        return end();
+    return std::lower_bound(begin(), end(), name, [](const LDIF_Attribute& attribute, const cisString& wanted) {
+        return attribute.compare(wanted) < 0;
+    });
+}
+
+LDIF_Attributes& LDIF_Attributes::operator+=(const LDIF_Attribute& attribute)
+{
+    return *this += LDIF_Attribute(attribute);
+}
+
+LDIF_Attributes& LDIF_Attributes::operator+=(LDIF_Attribute&& attribute)
+{
+    const auto place = placeOf(attribute.name);
+    if (place != end() && *place == attribute)
+        *place += attribute;
+    else
+        insert(place, std::move(attribute));
+    return *this;
+}
+
+LDIF_Attributes& LDIF_Attributes::operator-=(const LDIF_Attribute& attribute)
+{
+    const auto place = placeOf(attribute.name);
+    if (place != end() && *place == attribute)
+        erase(place);
+    return *this;
+}
+
+LDIF_Attributes& LDIF_Attributes::operator+=(const LDIF_Attributes& other)
+{
+    if (this == &other)
+        return *this;
+    for (const LDIF_Attribute& attribute : other)
+        *this += attribute;
+    return *this;
+}
+
+LDIF_Attribute* LDIF_Attributes::find(const cisString& name)
+{
+    const auto place = placeOf(name);
+    const auto index = place - begin();
+    return data() + (place != end() && *place == name ? index : static_cast<difference_type>(size()));
+}

@@ -1,0 +1,28 @@
+// The comment and blank lines that stand before an attribute or an entry.
+#ifndef LDIF_COMMENT_H
+#define LDIF_COMMENT_H
+
+#include "LDIF_Line.h"
+
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+// Lines of the types comment and blankLine in the order of the file, and no others. A plain value.
+class LDIF_Comment {
+public:
+    std::vector<LDIF_Line> lines;
+
+    // Each line with a line end behind it.
+    virtual std::string str() const;
+    void appendTo(std::string& out) const;
+
+    // Adds a comment or blank line; any other is ignored.
+    LDIF_Comment& operator+=(const LDIF_Line& line);
+    LDIF_Comment& operator+=(const LDIF_Comment& other);
+    LDIF_Comment& clear();
+};
+
+std::ostream& operator<<(std::ostream& stream, const LDIF_Comment& comment);
+
+#endif

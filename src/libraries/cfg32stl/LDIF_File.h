@@ -1,0 +1,90 @@
+// The configuration file in memory.
+#ifndef LDIF_FILE_H
+#define LDIF_FILE_H
+
+#include "LDIF_Comment.h"
+#include "LDIF_Entry.h"
+#include "LDIF_Search.h"
+#include "platform.h"
+
+#include <ldap.h>
+
+#include <memory>
+#include <set>
+#include <string>
+
+// The configuration file as a tree of entries. An object that is made holds a loaded file, and nothing stays open.
+//
+// Loading is forgiving inside entries: a line that cannot be understood, or a value that its syntax refuses, becomes a
+// value of the attribute zeb-slapdInvalidLine, and the file is written back. It is strict outside of them: there only
+// charset and version may stand, once each, before the first entry.
+//
+// No lock is held on the file. Another process's change is noticed by the modification time, in seconds.
+class LDIF_File {
+public:
+    enum Authentication { noAccess = 0, anonymous = 1, administrator = 2 };
+
+    // Loads the file. name may be relative and its full path takes up to 1022 bytes; an empty backup name means no
+    // backup. Throws LDIF_Exception: 91 when the file cannot be found or read, else what refresh throws.
+    LDIF_File(const std::string& name, const std::string& backupName);
+
+    // Loads the file again if its modification time has changed; says whether it did. Throws LDIF_Exception: 91 when
+    // the file cannot be found or read; then the tree stays. 65, 34 or 162 for a file that breaks the rules above;
+    // then the tree holds what was read so far, and the next call reads again. What flush throws, when it writes a
+    // repaired file back.
+    bool refresh();
+
+    // Writes the file, after moving the old one to the backup name. Throws LDIF_Exception: 50 when it cannot be moved
+    // or opened, 91 when it is gone afterwards, 34 or 163 for a tree that cannot be printed. The text is complete before
+    // any file is touched. A write that fails, for lack of space on the disk say, is not noticed.
+    void flush();
+
+    // Change the tree, not the file. All throw LDIF_Exception with entryDn and configFile.
+    // Applies the records in order; those before a failing one stay applied. 32 without the entry, 16 for the delete
+    // of an attribute that is not there, 89 for an unknown operation.
+    void modify(const LDIF_DN& dn, LDAPMod** mods);
+    // Adds an entry, or its attributes to the one that has the DN. After a failure the tree is unchanged.
+    void add(const LDIF_DN& dn, LDAPMod** mods);
+    // Removes an entry. 32 without the entry, 66 for one with children unless deleteNonLeaves is set.
+    void erase(const LDIF_DN& dn, bool deleteNonLeaves);
+
+    // The entries that match, as copies. Throws LDIF_Exception (32) without the base entry.
+    LDIF_Search_Results search(const LDIF_DN& base, const LDIF_Search_Results::Scope& scope, const LDIF_Filter& filter,
+                               const LDIF_AttrFilter& attrs, bool attrsOnly);
+
+    // Checks a login against the entry cn=Configuration; a refused one is noAccess. Null and null is anonymous. Throws
+    // LDIF_Exception (32) without that entry, and for a name or password that its syntax refuses.
+    Authentication setAuthentication(const char* dn, const char* password, int method);
+    Authentication getAuthentication() const noexcept { return authentication; }
+
+    // The tree as an outline, in ASCII or in the line-drawing characters of code page 437, with the levels that no
+    // entry defines listed behind it. Throws LDIF_Exception (34) for a DN that cannot be printed.
+    std::string treeView(bool oem);
+
+    const char* getFileName() const noexcept { return fileName.c_str(); }  // the full path
+    const char* getBackupFileName() const noexcept { return backupFileName.c_str(); }
+    long getModTime() const noexcept { return static_cast<long>(fileStat.st_mtime); }  // seconds
+
+protected:
+    std::string IA5_TreeView(const LDIF_Entry& entry, std::set<LDIF_DN>& undefined, const std::string& prefix);
+    std::string OEM_TreeView(const LDIF_Entry& entry, bool last, std::set<LDIF_DN>& undefined,
+                             const std::string& prefix);
+
+private:
+    void modifyEntry(const LDIF_DN& dn, LDAPMod** mods);
+    void removeEntry(const LDIF_DN& dn, bool deleteNonLeaves);
+    LDIF_Entry& nearestParent(const LDIF_DN& dn);
+    Authentication checkLogin(const char* dn, const char* password);
+    void readTree(const std::string& text, bool& needsRewrite);
+    void moveToBackup();
+    void readStatus(FileStatus& status) const;
+
+    std::string fileName;
+    std::string backupFileName;
+    FileStatus fileStat = {};  // as of the last load or write
+    LDIF_Comment comment;        // the lines behind the last entry
+    LDIF_Entry root;
+    Authentication authentication = noAccess;
+};
+
+#endif

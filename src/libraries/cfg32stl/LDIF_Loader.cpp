@@ -1,0 +1,169 @@
+#include "LDIF_Loader.h"
+
+#include "LDIF_Exception.h"
+#include "zebldapcfg.h"
+
+#include <istream>
+#include <utility>
+
+namespace {
+
+constexpr char rootName[] = "<root>";
+
+LDIF_Exception headFailure(int ldapErr, int extErr, const std::string& text, const LDIF_Attribute& attribute,
+                           SourcePos pos = SourcePos::here())
+{
+    LDIF_Exception failure(ldapErr, extErr, text, pos);
+    failure.entryDn = rootName;
+    failure.attribute = attribute.name;
+    failure.value = attribute.values.front().str();
+    return failure;
+}
+
+// Whether it is the line that is at fault. An attribute where none may stand is at fault too, but ends the load; and
+// what fails for want of memory says nothing about the line.
+bool canBeQuarantined(const LDIF_Exception& failure)
+{
+    return failure.ldapErr != LDAP_OBJECT_CLASS_VIOLATION && failure.ldapErr != LDAP_OTHER &&
+           failure.ldapErr != CFG_NO_MEMORY;
+}
+
+}  // namespace
+
+void LDIF_Loader::load(std::istream& in)
+{
+    LDIF_Line line;
+    while (readLine(in, line))
+        take(line);
+    closeEntry();
+    dropTrailingBlankLines();
+}
+
+std::string LDIF_Loader::currentDn() const
+{
+    return current ? printable(current->dn) : rootName;
+}
+
+// False at the end of the file.
+bool LDIF_Loader::readLine(std::istream& in, LDIF_Line& line)
+{
+    try {
+        lastLine = line.next(in, lastLine);
+    } catch (...) {
+        ++lastLine;
+        throw;
+    }
+    if (!line.wellFormed)
+        quarantine(line);
+    return line.type != LDIF_Line::endOfFile;
+}
+
+void LDIF_Loader::take(LDIF_Line& line)
+{
+    switch (line.type) {
+    case LDIF_Line::blankLine:
+        return takeBlankLine(line);
+    case LDIF_Line::comment:
+        waiting += line;
+        return;
+    case LDIF_Line::dn:
+        return openEntry(line);
+    case LDIF_Line::attribute:
+        return takeAttribute(line);
+    default:
+        throw LDIF_Exception(LDAP_OTHER, CFG_ERR_UNEXPECTED, "Unknown LDIF_Line::Type!");
+    }
+}
+
+// The blank line that ends an entry is not kept: each entry is written with one behind it.
+void LDIF_Loader::takeBlankLine(const LDIF_Line& line)
+{
+    if (current)
+        closeEntry();
+    else
+        waiting += line;
+}
+
+void LDIF_Loader::takeAttribute(LDIF_Line& line)
+{
+    try {
+        return addAttribute(line);
+    } catch (const LDIF_Exception& failure) {
+        if (!canBeQuarantined(failure))
+            throw;
+    }
+    quarantine(line);
+    addAttribute(line);
+}
+
+// A refused line leaves the waiting lines to the attribute that it becomes.
+void LDIF_Loader::addAttribute(const LDIF_Line& line)
+{
+    LDIF_Attribute attribute(line, LDIF_Comment());
+    std::swap(attribute.comment, waiting);
+    if (current)
+        current->attributes += std::move(attribute);
+    else
+        addToHead(attribute);
+}
+
+void LDIF_Loader::addToHead(const LDIF_Attribute& attribute)
+{
+    if (attribute == "version")
+        addOnce(attribute, "version", seenVersion);
+    else if (attribute == "charset")
+        addOnce(attribute, "charset", seenCharset);
+    else
+        throw headFailure(LDAP_OBJECT_CLASS_VIOLATION, CFG_ERR_NOT_IN_CLASS,
+                          '"' + attribute.name + "\" attribute not allowed in <root> object", attribute);
+}
+
+void LDIF_Loader::addOnce(const LDIF_Attribute& attribute, const char* name, bool& seen)
+{
+    if (seen)
+        throw headFailure(LDAP_CONSTRAINT_VIOLATION, CFG_ERR_SINGLE_VALUED,
+                          std::string("More than 1 \"") + name + "\" attribute not allowed", attribute);
+    root += attribute;
+    seen = true;
+}
+
+// The first entry marks the head as complete.
+void LDIF_Loader::openEntry(const LDIF_Line& line)
+{
+    closeEntry();
+    addDefault("charset", "ISO-8859-1", seenCharset);
+    addDefault("version", "1", seenVersion);
+    current.emplace(line, LDIF_Comment());
+    std::swap(current->comment, waiting);
+}
+
+void LDIF_Loader::closeEntry()
+{
+    if (!current)
+        return;
+    root.place(std::move(*current));
+    current.reset();
+}
+
+void LDIF_Loader::addDefault(const char* name, const char* value, bool& seen)
+{
+    if (seen)
+        return;
+    LDIF_Attribute attribute(name, value);
+    std::swap(attribute.comment, waiting);
+    root += attribute;
+    seen = true;
+}
+
+void LDIF_Loader::quarantine(LDIF_Line& line)
+{
+    line.changeToInvalidAttr();
+    quarantined = true;
+}
+
+void LDIF_Loader::dropTrailingBlankLines()
+{
+    auto& lines = waiting.lines;
+    while (!lines.empty() && lines.back().type == LDIF_Line::blankLine)
+        lines.pop_back();
+}

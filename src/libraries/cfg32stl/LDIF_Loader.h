@@ -1,0 +1,53 @@
+// One load of the configuration file: its lines, one by one, to the tree of entries.
+#ifndef LDIF_LOADER_H
+#define LDIF_LOADER_H
+
+#include "LDIF_Comment.h"
+#include "LDIF_Entry.h"
+#include "LDIF_Line.h"
+
+#include <iosfwd>
+#include <optional>
+#include <string>
+
+// Fills the tree and the comment of an LDIF_File, both of which it only borrows. Comment and blank lines wait in the
+// comment for the attribute or entry behind them; those that no one takes stay there.
+class LDIF_Loader {
+public:
+    LDIF_Loader(LDIF_Entry& treeRoot, LDIF_Comment& waitingLines) : root(treeRoot), waiting(waitingLines) {}
+
+    // Reads all lines. Throws LDIF_Exception: 65 for an attribute that may not stand where it does, 34 for a DN that
+    // is none, 162 for text that the locale cannot convert. The tree then holds the entries before that line.
+    void load(std::istream& in);
+
+    // Whether a line was changed to the quarantine attribute, so that the file should be written back.
+    bool hasQuarantined() const noexcept { return quarantined; }
+    // The last physical line read.
+    int lineCount() const noexcept { return lastLine; }
+    // The DN of the entry being read, or "<root>".
+    std::string currentDn() const;
+
+private:
+    bool readLine(std::istream& in, LDIF_Line& line);
+    void take(LDIF_Line& line);
+    void takeBlankLine(const LDIF_Line& line);
+    void takeAttribute(LDIF_Line& line);
+    void addAttribute(const LDIF_Line& line);
+    void addToHead(const LDIF_Attribute& attribute);
+    void addOnce(const LDIF_Attribute& attribute, const char* name, bool& seen);
+    void openEntry(const LDIF_Line& line);
+    void closeEntry();
+    void addDefault(const char* name, const char* value, bool& seen);
+    void quarantine(LDIF_Line& line);
+    void dropTrailingBlankLines();
+
+    LDIF_Entry& root;
+    LDIF_Comment& waiting;
+    std::optional<LDIF_Entry> current;
+    int lastLine = 0;
+    bool seenVersion = false;
+    bool seenCharset = false;
+    bool quarantined = false;
+};
+
+#endif

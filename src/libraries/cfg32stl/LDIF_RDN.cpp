@@ -1,0 +1,339 @@
+#include "LDIF_RDN.h"
+
+#include "LDIF_DnReader.h"
+#include "LDIF_Exception.h"
+#include "LDIF_Util.h"
+#include "zebldapcfg.h"
+
+#include <algorithm>
+#include <ostream>
+
+namespace {
+
+constexpr wchar_t backslash = L'\\';
+constexpr wchar_t quote = L'"';
+
+LDIF_Exception dnFailure(int extErr, const std::string& text, SourcePos pos = SourcePos::here())
+{
+    return {LDAP_INVALID_DN_SYNTAX, extErr, text, pos};
+}
+
+// Parses an object from the front of input, and leaves the rest there.
+template <typename Part>
+Part takeFront(cisString& input)
+{
+    LDIF_DnReader reader(input);
+    Part part(reader);
+    input = cisString(reader.rest());
+    return part;
+}
+
+// The first byte of what is left.
+std::string nextByte(const LDIF_DnReader& reader)
+{
+    return reader.rest().substr(0, 1);
+}
+
+// What a message shows of a text that does not begin with an attribute name.
+std::string attributeExcerpt(const std::string& text)
+{
+    constexpr std::size_t longest = 20;
+    const auto equals = text.find('=');
+    return text.substr(0, equals != std::string::npos ? equals : longest);
+}
+
+std::string narrowUnit(wchar_t unit)
+{
+    return wide2multibyte(std::wstring(1, unit));
+}
+
+// A backslash and two hex digits for each byte of the unit's narrow form.
+std::wstring escapedBytes(wchar_t unit)
+{
+    std::string escaped;
+    for (const char byte : narrowUnit(unit))
+        byte2hex(static_cast<unsigned char>(byte), escaped += '\\');
+    return multibyte2wide(escaped);
+}
+
+}  // namespace
+
+LDIF_RDN_attribute::LDIF_RDN_attribute(cisString& input) : LDIF_RDN_attribute(takeFront<LDIF_RDN_attribute>(input)) {}
+
+// attribute = ALPHA *keyChar / DIGIT *oidChar
+LDIF_RDN_attribute::LDIF_RDN_attribute(LDIF_DnReader& reader)
+{
+    if (reader.atEnd())
+        throw dnFailure(CFG_ERR_DN_NO_ATTRIBUTE, "Missing RDN attribute");
+    const wchar_t first = reader.text()[reader.position()];
+    if (w_isOneOf(first, ALPHA))
+        assign(reader.take(keyChar));
+    else if (w_isOneOf(first, DIGIT))
+        assign(reader.take(oidChar));
+    else
+        throw dnFailure(CFG_ERR_DN_ATTRIBUTE, "Invalid attribute sytax: " + attributeExcerpt(reader.rest()));
+    reader.skipEdges();
+}
+
+LDIF_RDN_value::LDIF_RDN_value(cisString& input) : LDIF_RDN_value(takeFront<LDIF_RDN_value>(input)) {}
+
+LDIF_RDN_value::LDIF_RDN_value(LDIF_DnReader& reader)
+{
+    const std::size_t start = reader.position();
+    try {
+        read(reader);
+    } catch (...) {
+        wrapAndThrow(("System error parsing rdn value: " + reader.rest(start)).c_str());
+    }
+}
+
+// value = "#" hex / quote quoted / plain; nothing at all is an empty quoted value
+void LDIF_RDN_value::read(LDIF_DnReader& reader)
+{
+    if (reader.atEnd())
+        return;
+    if (reader.isAt('#')) {
+        form = FORM_HEX;
+        reader.advance();
+        readHex(reader);
+    } else if (reader.isAt('"')) {
+        reader.advance();
+        readQuoted(reader);
+    } else {
+        form = FORM_PLAIN;
+        readPlain(reader);
+    }
+    reader.skipEdges();
+}
+
+// hex = *( 2hexChar )
+void LDIF_RDN_value::readHex(LDIF_DnReader& reader)
+{
+    char byte = 0;
+    for (; w_hexPair(reader.text(), reader.position(), byte); reader.advance(2))
+        push_back(byte);
+}
+
+// quoted = *( escape / any unit but quote and backslash ) [ quote ]
+void LDIF_RDN_value::readQuoted(LDIF_DnReader& reader)
+{
+    while (!reader.atEnd() && !reader.isAt('"')) {
+        if (reader.isAt('\\')) {
+            readEscape(reader);
+        } else {
+            append(reader.text(), static_cast<unsigned int>(reader.position()), 1);
+            reader.advance();
+        }
+    }
+    if (!reader.atEnd())
+        reader.advance();
+}
+
+// plain = *( escape / any unit but one of special )
+void LDIF_RDN_value::readPlain(LDIF_DnReader& reader)
+{
+    while (!reader.atEnd()) {
+        if (reader.isAt('\\')) {
+            readEscape(reader);
+        } else if (w_isOneOf(reader.text()[reader.position()], special)) {
+            break;
+        } else {
+            append(reader.text(), static_cast<unsigned int>(reader.position()), 1);
+            reader.advance();
+        }
+    }
+    stripTrailing(*this);
+}
+
+// escape = backslash ( 2hexChar / special )
+void LDIF_RDN_value::readEscape(LDIF_DnReader& reader)
+{
+    const std::size_t next = reader.position() + 1;
+    char byte = 0;
+    if (next == reader.text().size())
+        throw dnFailure(CFG_ERR_DN_VALUE, "Invalid escape sequence: \\");
+    if (w_hexPair(reader.text(), next, byte)) {
+        push_back(byte);
+        reader.advance(3);
+    } else if (w_isOneOf(reader.text()[next], special)) {
+        append(reader.text(), static_cast<unsigned int>(next), 1);
+        reader.advance(2);
+    } else {
+        throw dnFailure(CFG_ERR_DN_VALUE, "Invalid escape sequence: " + reader.rest().substr(0, 3));
+    }
+}
+
+std::string LDIF_RDN_value::str() const
+{
+    std::string text;
+    appendTo(text);
+    return text;
+}
+
+void LDIF_RDN_value::appendTo(std::string& out) const
+{
+    if (empty())
+        throw dnFailure(CFG_ERR_DN_NO_VALUE, "Missing RDN attribute value");
+    switch (form) {
+    case FORM_HEX:
+        return appendHexTo(out);
+    case FORM_QUOTED:
+        return appendQuotedTo(out);
+    case FORM_PLAIN:
+        return appendPlainTo(out);
+    }
+}
+
+void LDIF_RDN_value::appendHexTo(std::string& out) const
+{
+    out += '#';
+    for (const char byte : *this)
+        byte2hex(static_cast<unsigned char>(byte), out);
+}
+
+void LDIF_RDN_value::appendQuotedTo(std::string& out) const
+{
+    std::wstring written;
+    for (const wchar_t unit : multibyte2wide(*this)) {
+        if (unit == backslash || unit == quote)
+            written += backslash;
+        written += unit;
+    }
+    out.append("\"").append(wide2multibyte(written)).append("\"");
+}
+
+void LDIF_RDN_value::appendPlainTo(std::string& out) const
+{
+    const std::wstring units = multibyte2wide(*this);
+    const auto inner = std::find_if_not(units.begin(), units.end(), w_my_isspace);
+    const auto tail = std::find_if_not(units.rbegin(), std::make_reverse_iterator(inner), w_my_isspace).base();
+    std::wstring written;
+    for (auto unit = units.begin(); unit != units.end(); ++unit) {
+        if (unit < inner || unit >= tail) {
+            written += escapedBytes(*unit);
+            continue;
+        }
+        if (w_isOneOf(*unit, special))
+            written += backslash;
+        written += *unit;
+    }
+    out += wide2multibyte(written);
+}
+
+LDIF_RDN_pair::LDIF_RDN_pair(cisString& input) : LDIF_RDN_pair(takeFront<LDIF_RDN_pair>(input)) {}
+
+LDIF_RDN_pair::LDIF_RDN_pair(LDIF_DnReader& reader)
+{
+    if (reader.atEnd())
+        throw dnFailure(CFG_ERR_DN_NO_ATTRIBUTE, "Missing RDN attribute");
+    const std::size_t start = reader.position();
+    try {
+        read(reader);
+    } catch (...) {
+        wrapAndThrow(("System error parsing rdn: " + reader.rest(start)).c_str());
+    }
+}
+
+// pair = attribute "=" value
+void LDIF_RDN_pair::read(LDIF_DnReader& reader)
+{
+    first = LDIF_RDN_attribute(reader);
+    if (reader.atEnd())
+        throw dnFailure(CFG_ERR_DN_NO_VALUE, "Missing RDN value: " + first.str());
+    if (!reader.isAt('='))
+        throw dnFailure(CFG_ERR_DN_ATTRIBUTE, "Invalid character in RDN attribute: " + nextByte(reader));
+    reader.advance();
+    reader.skipEdges();
+    second = LDIF_RDN_value(reader);
+}
+
+int LDIF_RDN_pair::compare(const LDIF_RDN_pair& other) const
+{
+    const int order = first.compare(other.first);
+    return order != 0 ? order : second.compare(other.second);
+}
+
+std::string LDIF_RDN_pair::str() const
+{
+    std::string text;
+    appendTo(text);
+    return text;
+}
+
+void LDIF_RDN_pair::appendTo(std::string& out) const
+{
+    out.append(first.str()).append("=");
+    second.appendTo(out);
+}
+
+LDIF_RDN::LDIF_RDN(cisString& input) : LDIF_RDN(takeFront<LDIF_RDN>(input)) {}
+
+// RDN = pair *( "+" pair ), followed by "," or ";" or the end
+LDIF_RDN::LDIF_RDN(LDIF_DnReader& reader)
+{
+    if (reader.atEnd())
+        throw dnFailure(CFG_ERR_DN_NO_ATTRIBUTE, "Missing RDN attribute");
+    const std::size_t start = reader.position();
+    try {
+        for (;;) {
+            add(LDIF_RDN_pair(reader));
+            if (reader.atEnd() || reader.isAt(',') || reader.isAt(';'))
+                return;
+            if (!reader.isAt('+'))
+                throw dnFailure(CFG_ERR_DN_VALUE, "Invalid character in RDN value: " + nextByte(reader));
+            reader.advance();
+            reader.skipEdges();
+        }
+    } catch (...) {
+        wrapAndThrow(("System error parsing rdn: " + reader.rest(start)).c_str());
+    }
+}
+
+LDIF_RDN& LDIF_RDN::operator+=(const LDIF_RDN_pair& pair)
+{
+    add(pair);
+    return *this;
+}
+
+void LDIF_RDN::add(LDIF_RDN_pair pair)
+{
+    const auto place =
+        std::find_if(begin(), end(), [&](const LDIF_RDN_pair& present) { return pair.compare(present) <= 0; });
+    if (place == end() || pair != *place)
+        insert(place, std::move(pair));
+}
+
+std::string LDIF_RDN::str() const
+{
+    std::string text;
+    appendTo(text);
+    return text;
+}
+
+void LDIF_RDN::appendTo(std::string& out) const
+{
+    const char* separator = "";
+    for (const LDIF_RDN_pair& pair : *this) {
+        out += separator;
+        pair.appendTo(out);
+        separator = " + ";
+    }
+}
+
+int LDIF_RDN::compare(const LDIF_RDN& other) const
+{
+    const auto [mine, its] = std::mismatch(begin(), end(), other.begin(), other.end());
+    if (mine == end())
+        return its == other.end() ? 0 : 1;
+    return its == other.end() ? -1 : mine->compare(*its);
+}
+
+std::ostream& operator<<(std::ostream& stream, const LDIF_RDN_pair& pair)
+{
+    return stream << pair.str();
+}
+
+std::ostream& operator<<(std::ostream& stream, const LDIF_RDN& rdn)
+{
+    return stream << rdn.str();
+}

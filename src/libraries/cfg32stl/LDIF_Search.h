@@ -1,0 +1,65 @@
+// Searches of the tree: filter, selection of attributes, and results.
+#ifndef LDIF_SEARCH_H
+#define LDIF_SEARCH_H
+
+#include "LDIF_Entry.h"
+#include "cisString.h"
+
+#include <iosfwd>
+#include <set>
+#include <string>
+#include <vector>
+
+// One test on one attribute: that the entry has it, or has it with a value. The text form is "name=value", "name=*" or
+// "name", with or without parentheses around it; a value may hold the escapes \XX of RFC 4515. Nothing else of the
+// filter language of RFC 4515 is known. Every text is a filter; one without a name tests for objectclass.
+class LDIF_Filter {
+public:
+    cisString attr = cisString("objectclass");
+    std::string value;     // without escapes
+    bool anyValue = true;  // the attribute is enough, value does not count
+
+    LDIF_Filter() = default;
+    // Throws LDIF_Exception (162) for text that the locale cannot convert.
+    explicit LDIF_Filter(const std::string& text);
+    LDIF_Filter& operator=(const std::string& text);
+
+    // Throws LDIF_Exception for a value that the attribute's syntax refuses.
+    virtual bool match(const LDIF_Entry& entry) const;
+
+private:
+    void readValue(const std::string& text);
+};
+
+// The names of the attributes wanted; none means all.
+class LDIF_AttrFilter : public std::set<cisString> {};
+
+// The entries that a search has found, in preorder, as copies without comment and children. Adding an entry searches
+// it and, as far as the scope says, what lies below.
+class LDIF_Search_Results : public std::vector<LDIF_Entry> {
+public:
+    enum Scope { base = 0, oneLevel = 1, subtree = 2 };
+
+    Scope scope;
+    LDIF_Filter filter;
+    LDIF_AttrFilter attrFilter;
+    bool attrsOnly;  // for whoever reads the results: they hold their values in any case
+
+    LDIF_Search_Results(const Scope& reach, const LDIF_Filter& test, const LDIF_AttrFilter& selection, bool namesOnly);
+
+    // entry is the base of the search. Throws LDIF_Exception for a value that an attribute's syntax refuses, with a
+    // link and entryDn for each entry on the way down.
+    LDIF_Search_Results& operator+=(const LDIF_Entry& entry);
+
+protected:
+    LDIF_Search_Results& addEntry(const LDIF_Entry& entry, const bool& isBase);
+
+private:
+    void visit(const LDIF_Entry& entry, bool isBase);
+    LDIF_Entry selected(const LDIF_Entry& entry) const;
+};
+
+// The number of entries, then each entry as text, without values when only names are wanted.
+std::ostream& operator<<(std::ostream& stream, const LDIF_Search_Results& results);
+
+#endif

@@ -1,0 +1,163 @@
+#include "LDIF_Syntax.h"
+
+#include "LDIF_Util.h"
+#include "LDIF_Value.h"
+#include "platform.h"
+#include "zebldapcfg.h"
+
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <new>
+
+namespace {
+
+enum class NumberError { none, range, syntax };
+
+constexpr std::uint32_t highest = std::numeric_limits<std::int32_t>::max();
+
+// *DIGIT of a number without its sign. magnitude is at most highest + 10.
+NumberError readDigits(const std::string& digits, std::uint32_t& magnitude)
+{
+    if (digits.empty() || digits.find_first_not_of(DIGIT) != std::string::npos)
+        return NumberError::syntax;
+    magnitude = 0;
+    for (const char digit : digits) {
+        if (magnitude > highest / 10)
+            return NumberError::range;
+        magnitude = magnitude * 10 + static_cast<std::uint32_t>(digit - '0');
+    }
+    return NumberError::none;
+}
+
+// [ "-" / "+" ] 1*DIGIT, with white space and parentheses around it
+NumberError readNumber(std::string text, std::int32_t& number)
+{
+    stripLeading(text);
+    stripTrailing(text);
+    const bool negative = !text.empty() && text[0] == '-';
+    if (negative || (!text.empty() && text[0] == '+'))
+        text.erase(0, 1);
+    std::uint32_t magnitude = 0;
+    const NumberError error = readDigits(text, magnitude);
+    if (error != NumberError::none)
+        return error;
+    if (magnitude > highest + (negative ? 1 : 0))
+        return NumberError::range;
+    const auto wide = static_cast<std::int64_t>(magnitude);
+    number = static_cast<std::int32_t>(negative ? -wide : wide);
+    return NumberError::none;
+}
+
+bool isWithinLimits(std::int32_t number, const _AttrType* type)
+{
+    if (type == nullptr || (type->minimum == 0 && type->maximum == 0))
+        return true;
+    return number >= type->minimum && number <= type->maximum;
+}
+
+void store(LDIF_Value& value, std::int32_t number)
+{
+    value.binaryValue.reset(new (std::nothrow) unsigned char[sizeof number]);
+    if (value.binaryValue == nullptr)
+        throw LDIF_Exception(CFG_NO_MEMORY, CFG_ERR_UNEXPECTED, "Allocation failed");
+    value.binaryLength = sizeof number;
+    std::memcpy(value.binaryValue.get(), &number, sizeof number);
+    value.stringValue = std::to_string(number);
+}
+
+std::int32_t stored(const LDIF_Value& value)
+{
+    std::int32_t number = 0;
+    std::memcpy(&number, value.binaryValue.get(), sizeof number);
+    return number;
+}
+
+// The number that an integer value holds, for a comparison.
+std::int32_t operand(const LDIF_Value& value, SourcePos pos = SourcePos::here())
+{
+    if (value.binaryValue == nullptr || value.binaryLength != sizeof(std::int32_t))
+        throw syntaxFailure(LDAP_INAPPROPRIATE_MATCHING, CFG_ERR_UNEXPECTED, "integer compare on non-integer value",
+                            value.str(), value.attrType, pos);
+    return stored(value);
+}
+
+void requireBitmask(const LDIF_Value& value, const std::string& text, SourcePos pos = SourcePos::here())
+{
+    if (value.attrType == nullptr || value.attrType->bitmask == 0)
+        throw syntaxFailure(LDAP_OTHER, CFG_ERR_UNEXPECTED, "Bitmask undefined", text, value.attrType, pos);
+}
+
+void requireBitsInMask(const LDIF_Value& value, const std::string& text, SourcePos pos = SourcePos::here())
+{
+    if ((static_cast<std::uint32_t>(stored(value)) & ~value.attrType->bitmask) != 0)
+        throw syntaxFailure(LDAP_INVALID_SYNTAX, CFG_ERR_BITMASK, "Bits in value are not within bitmask constraint",
+                            text, value.attrType, pos);
+}
+
+LDIF_Exception rangeFailure(const LDIF_Value& value, const std::string& text, SourcePos pos = SourcePos::here())
+{
+    return syntaxFailure(LDAP_INVALID_SYNTAX, CFG_ERR_INT_RANGE, "Integer value out of range", text, value.attrType,
+                         pos);
+}
+
+}  // namespace
+
+void enumFromStr(LDIF_Value& value, const std::string& text)
+{
+    if (value.attrType == nullptr || value.attrType->enumValues == nullptr)
+        throw syntaxFailure(LDAP_OTHER, CFG_ERR_UNEXPECTED, "Enumerated values undefined", text, value.attrType);
+    syntax::cis.fromStr(value, text);
+    const std::string word = value.str();
+    for (const char* const* allowed = value.attrType->enumValues; *allowed != nullptr; ++allowed) {
+        if (_stricmp(*allowed, word.c_str()) == 0)
+            return;
+    }
+    throw syntaxFailure(LDAP_INVALID_SYNTAX, CFG_ERR_ENUM, "value not one of attrType.enumValues", text,
+                        value.attrType);
+}
+
+int intCompare(const LDIF_Value& left, const LDIF_Value& right)
+{
+    const std::int32_t leftNumber = operand(left);
+    const std::int32_t rightNumber = operand(right);
+    return static_cast<int>(leftNumber > rightNumber) - static_cast<int>(leftNumber < rightNumber);
+}
+
+void intFromStr(LDIF_Value& value, const std::string& text)
+{
+    std::int32_t number = 0;
+    NumberError error = readNumber(text, number);
+    if (error == NumberError::none && !isWithinLimits(number, value.attrType))
+        error = NumberError::range;
+    if (error == NumberError::range)
+        throw rangeFailure(value, text);
+    if (error == NumberError::syntax)
+        throw syntaxFailure(LDAP_INVALID_SYNTAX, CFG_ERR_INT_SYNTAX, "Value is not valid integer syntax", text,
+                            value.attrType);
+    store(value, number);
+}
+
+void intFromBin(LDIF_Value& value, const void* data, int /*length*/)
+{
+    std::int32_t number = 0;
+    if (data != nullptr)
+        std::memcpy(&number, data, sizeof number);
+    if (!isWithinLimits(number, value.attrType))
+        throw rangeFailure(value, std::to_string(number));
+    store(value, number);
+}
+
+void maskFromStr(LDIF_Value& value, const std::string& text)
+{
+    requireBitmask(value, text);
+    intFromStr(value, text);
+    requireBitsInMask(value, text);
+}
+
+void maskFromBin(LDIF_Value& value, const void* data, int length)
+{
+    requireBitmask(value, "<binary>");
+    intFromBin(value, data, length);
+    requireBitsInMask(value, value.str());
+}

@@ -1,0 +1,75 @@
+#include "LDIF_Syntax.h"
+
+#include "LDIF_Value.h"
+#include "PasswordCodec.h"
+#include "zebldapcfg.h"
+
+#include <cstring>
+
+namespace {
+
+constexpr int shortest = 1;  // of a clear text, in bytes, unless the type says otherwise
+constexpr int longest = 46;
+
+bool isEncoded(const std::string& text)
+{
+    return !text.empty() && text.front() == '>' && text.back() == '<';
+}
+
+void requireLength(const std::string& text, const _AttrType* type, SourcePos pos = SourcePos::here())
+{
+    const int lower = type != nullptr && type->minimum > 0 ? type->minimum : shortest;
+    const int upper = type != nullptr && type->maximum >= lower ? type->maximum : longest;
+    if (text.size() < static_cast<std::size_t>(lower) || text.size() > static_cast<std::size_t>(upper))
+        throw syntaxFailure(LDAP_INVALID_SYNTAX, CFG_ERR_LENGTH,
+                            "Password length must be " + std::to_string(lower) + " to " + std::to_string(upper) +
+                                " characters",
+                            text, type, pos);
+}
+
+// The clear text of a value, or null for an empty value. side names the operand in the failure.
+ClearText decode(const LDIF_Value& value, const char* side, SourcePos pos = SourcePos::here())
+{
+    const std::string text = value.str();
+    ClearText clear;
+    const int status = text.empty() ? 0 : decodePassword(text, clear);
+    if (status != 0)
+        throw syntaxFailure(status, status, std::string("_pwcodec_decode_buffer( ") + side + " );", text,
+                            value.attrType, pos);
+    return clear;
+}
+
+}  // namespace
+
+int pwCompare(const LDIF_Value& left, const LDIF_Value& right)
+try {
+    const ClearText leftClear = decode(left, "left");
+    const ClearText rightClear = decode(right, "right");
+    if (leftClear != nullptr && rightClear != nullptr)
+        return std::strcmp(leftClear.get(), rightClear.get());
+    return static_cast<int>(leftClear != nullptr) - static_cast<int>(rightClear != nullptr);
+} catch (const LDIF_Exception&) {
+    throw;
+} catch (...) {
+    completeAndThrow("System error in pwCompare()", [&](LDIF_Exception& failure) {
+        failure.value = left.str();
+        failure.attrType = left.attrType;
+    });
+}
+
+void pwFromStr(LDIF_Value& value, const std::string& text)
+try {
+    if (isEncoded(text)) {
+        value.stringValue = text;
+        return;
+    }
+    requireLength(text, value.attrType);
+    const int status = encodePassword(text, value.stringValue);
+    if (status != 0)
+        throw syntaxFailure(status, status, "_pwcodec_encode_buffer( left );", text, value.attrType);
+} catch (...) {
+    completeAndThrow("System error in pwFromStr()", [&](LDIF_Exception& failure) {
+        failure.value = text;
+        failure.attrType = value.attrType;
+    });
+}

@@ -1,0 +1,93 @@
+#include "LDIF_Syntax.h"
+
+#include "LDIF_Value.h"
+#include "platform.h"
+#include "zebldapcfg.h"
+
+#include <algorithm>
+
+namespace {
+
+[[noreturn]] void throwNotImplemented(int extErr, const std::string& text, const _AttrType* attrType,
+                                      const std::string& value, SourcePos pos)
+{
+    throw syntaxFailure(CFG_NOT_SUPPORTED, extErr, text, value, attrType, pos);
+}
+
+std::string lengthMessage(const _AttrType& type, int lower, int upper)
+{
+    const std::string name = type.name != nullptr ? std::string(type.name) + ' ' : std::string();
+    return name + "length must be " + std::to_string(lower) + " to " + std::to_string(upper) + " characters";
+}
+
+}  // namespace
+
+LDIF_Exception syntaxFailure(int ldapErr, int extErr, const std::string& text, const std::string& value,
+                             const _AttrType* attrType, SourcePos pos)
+{
+    LDIF_Exception failure(ldapErr, extErr, text, pos);
+    failure.value = value;
+    failure.attrType = attrType;
+    return failure;
+}
+
+void BinarySyntaxNotImplemented(const char* syntax, const _AttrType* attrType, const std::string& value, SourcePos pos)
+{
+    throwNotImplemented(CFG_ERR_NO_BINARY_FORM,
+                        std::string("Binary representation undefined for syntax: ") + syntax, attrType, value, pos);
+}
+
+void StringSyntaxNotImplemented(const char* syntax, const _AttrType* attrType, const std::string& value, SourcePos pos)
+{
+    throwNotImplemented(CFG_ERR_NO_STRING_FORM,
+                        std::string("String representation undefined for syntax: ") + syntax, attrType, value, pos);
+}
+
+int cesCompare(const LDIF_Value& left, const LDIF_Value& right)
+{
+    return left.str().compare(right.str());
+}
+
+// A maximum below the minimum counts as no limit.
+void cesFromStr(LDIF_Value& value, const std::string& text)
+{
+    if (value.attrType != nullptr) {
+        const int lower = std::max(value.attrType->minimum, 0);
+        const int upper = value.attrType->maximum >= lower ? value.attrType->maximum : 0;
+        const auto size = text.size();
+        const bool longEnough = size >= static_cast<std::size_t>(lower);
+        const bool shortEnough = upper == 0 || size <= static_cast<std::size_t>(upper);
+        if (!longEnough || !shortEnough)
+            throw syntaxFailure(LDAP_INVALID_SYNTAX, CFG_ERR_LENGTH, lengthMessage(*value.attrType, lower, upper), text,
+                                value.attrType);
+    }
+    value.stringValue = text;
+}
+
+void cesFromBin(LDIF_Value& value, const void* data, int length)
+{
+    if (data != nullptr && length >= 1)
+        BinarySyntaxNotImplemented("ces", value.attrType, "<binary>");
+}
+
+std::string cesToStr(const LDIF_Value& value)
+{
+    return value.stringValue;
+}
+
+void* cesToBin(const LDIF_Value& value, int& length)
+{
+    length = static_cast<int>(value.binaryLength);
+    if (value.binaryValue == nullptr)
+        BinarySyntaxNotImplemented("ces", value.attrType, value.str());
+    return value.binaryValue.get();
+}
+
+int cisCompare(const LDIF_Value& left, const LDIF_Value& right)
+{
+    const std::string leftText = left.str();
+    const std::string rightText = right.str();
+    if (leftText.empty() || rightText.empty())
+        return static_cast<int>(!leftText.empty()) - static_cast<int>(!rightText.empty());
+    return _stricmp(leftText.c_str(), rightText.c_str());
+}

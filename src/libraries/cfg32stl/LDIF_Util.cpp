@@ -1,0 +1,175 @@
+#include "LDIF_Util.h"
+
+#include "LDIF_Exception.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cwctype>
+#include <stdexcept>
+
+const std::string ALPHA = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
+const std::string DIGIT = "0123456789";
+const std::string hexChar = DIGIT + "ABCDEFabcdef";
+const std::string keyChar = ALPHA + DIGIT + "-";
+const std::string oidChar = DIGIT + ".";
+const std::string special = ",=+<>#;\\\"";
+
+const char* const empty_str = "";
+
+namespace {
+
+constexpr int wideFailure = 162;
+constexpr int narrowFailure = 163;
+constexpr auto conversionFailed = static_cast<std::size_t>(-1);
+
+bool isEdge(wchar_t unit) noexcept
+{
+    return w_my_isspace(unit) || w_my_isparen(unit);
+}
+
+// The value of a hex digit, or -1.
+int hexValue(wchar_t unit) noexcept
+{
+    if (!w_isOneOf(unit, hexChar))
+        return -1;
+    const int index = static_cast<int>(hexChar.find(static_cast<char>(unit)));
+    return index < 16 ? index : index - 6;
+}
+
+template <typename Text>
+bool readHexPair(const Text& text, std::size_t pos, char& byte) noexcept
+{
+    if (text.size() < pos + 2)
+        return false;
+    const int high = hexValue(text[pos]);
+    const int low = hexValue(text[pos + 1]);
+    if (high < 0 || low < 0)
+        return false;
+    byte = static_cast<char>(high * 16 + low);
+    return true;
+}
+
+}  // namespace
+
+const char* requireText(const char* text)
+{
+    if (text == nullptr)
+        throw std::invalid_argument("null text");
+    return text;
+}
+
+bool w_my_isspace(wchar_t unit) noexcept
+{
+    return std::iswspace(static_cast<std::wint_t>(unit)) != 0;
+}
+
+bool w_my_isparen(wchar_t unit) noexcept
+{
+    return unit == L'(' || unit == L')';
+}
+
+bool w_isOneOf(wchar_t unit, const std::string& characters) noexcept
+{
+    return unit > 0 && unit < 0x80 && characters.find(static_cast<char>(unit)) != std::string::npos;
+}
+
+bool w_isBlank(const std::wstring& text) noexcept
+{
+    return std::all_of(text.begin(), text.end(), w_my_isspace);
+}
+
+bool isBlank(const std::string& text)
+{
+    return w_isBlank(multibyte2wide(text));
+}
+
+std::wstring& w_stripLeading(std::wstring& text) noexcept
+{
+    text.erase(text.begin(), std::find_if_not(text.begin(), text.end(), isEdge));
+    return text;
+}
+
+std::string& stripLeading(std::string& text)
+{
+    std::wstring wide = multibyte2wide(text);
+    return text = wide2multibyte(w_stripLeading(wide));
+}
+
+std::wstring& w_stripTrailing(std::wstring& text) noexcept
+{
+    if (text.empty())
+        return text;
+    std::size_t last = text.size() - 1;
+    while (last > 0 && isEdge(text[last]))
+        --last;
+    text.erase(w_my_isspace(text[last]) ? last : last + 1);
+    return text;
+}
+
+std::string& stripTrailing(std::string& text)
+{
+    std::wstring wide = multibyte2wide(text);
+    return text = wide2multibyte(w_stripTrailing(wide));
+}
+
+bool w_hexPair(const std::wstring& text, std::size_t pos, char& byte) noexcept
+{
+    return readHexPair(text, pos, byte);
+}
+
+bool hexPair(const std::string& text, std::size_t pos, char& byte) noexcept
+{
+    return readHexPair(text, pos, byte);
+}
+
+bool w_hex2byte(std::wstring& text, char& byte) noexcept
+{
+    if (!w_hexPair(text, 0, byte))
+        return false;
+    text.erase(0, 2);
+    return true;
+}
+
+bool hex2byte(std::string& text, char& byte)
+{
+    std::wstring wide = multibyte2wide(text);
+    char found = 0;
+    if (!w_hex2byte(wide, found))
+        return false;
+    text = wide2multibyte(wide);
+    byte = found;
+    return true;
+}
+
+std::string& byte2hex(unsigned int byte, std::string& out)
+{
+    out += hexChar[byte >> 4 & 15U];
+    out += hexChar[byte & 15U];
+    return out;
+}
+
+std::wstring multibyte2wide(const std::string& text)
+{
+    const std::size_t length = text.empty() ? 0 : std::mbstowcs(nullptr, text.c_str(), 0);
+    std::wstring wide;
+    if (length != conversionFailed) {
+        wide.resize(length);
+        if (length == 0 || std::mbstowcs(wide.data(), text.c_str(), length + 1) == length)
+            return wide;
+    }
+    LDIF_Exception failure(wideFailure, wideFailure, "mbstowcs( " + text + " )");
+    failure.value = text;
+    throw failure;
+}
+
+std::string wide2multibyte(const std::wstring& text)
+{
+    const std::size_t length = text.empty() ? 0 : std::wcstombs(nullptr, text.c_str(), 0);
+    std::string narrow;
+    if (length != conversionFailed) {
+        narrow.resize(length);
+        if (length == 0 || std::wcstombs(narrow.data(), text.c_str(), length + 1) == length)
+            return narrow;
+    }
+    throw LDIF_Exception(narrowFailure, narrowFailure, "wcstombs()");
+}

@@ -1,0 +1,57 @@
+// Character classes, trimming, hex pairs, and conversions between narrow and wide text.
+//
+// Narrow text is in the multibyte encoding of the C locale of the process. Wide text has one unit for each character,
+// or on Windows for each 16-bit half of one; what has to look at characters rather than bytes works on it. A function
+// w_name takes wide text, and its twin without the prefix narrow text. All but the w_ functions throw LDIF_Exception
+// when the locale cannot convert the text: 162 from narrow to wide, 163 from wide to narrow. An embedded NUL ends a
+// text that is converted.
+#ifndef LDIF_UTIL_H
+#define LDIF_UTIL_H
+
+#include <string>
+
+extern const std::string ALPHA;    // the ASCII letters
+extern const std::string DIGIT;    // the decimal digits
+extern const std::string hexChar;  // the hex digits, 0 to 9, A to F, a to f
+extern const std::string keyChar;  // letters, digits and "-"
+extern const std::string oidChar;  // digits and "."
+extern const std::string special;  // the characters that a plain RDN value escapes
+
+// The empty text, for a const char* that may not be null.
+extern const char* const empty_str;
+
+// Gives text back. Throws std::invalid_argument for null: a caller of the exported calls has left an argument out.
+const char* requireText(const char* text);
+
+bool w_my_isspace(wchar_t unit) noexcept;
+bool w_my_isparen(wchar_t unit) noexcept;
+// Whether a unit is one of a character class above.
+bool w_isOneOf(wchar_t unit, const std::string& characters) noexcept;
+
+// Whether all units are white space.
+bool w_isBlank(const std::wstring& text) noexcept;
+bool isBlank(const std::string& text);
+
+// Remove white space and parentheses from the front.
+std::wstring& w_stripLeading(std::wstring& text) noexcept;
+std::string& stripLeading(std::string& text);
+
+// Remove white space and parentheses from the end. A parenthesis that stands first in the text stays.
+std::wstring& w_stripTrailing(std::wstring& text) noexcept;
+std::string& stripTrailing(std::string& text);
+
+// Takes two hex digits off the front. False, with nothing changed, when there are none.
+bool w_hex2byte(std::wstring& text, char& byte) noexcept;
+bool hex2byte(std::string& text, char& byte);
+
+// The byte that two hex digits from pos on stand for. False, with byte unchanged, when there are none.
+bool w_hexPair(const std::wstring& text, std::size_t pos, char& byte) noexcept;
+bool hexPair(const std::string& text, std::size_t pos, char& byte) noexcept;
+
+// Appends two upper case hex digits; byte is 0 to 255.
+std::string& byte2hex(unsigned int byte, std::string& out);
+
+std::wstring multibyte2wide(const std::string& text);
+std::string wide2multibyte(const std::wstring& text);
+
+#endif

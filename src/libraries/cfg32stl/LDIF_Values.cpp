@@ -1,0 +1,122 @@
+#include "LDIF_Values.h"
+
+#include "LDIF_AttrType.h"
+#include "LDIF_Exception.h"
+
+#include <algorithm>
+
+namespace {
+
+// What a failed operator on a list knows: the list's type and the text of the value.
+auto fieldsOf(const LDIF_Values& list, const std::string& value)
+{
+    return [&list, value](LDIF_Exception& failure) {
+        failure.attrType = list.attrType;
+        failure.value = value;
+    };
+}
+
+// The same for a whole list of values: a system error names the first of them.
+auto fieldsOf(const LDIF_Values& list, const LDIF_Values& values)
+{
+    return [&list, &values](LDIF_Exception& failure) {
+        failure.attrType = list.attrType;
+        if (failure.nested == nullptr && !values.empty())
+            failure.value = values.front().str();
+    };
+}
+
+}  // namespace
+
+LDIF_Values::LDIF_Values(const std::string& name)
+    : attrName(name), attrType(getAttrType(name.empty() ? nullptr : name.c_str()))
+{
+}
+
+LDIF_Values& LDIF_Values::operator=(const LDIF_Values& other)
+{
+    if (this == &other)
+        return *this;
+    try {
+        clear();
+        attrName = other.attrName;
+        attrType = other.attrType;
+        return *this += other;
+    } catch (...) {
+        wrapAndThrow("System error in LDIF_Values::operator =", fieldsOf(*this, other));
+    }
+}
+
+std::string LDIF_Values::str() const
+{
+    std::string text;
+    appendTo(text);
+    return text;
+}
+
+void LDIF_Values::appendTo(std::string& out) const
+{
+    for (const LDIF_Value& value : *this)
+        out.append(attrName).append(": ").append(value.str()).append("\n");
+}
+
+LDIF_Values& LDIF_Values::operator+=(const std::string& text)
+{
+    try {
+        LDIF_Value value(attrType, text.c_str());
+        if (findEqual(value) == data() + size())
+            push_back(std::move(value));
+        return *this;
+    } catch (...) {
+        wrapAndThrow("System error in LDIF_Values::operator +=", fieldsOf(*this, text));
+    }
+}
+
+LDIF_Values& LDIF_Values::operator+=(const LDIF_Value& value)
+{
+    try {
+        return *this += value.str();
+    } catch (...) {
+        wrapAndThrow("System error in LDIF_Values::operator +=", fieldsOf(*this, value.str()));
+    }
+}
+
+LDIF_Values& LDIF_Values::operator+=(const LDIF_Values& other)
+{
+    if (this == &other)
+        return *this;
+    try {
+        for (const LDIF_Value& value : other)
+            *this += value.str();
+        return *this;
+    } catch (...) {
+        wrapAndThrow("System error in LDIF_Values::operator +=", fieldsOf(*this, other));
+    }
+}
+
+LDIF_Values& LDIF_Values::operator-=(const std::string& text)
+{
+    try {
+        const auto found = find(text) - data();
+        if (static_cast<size_type>(found) < size())
+            erase(begin() + found);
+        return *this;
+    } catch (...) {
+        wrapAndThrow("System error in LDIF_Values::operator -=", fieldsOf(*this, text));
+    }
+}
+
+const LDIF_Value* LDIF_Values::find(const std::string& text) const
+{
+    return empty() ? data() : findEqual(LDIF_Value(attrType, text.c_str()));
+}
+
+LDIF_Value* LDIF_Values::find(const std::string& text)
+{
+    return const_cast<LDIF_Value*>(static_cast<const LDIF_Values*>(this)->find(text));
+}
+
+const LDIF_Value* LDIF_Values::findEqual(const LDIF_Value& value) const
+{
+    return std::find_if(data(), data() + size(), [&](const LDIF_Value& each) { return each.compare(value) == 0; });
+}

@@ -1,0 +1,23 @@
+#include "PasswordCodec.h"
+
+int decodePassword(const std::string& encoded, ClearText& clear)
+{
+    std::string workingCopy = encoded;  // The codec may write into it.
+    char* text = nullptr;
+    const int status = _pwcodec_decode_buffer(workingCopy.data(), &text);
+    if (status == 0)
+        clear.reset(text);
+    return status;
+}
+
+int encodePassword(const std::string& clear, std::string& encoded)
+{
+    char* text = nullptr;
+    const int status = _pwcodec_encode_buffer(clear.c_str(), &text);
+    if (status != 0)
+        return status;
+    const auto release = [](char* buffer) { _pwcodec_encode_buffer_free(&buffer); };
+    const std::unique_ptr<char, decltype(release)> owner(text, release);
+    encoded = text;
+    return 0;
+}

@@ -1,0 +1,22 @@
+// The password codec as the library uses it.
+#ifndef PASSWORDCODEC_H
+#define PASSWORDCODEC_H
+
+#include "pwcodec.h"
+
+#include <memory>
+#include <string>
+
+// Gives a clear text back to the codec.
+struct ClearTextDeleter {
+    void operator()(char* text) const noexcept { _pwcodec_decode_buffer_free(&text); }
+};
+using ClearText = std::unique_ptr<char, ClearTextDeleter>;
+
+// Decodes a text of any length, from a copy. 0, with clear null where the codec gives no text, or the codec's status.
+int decodePassword(const std::string& encoded, ClearText& clear);
+
+// Encodes a text. 0, or the codec's status with encoded unchanged.
+int encodePassword(const std::string& clear, std::string& encoded);
+
+#endif

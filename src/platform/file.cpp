@@ -1,0 +1,83 @@
+#include "platform.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace {
+
+class Descriptor {
+public:
+    explicit Descriptor(int descriptor) noexcept : number(descriptor) {}
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    ~Descriptor()
+    {
+        if (number >= 0)
+            ::close(number);
+    }
+    int get() const noexcept { return number; }
+
+private:
+    int number;
+};
+
+// O_NONBLOCK keeps a FIFO without a peer from holding the call up; on regular files it means nothing.
+int openFile(const std::string& name, int flags) noexcept
+{
+    return ::open(name.c_str(), flags | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0666);
+}
+
+}  // namespace
+
+bool readFile(const std::string& name, std::string& content)
+{
+    const Descriptor file(openFile(name, O_RDONLY));
+    FileStatus status = {};
+    if (file.get() < 0 || ::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode))
+        return false;
+    content.resize(static_cast<std::size_t>(status.st_size) + 1);  // one more, to meet the end in the same read
+    std::size_t length = 0;
+    for (;;) {
+        if (length == content.size())
+            content.resize(2 * content.size());
+        const ssize_t count = ::read(file.get(), &content[length], content.size() - length);
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count < 0)
+            return false;
+        if (count == 0)
+            break;
+        length += static_cast<std::size_t>(count);
+    }
+    content.resize(length);
+    return true;
+}
+
+bool writeFile(const std::string& name, const std::string& text)
+{
+    const Descriptor file(openFile(name, O_WRONLY | O_CREAT | O_TRUNC));
+    if (file.get() < 0)
+        return false;
+    for (std::size_t done = 0; done < text.size();) {
+        const ssize_t count = ::write(file.get(), &text[done], text.size() - done);
+        if (count < 0 && errno != EINTR)
+            break;
+        done += count > 0 ? static_cast<std::size_t>(count) : 0;
+    }
+    return true;
+}
+
+bool isSameFile(const std::string& name, const std::string& other)
+{
+    FileStatus target = {};
+    FileStatus entry = {};
+    FileStatus otherEntry = {};
+    if (::stat(name.c_str(), &target) != 0 || ::lstat(name.c_str(), &entry) != 0 ||
+        ::lstat(other.c_str(), &otherEntry) != 0)
+        return false;
+    const auto isOther = [&](const FileStatus& status) {
+        return status.st_dev == otherEntry.st_dev && status.st_ino == otherEntry.st_ino;
+    };
+    return isOther(target) || isOther(entry);
+}

@@ -1,0 +1,93 @@
+// The services of the library's home platform: Win32 and the Microsoft C runtime. On Windows this header takes the
+// real ones; on POSIX it declares a small layer with the same names, results and error numbers, so that the code
+// above reads the same everywhere.
+#ifndef PLATFORM_H
+#define PLATFORM_H
+
+#include <string>
+#include <sys/stat.h>
+
+#ifdef _WIN32
+
+#include <string.h>
+#include <windows.h>
+
+constexpr const char* pathSeparator = "\\";
+
+using FileStatus = struct _stat;
+
+#else
+
+using LONG = int;
+using DWORD = unsigned int;
+
+constexpr DWORD ERROR_SUCCESS = 0;
+constexpr DWORD ERROR_FILE_NOT_FOUND = 2;
+constexpr DWORD ERROR_PATH_NOT_FOUND = 3;
+constexpr DWORD ERROR_ACCESS_DENIED = 5;
+constexpr DWORD ERROR_INVALID_HANDLE = 6;
+constexpr DWORD ERROR_NOT_ENOUGH_MEMORY = 8;
+constexpr DWORD ERROR_GEN_FAILURE = 31;
+constexpr DWORD ERROR_FILENAME_EXCED_RANGE = 206;
+constexpr DWORD ERROR_MORE_DATA = 234;
+
+constexpr const char* pathSeparator = "/";
+
+// The registry: a directory tree below registryRoot(), keys as folders, values as files whose content, less one final
+// line feed, is the value. All three calls give ERROR_SUCCESS or an error number.
+struct RegistryKey;
+using HKEY = RegistryKey*;
+constexpr HKEY HKEY_LOCAL_MACHINE = nullptr;
+constexpr DWORD KEY_READ = 0x20019;
+
+// Opens a key below HKEY_LOCAL_MACHINE; its parts are separated by "\". *result is closed with RegCloseKey.
+LONG RegOpenKeyExA(HKEY key, const char* subKey, DWORD options, DWORD access, HKEY* result);
+// Copies a value and its closing NUL to data, when data is not null, and sets *size to their number of bytes.
+// ERROR_MORE_DATA when *size says that they do not fit.
+LONG RegQueryValueExA(HKEY key, const char* name, DWORD* reserved, DWORD* type, unsigned char* data, DWORD* size);
+LONG RegCloseKey(HKEY key);
+
+// The directory that holds the registry; fixed when the library is built.
+const char* registryRoot() noexcept;
+
+// Puts a relative name behind the current directory and takes an absolute one as it is; resolves nothing. Gives the
+// length, or the size that is needed when that is more than size, or 0 on failure, with the number in GetLastError.
+DWORD GetFullPathNameA(const char* name, DWORD size, char* buffer, char** filePart);
+
+// The number of the calling thread's last failure in this layer.
+DWORD GetLastError() noexcept;
+
+constexpr DWORD FORMAT_MESSAGE_ALLOCATE_BUFFER = 0x100;
+constexpr DWORD FORMAT_MESSAGE_FROM_SYSTEM = 0x1000;
+
+// Only with both flags above: *reinterpret_cast<char**>(buffer) receives the text of an error number, to be released
+// with LocalFree. Gives its length, or 0 for a number without a text.
+DWORD FormatMessageA(DWORD flags, const void* source, DWORD number, DWORD language, char* buffer, DWORD size,
+                     void* arguments);
+void* LocalFree(void* memory) noexcept;
+
+// Compares without regard to case: each byte folded to lower case under the current locale, ASCII letters always as
+// ASCII does, so that no locale changes an ASCII name.
+int _stricmp(const char* left, const char* right) noexcept;
+// A copy on the C heap, or null when memory is exhausted.
+char* _strdup(const char* text) noexcept;
+
+// The record that _stat fills in; st_mtime is in seconds.
+using FileStatus = struct ::stat;
+// 0, or -1 with the reason in errno.
+int _stat(const char* name, FileStatus* status) noexcept;
+
+#endif
+
+// Reads a whole file, byte for byte. False when it cannot be opened or read, or is no regular file; never waits.
+bool readFile(const std::string& name, std::string& content);
+
+// Creates a file or cuts it to length 0, and writes the text with the platform's line ends, all at once. False when
+// the file cannot be opened; a write that fails behind that is not reported.
+bool writeFile(const std::string& name, const std::string& text);
+
+// Whether the directory entry other is the file itself, or what the file's symbolic link leads to: removing other
+// would remove the file's content. False when one of them is not there.
+bool isSameFile(const std::string& name, const std::string& other);
+
+#endif

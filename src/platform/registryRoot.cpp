@@ -1,0 +1,6 @@
+#include "platform.h"
+
+const char* registryRoot() noexcept
+{
+    return ZEBLDAPCFG_REGISTRY_ROOT;
+}

@@ -1,0 +1,43 @@
+// What the layer adds on Windows, where the rest of it is the system's own.
+#include "platform.h"
+
+#include <fstream>
+#include <iterator>
+
+bool readFile(const std::string& name, std::string& content)
+{
+    FileStatus status = {};
+    if (_stat(name.c_str(), &status) != 0 || (status.st_mode & _S_IFREG) == 0)
+        return false;
+    std::ifstream file(name, std::ios::binary);
+    if (!file)
+        return false;
+    content.assign(std::istreambuf_iterator<char>(file), {});
+    return !file.bad();
+}
+
+bool writeFile(const std::string& name, const std::string& text)
+{
+    std::ofstream file(name);
+    if (!file)
+        return false;
+    file << text;
+    return true;
+}
+
+bool isSameFile(const std::string& name, const std::string& other)
+{
+    char fullName[MAX_PATH];
+    char fullOther[MAX_PATH];
+    const DWORD nameLength = GetFullPathNameA(name.c_str(), MAX_PATH, fullName, nullptr);
+    const DWORD otherLength = GetFullPathNameA(other.c_str(), MAX_PATH, fullOther, nullptr);
+    return nameLength != 0 && nameLength < MAX_PATH && otherLength != 0 && otherLength < MAX_PATH &&
+           _stricmp(fullName, fullOther) == 0;
+}
+
+BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, void* /*reserved*/)
+{
+    if (reason == DLL_PROCESS_ATTACH)
+        DisableThreadLibraryCalls(module);
+    return TRUE;
+}
