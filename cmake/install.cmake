@@ -11,5 +11,8 @@ write_basic_package_version_file(zebldapcfg-config-version.cmake COMPATIBILITY S
 install(FILES ${PROJECT_BINARY_DIR}/zebldapcfg-config.cmake ${PROJECT_BINARY_DIR}/zebldapcfg-config-version.cmake
     DESTINATION ${package_dir})
 
+# Its paths start from where it lies, so that it stays true below any prefix of cmake --install.
+file(RELATIVE_PATH prefix_from_pkgconfig /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+string(REGEX REPLACE "/$" "" prefix_from_pkgconfig "${prefix_from_pkgconfig}")
 configure_file(cmake/zebldapcfg.pc.in zebldapcfg.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/zebldapcfg.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

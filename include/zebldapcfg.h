@@ -51,11 +51,7 @@ extern "C" {
 typedef struct CFG CFG;
 
 /* What a record of a search result stands for. */
-enum {
-    CFG_MSG_ENTRY = 0,
-    CFG_MSG_ATTRIBUTE = 1,
-    CFG_MSG_VALUE = 2
-};
+enum { CFG_MSG_ENTRY = 0, CFG_MSG_ATTRIBUTE = 1, CFG_MSG_VALUE = 2 };
 
 /*
  * A record of a search result: a list of entries, each with a list of attributes, each with a list of values. A
@@ -64,9 +60,9 @@ enum {
 typedef struct CFGMessage CFGMessage;
 struct CFGMessage {
     int type;          /* CFG_MSG_ENTRY, CFG_MSG_ATTRIBUTE or CFG_MSG_VALUE */
-    char *text;        /* the DN, the attribute's name or the value; null only for a value without text */
-    CFGMessage *child; /* the first attribute of an entry, the first value of an attribute, or null */
-    CFGMessage *next;  /* the next record of the same level, or null */
+    char* text;        /* the DN, the attribute's name or the value; null only for a value without text */
+    CFGMessage* child; /* the first attribute of an entry, the first value of an attribute, or null */
+    CFGMessage* next;  /* the next record of the same level, or null */
 };
 
 /* The options of cfg_get_option and cfg_set_option. A flag is 0 or 1. */
@@ -140,16 +136,16 @@ enum {
  * A new handle with the default options, or null when memory is exhausted; release it with cfg_unbind. Sets the
  * locale of the process from its environment, and the two report switches of the process back to their defaults.
  */
-ZEBLDAPCFG_API CFG *cfg_init(void);
+ZEBLDAPCFG_API CFG* cfg_init(void);
 
 /* Clears the failure and the texts that the last call left in the handle. 0, or 89 for a null handle. */
-ZEBLDAPCFG_API int cfg_reset(CFG *cfg);
+ZEBLDAPCFG_API int cfg_reset(CFG* cfg);
 
 /*
  * Releases the handle and all that it owns, without writing the file. 0; 89 for a null handle; 1 when an exception
  * arose while releasing. The handle is gone whatever the result. Search results stay.
  */
-ZEBLDAPCFG_API int cfg_unbind(CFG *cfg);
+ZEBLDAPCFG_API int cfg_unbind(CFG* cfg);
 
 /* --- Bind and configuration location ---------------------------------------------------------------------------- */
 
@@ -165,33 +161,33 @@ ZEBLDAPCFG_API int cfg_unbind(CFG *cfg);
  * 34 for a bad DN; 162 for text that the locale cannot convert. After a failure a handle that was bound stays bound
  * to what it had.
  */
-ZEBLDAPCFG_API int cfg_bind_s(CFG *cfg, const char *dn, const char *password, int method);
+ZEBLDAPCFG_API int cfg_bind_s(CFG* cfg, const char* dn, const char* password, int method);
 
 /*
  * The install location: the value LDAPHome of the registry key SOFTWARE\ZEB\LDAP\Client, or null when there is none
  * or when it takes more than 255 bytes. The text is static, and the next call overwrites it.
  */
-ZEBLDAPCFG_API const char *getInstallPath(void);
+ZEBLDAPCFG_API const char* getInstallPath(void);
 
 /*
  * The default configuration file: etc/zebslapd.conf under the install location, or null when there is none or when
  * it takes more than 255 bytes. The text is static, and the next call overwrites it.
  */
-ZEBLDAPCFG_API const char *getDefaultConfigFilename(void);
+ZEBLDAPCFG_API const char* getDefaultConfigFilename(void);
 
 /* --- Codes and failures ----------------------------------------------------------------------------------------- */
 
 /* The text of a result code or an extended code. Static, never null for a code of this header. */
-ZEBLDAPCFG_API const char *cfg_err2string(int code);
+ZEBLDAPCFG_API const char* cfg_err2string(int code);
 
 /* The result code of the last call that clears the handle; 89 for a null handle. */
-ZEBLDAPCFG_API int cfg_get_errno(CFG *cfg);
+ZEBLDAPCFG_API int cfg_get_errno(CFG* cfg);
 
 /* The most specific code of the last failure: an extended code, else the result code; 89 for a null handle. */
-ZEBLDAPCFG_API int cfg_get_exterror(CFG *cfg);
+ZEBLDAPCFG_API int cfg_get_exterror(CFG* cfg);
 
 /* Does nothing. It exists for programs that call it. */
-ZEBLDAPCFG_API void cfg_perror(CFG *cfg, const char *text);
+ZEBLDAPCFG_API void cfg_perror(CFG* cfg, const char* text);
 
 /*
  * The accessors of the last failure. They clear nothing and may be called in any order. A pointer lives until the
@@ -200,40 +196,40 @@ ZEBLDAPCFG_API void cfg_perror(CFG *cfg, const char *text);
  */
 
 /* The full report, several lines, one block for each link of the failure's chain while CFG_OPT_SHOW_STACK is 1. */
-ZEBLDAPCFG_API const char *cfg_dump_exception(CFG *cfg);
+ZEBLDAPCFG_API const char* cfg_dump_exception(CFG* cfg);
 
 /*
  * The configuration file that the failure concerns; else the full path of the bound file, else the name that is set,
  * else the default name, else null.
  */
-ZEBLDAPCFG_API const char *cfg_get_file_name(CFG *cfg);
+ZEBLDAPCFG_API const char* cfg_get_file_name(CFG* cfg);
 
 /* The line of the configuration file that the failure concerns, counted from 1; 0 when no line applies. */
-ZEBLDAPCFG_API int cfg_get_file_line(CFG *cfg);
+ZEBLDAPCFG_API int cfg_get_file_line(CFG* cfg);
 
 /* The DN of the entry that the failure concerns; empty when no entry applies. */
-ZEBLDAPCFG_API const char *cfg_get_entry(CFG *cfg);
+ZEBLDAPCFG_API const char* cfg_get_entry(CFG* cfg);
 
 /* The name of the attribute that the failure concerns; null when no attribute applies. */
-ZEBLDAPCFG_API const char *cfg_get_attribute(CFG *cfg);
+ZEBLDAPCFG_API const char* cfg_get_attribute(CFG* cfg);
 
 /* The text of the value that the failure concerns, which for a password is its clear text; empty when none applies. */
-ZEBLDAPCFG_API const char *cfg_get_value(CFG *cfg);
+ZEBLDAPCFG_API const char* cfg_get_value(CFG* cfg);
 
 /* The allowed values of the attribute type concerned, ended by a null; null when it has none. Static. */
-ZEBLDAPCFG_API const char *const *cfg_get_enum(CFG *cfg);
+ZEBLDAPCFG_API const char* const* cfg_get_enum(CFG* cfg);
 
 /* The bits that a value of the attribute type concerned may set; 0 when it is no bit mask. */
-ZEBLDAPCFG_API unsigned int cfg_get_bitmask(CFG *cfg);
+ZEBLDAPCFG_API unsigned int cfg_get_bitmask(CFG* cfg);
 
 /* The least number, or the least length in bytes, for the attribute type concerned; 0 means no limit. */
-ZEBLDAPCFG_API int cfg_get_minimum(CFG *cfg);
+ZEBLDAPCFG_API int cfg_get_minimum(CFG* cfg);
 
 /* The greatest number, or the greatest length in bytes, for the attribute type concerned; 0 means no limit. */
-ZEBLDAPCFG_API int cfg_get_maximum(CFG *cfg);
+ZEBLDAPCFG_API int cfg_get_maximum(CFG* cfg);
 
 /* 1 when the attribute type concerned is declared single-valued, else 0. No call enforces it. */
-ZEBLDAPCFG_API int cfg_get_is_single(CFG *cfg);
+ZEBLDAPCFG_API int cfg_get_is_single(CFG* cfg);
 
 /* --- Search ----------------------------------------------------------------------------------------------------- */
 
@@ -254,26 +250,26 @@ ZEBLDAPCFG_API int cfg_get_is_single(CFG *cfg);
  * 80 for a null base or filter; the status of the password codec for a password that cannot be decoded; what a load
  * gives (cfg_bind_s). After a failure *result is null, except after 89.
  */
-ZEBLDAPCFG_API int cfg_search_s(CFG *cfg, const char *base, int scope, const char *filter, char **attrs, int attrsonly,
-                                CFGMessage **result);
+ZEBLDAPCFG_API int cfg_search_s(CFG* cfg, const char* base, int scope, const char* filter, char** attrs, int attrsonly,
+                                CFGMessage** result);
 
 /* The first entry of a result: result itself. */
-ZEBLDAPCFG_API CFGMessage *cfg_first_entry(CFG *cfg, CFGMessage *result);
+ZEBLDAPCFG_API CFGMessage* cfg_first_entry(CFG* cfg, CFGMessage* result);
 
 /* The entry behind this one, or null behind the last one and for a null entry. */
-ZEBLDAPCFG_API CFGMessage *cfg_next_entry(CFG *cfg, CFGMessage *entry);
+ZEBLDAPCFG_API CFGMessage* cfg_next_entry(CFG* cfg, CFGMessage* entry);
 
 /* The number of entries from this record on; 89 for a null handle. */
-ZEBLDAPCFG_API int cfg_count_entries(CFG *cfg, CFGMessage *result);
+ZEBLDAPCFG_API int cfg_count_entries(CFG* cfg, CFGMessage* result);
 
 /* The number of attributes of an entry; 89 for a null handle. */
-ZEBLDAPCFG_API int cfg_count_attributes(CFG *cfg, CFGMessage *entry);
+ZEBLDAPCFG_API int cfg_count_attributes(CFG* cfg, CFGMessage* entry);
 
 /*
  * A copy of an entry's DN; release it with cfg_memfree. Null with 89 in the handle for anything but an entry, null
  * with 90 when memory is exhausted.
  */
-ZEBLDAPCFG_API char *cfg_get_dn(CFG *cfg, CFGMessage *entry);
+ZEBLDAPCFG_API char* cfg_get_dn(CFG* cfg, CFGMessage* entry);
 
 /*
  * Starts a walk over the attributes of an entry, and gives a copy of the first name; release it with cfg_memfree.
@@ -281,35 +277,35 @@ ZEBLDAPCFG_API char *cfg_get_dn(CFG *cfg, CFGMessage *entry);
  * result is null. Null with 89 in the handle for a null entry or ber, null with 90 when memory is exhausted; *ber is
  * null then.
  */
-ZEBLDAPCFG_API char *cfg_first_attribute(CFG *cfg, CFGMessage *entry, BerElement **ber);
+ZEBLDAPCFG_API char* cfg_first_attribute(CFG* cfg, CFGMessage* entry, BerElement** ber);
 
 /*
  * Moves the walk on, and gives a copy of the next name; release it with cfg_memfree. Null at the end of the walk;
  * null with 89 in the handle for a null ber, null with 90 when memory is exhausted. entry is not read.
  */
-ZEBLDAPCFG_API char *cfg_next_attribute(CFG *cfg, CFGMessage *entry, BerElement *ber);
+ZEBLDAPCFG_API char* cfg_next_attribute(CFG* cfg, CFGMessage* entry, BerElement* ber);
 
 /*
  * Copies of the values of one attribute, whose name is taken without regard to case, ended by a null; release them
  * with cfg_value_free. Null when the attribute has no value or the handle is null; null with 16 in the handle when
  * the entry lacks the attribute, with 89 for a null entry or attribute, with 90 when memory is exhausted.
  */
-ZEBLDAPCFG_API char **cfg_get_values(CFG *cfg, CFGMessage *entry, const char *attribute);
+ZEBLDAPCFG_API char** cfg_get_values(CFG* cfg, CFGMessage* entry, const char* attribute);
 
 /* The number of texts before the closing null; 0 for null. */
-ZEBLDAPCFG_API int cfg_count_values(char **values);
+ZEBLDAPCFG_API int cfg_count_values(char** values);
 
 /* Releases what cfg_get_values gave. Null is allowed. */
-ZEBLDAPCFG_API void cfg_value_free(char **values);
+ZEBLDAPCFG_API void cfg_value_free(char** values);
 
 /* Releases a result from this record on. Null is allowed. Always 0. */
-ZEBLDAPCFG_API int cfg_msgfree(CFGMessage *message);
+ZEBLDAPCFG_API int cfg_msgfree(CFGMessage* message);
 
 /* Releases the state of a walk over attributes. Null is allowed. */
-ZEBLDAPCFG_API void cfg_ber_free(BerElement *ber);
+ZEBLDAPCFG_API void cfg_ber_free(BerElement* ber);
 
 /* Releases a text that this library gave as a char *. Null is allowed. */
-ZEBLDAPCFG_API void cfg_memfree(void *memory);
+ZEBLDAPCFG_API void cfg_memfree(void* memory);
 
 /* --- Updates ---------------------------------------------------------------------------------------------------- */
 
@@ -329,23 +325,23 @@ ZEBLDAPCFG_API void cfg_memfree(void *memory);
  * entry that exists takes the attributes on, and a parent need not exist. The empty DN is the root, where the next
  * load accepts no attributes but charset and version.
  */
-ZEBLDAPCFG_API int cfg_add_s(CFG *cfg, const char *dn, LDAPMod **attrs);
+ZEBLDAPCFG_API int cfg_add_s(CFG* cfg, const char* dn, LDAPMod** attrs);
 
 /*
  * Applies the records of the array, which a null ends, to an entry, one after the other; those before a failing one
  * stay applied in memory. 32 for an entry that is not there, unless there is nothing to apply; 16 for the delete of
  * an attribute that is not there; 89 (1010) for an unknown operation.
  */
-ZEBLDAPCFG_API int cfg_modify_s(CFG *cfg, const char *dn, LDAPMod **mods);
+ZEBLDAPCFG_API int cfg_modify_s(CFG* cfg, const char* dn, LDAPMod** mods);
 
 /*
  * Deletes an entry, with all below it when CFG_OPT_DELETE_NON_LEAVES is set. 32 for an entry that is not there, 66
  * for one that has children.
  */
-ZEBLDAPCFG_API int cfg_delete_s(CFG *cfg, const char *dn);
+ZEBLDAPCFG_API int cfg_delete_s(CFG* cfg, const char* dn);
 
 /* Reads the file again if it has changed, and writes it back. */
-ZEBLDAPCFG_API int cfg_flush_s(CFG *cfg);
+ZEBLDAPCFG_API int cfg_flush_s(CFG* cfg);
 
 /* --- Options and outline ---------------------------------------------------------------------------------------- */
 
@@ -354,21 +350,21 @@ ZEBLDAPCFG_API int cfg_flush_s(CFG *cfg);
  * released with cfg_memfree, or null when the option is unset or memory is exhausted. 0, also for an unknown option,
  * which leaves *out alone; 89 for a null cfg or out.
  */
-ZEBLDAPCFG_API int cfg_get_option(CFG *cfg, int option, void *out);
+ZEBLDAPCFG_API int cfg_get_option(CFG* cfg, int option, void* out);
 
 /*
  * Sets an option. value is a text or null for a file name, which the next cfg_bind_s uses; for a flag the pointer
  * itself counts, null clears and all else sets. 0, also for an unknown option; 89 for a null handle; 21 for a name
  * that is empty or longer than 260 bytes; 90 when memory is exhausted. After a failure the option is as it was.
  */
-ZEBLDAPCFG_API int cfg_set_option(CFG *cfg, int option, const void *value);
+ZEBLDAPCFG_API int cfg_set_option(CFG* cfg, int option, const void* value);
 
 /*
  * The tree in memory as a printable outline, in ASCII, or with oem not 0 in the line-drawing characters of code page
  * 437. Null when the handle is null or not bound, or the outline cannot be made. The text lives until the next call
  * that clears the handle; until then further calls give the same text, whichever form they ask for.
  */
-ZEBLDAPCFG_API const char *cfg_tree_view(CFG *cfg, int oem);
+ZEBLDAPCFG_API const char* cfg_tree_view(CFG* cfg, int oem);
 
 #ifdef __cplusplus
 }

@@ -68,6 +68,11 @@ bool writeFile(const std::string& name, const std::string& text)
     return true;
 }
 
+void removeFile(const std::string& name) noexcept
+{
+    (void)::unlink(name.c_str());
+}
+
 bool isSameFile(const std::string& name, const std::string& other)
 {
     FileStatus target = {};

@@ -37,7 +37,7 @@ constexpr const char* pathSeparator = "/";
 // line feed, is the value. All three calls give ERROR_SUCCESS or an error number.
 struct RegistryKey;
 using HKEY = RegistryKey*;
-constexpr HKEY HKEY_LOCAL_MACHINE = nullptr;
+constexpr RegistryKey* HKEY_LOCAL_MACHINE = nullptr;
 constexpr DWORD KEY_READ = 0x20019;
 
 // Opens a key below HKEY_LOCAL_MACHINE; its parts are separated by "\". *result is closed with RegCloseKey.
@@ -85,6 +85,9 @@ bool readFile(const std::string& name, std::string& content);
 // Creates a file or cuts it to length 0, and writes the text with the platform's line ends, all at once. False when
 // the file cannot be opened; a write that fails behind that is not reported.
 bool writeFile(const std::string& name, const std::string& text);
+
+// Removes a file, and never a directory. A failure is not reported.
+void removeFile(const std::string& name) noexcept;
 
 // Whether the directory entry other is the file itself, or what the file's symbolic link leads to: removing other
 // would remove the file's content. False when one of them is not there.

@@ -1,6 +1,7 @@
 // What the layer adds on Windows, where the rest of it is the system's own.
 #include "platform.h"
 
+#include <cstdio>
 #include <fstream>
 #include <iterator>
 
@@ -23,6 +24,11 @@ bool writeFile(const std::string& name, const std::string& text)
         return false;
     file << text;
     return true;
+}
+
+void removeFile(const std::string& name) noexcept
+{
+    (void)std::remove(name.c_str());
 }
 
 bool isSameFile(const std::string& name, const std::string& other)

@@ -22,8 +22,8 @@ const char* const oidACI[] = {"1.3.77.0.2.26.1", "1.3.77.0.2.26.2", nullptr};
 
 constexpr _AttrType type(const LDIF_Syntax& family, const char* name, int minimum, int maximum, bool isSingle)
 {
-    return {name,        family.compare, family.fromStr, family.fromBin, family.toStr, family.toBin, nullptr, 0,
-            minimum, maximum,        isSingle};
+    return {name, family.compare, family.fromStr, family.fromBin, family.toStr, family.toBin, nullptr,
+            0,    minimum,        maximum,        isSingle};
 }
 
 constexpr _AttrType enumType(const LDIF_Syntax& family, const char* name, const char* const* words, bool isSingle)

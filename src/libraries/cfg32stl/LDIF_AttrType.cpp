@@ -9,7 +9,7 @@
 namespace {
 
 _AttrType* const _attrMap = _attrMapArray;
-int numAttrs = 0;                             // of named types; 0 before preparation
+int numAttrs = 0;                            // of named types; 0 before preparation
 const _AttrType* defaultAttrType = nullptr;  // null before preparation
 std::once_flag prepared;
 

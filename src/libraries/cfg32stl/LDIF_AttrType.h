@@ -10,17 +10,17 @@ class LDIF_Value;
 // One attribute type. The records are static, and everybody else only points at them. The five functions always
 // belong to one syntax; each of enumValues, bitmask, minimum and maximum is read by some of the syntaxes only.
 struct _AttrType {
-    const char* name;                                                    // null only in the default type
-    int (*match)(const LDIF_Value& left, const LDIF_Value& right);       // 0 means equal
-    void (*fromStr)(LDIF_Value& value, const std::string& text);         // validates text and fills value
-    void (*fromBin)(LDIF_Value& value, const void* data, int length);    // the same from a binary form
-    std::string (*toStr)(const LDIF_Value& value);                       // the text form
-    void* (*toBin)(const LDIF_Value& value, int& length);                // the value's own block, not a copy
-    const char* const* enumValues;                                       // ended by a null; or null
-    unsigned int bitmask;                                                // the bits that a value may set
-    int minimum;                                                         // of a number, or of a length in bytes;
-    int maximum;                                                         //   0 means no limit
-    bool isSingle;                                                       // declared and reported, never enforced
+    const char* name;                                                  // null only in the default type
+    int (*match)(const LDIF_Value& left, const LDIF_Value& right);     // 0 means equal
+    void (*fromStr)(LDIF_Value& value, const std::string& text);       // validates text and fills value
+    void (*fromBin)(LDIF_Value& value, const void* data, int length);  // the same from a binary form
+    std::string (*toStr)(const LDIF_Value& value);                     // the text form
+    void* (*toBin)(const LDIF_Value& value, int& length);              // the value's own block, not a copy
+    const char* const* enumValues;                                     // ended by a null; or null
+    unsigned int bitmask;                                              // the bits that a value may set
+    int minimum;                                                       // of a number, or of a length in bytes;
+    int maximum;                                                       //   0 means no limit
+    bool isSingle;                                                     // declared and reported, never enforced
 
     // Negative, 0 or positive as name sorts before, with or after other, without regard to case.
     int compare(const char* other) const;

@@ -11,7 +11,7 @@
 
 // An attribute with its values and the comment lines that stand before it in the file. Attributes compare by name
 // alone, without regard to case. A plain value.
-class LDIF_Attribute {
+class LDIF_Attribute final {
 public:
     cisString name;  // as first written
     LDIF_Comment comment;

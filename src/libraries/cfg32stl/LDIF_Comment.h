@@ -9,7 +9,7 @@
 #include <vector>
 
 // Lines of the types comment and blankLine in the order of the file, and no others. A plain value.
-class LDIF_Comment {
+class LDIF_Comment final {
 public:
     std::vector<LDIF_Line> lines;
 

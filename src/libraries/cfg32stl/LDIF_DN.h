@@ -11,7 +11,7 @@
 // A distinguished name, held from the root outwards: index 0 is the rightmost RDN as written. A plain value: copies
 // share nothing. The empty DN is the root. Departures from RFC 4514: ";" separates like ",", white space and
 // parentheses around the parts are dropped, and case never counts in a comparison.
-class LDIF_DN : public std::vector<LDIF_RDN> {
+class LDIF_DN final : public std::vector<LDIF_RDN> {
 public:
     LDIF_DN() = default;
     // Parses the string form. Throws LDIF_Exception (34) with the whole text in value.

@@ -17,7 +17,7 @@
 //
 // No two children of an entry are the same DN or one the ancestor of the other; the relativeDn values on the path from
 // the root make up the dn.
-class LDIF_Entry {
+class LDIF_Entry final {
 public:
     cisString name;  // the word "dn" as written; empty for the root
     LDIF_DN dn;

@@ -19,7 +19,7 @@ constexpr DWORD neutralLanguage = 0x400;
 std::string hexadecimal(unsigned int number)
 {
     char digits[2 * sizeof number + 1];
-    std::snprintf(digits, sizeof digits, "%X", number);
+    (void)std::snprintf(digits, sizeof digits, "%X", number);
     return digits;
 }
 
@@ -48,21 +48,18 @@ void appendUnlessEmpty(std::string& report, const char* label, const std::string
 
 LDIF_Exception::LDIF_Exception(const char* file, int line, int ldapCode, int extCode, const char* text)
     : sourceFile(file), sourceLine(line), msg(text), ldapErr(ldapCode), extErr(extCode)
-{
-}
+{}
 
 LDIF_Exception::LDIF_Exception(int ldapCode, int extCode, const std::string& text, SourcePos pos)
     : LDIF_Exception(pos.file, pos.line, ldapCode, extCode, text.c_str())
-{
-}
+{}
 
 LDIF_Exception::LDIF_Exception(const LDIF_Exception& other, LinkOnly /*link*/)
     : std::exception(other), sourceFile(other.sourceFile), sourceLine(other.sourceLine), msg(other.msg),
       ldapErr(other.ldapErr), extErr(other.extErr), sysErr(other.sysErr), sysErrIsWin32(other.sysErrIsWin32),
       configFile(other.configFile), configLine(other.configLine), entryDn(other.entryDn), attribute(other.attribute),
       value(other.value), attrType(other.attrType)
-{
-}
+{}
 
 LDIF_Exception::LDIF_Exception(const LDIF_Exception& other) : LDIF_Exception(other, LinkOnly())
 {

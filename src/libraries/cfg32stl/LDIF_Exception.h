@@ -27,12 +27,12 @@ public:
     std::string sourceFile;
     int sourceLine;
     std::string msg;
-    int ldapErr;                         // what the exported call returns
-    int extErr;                          // a code of 1000 and above, or ldapErr again
-    int sysErr = 0;                      // an errno value or a Win32 error; 0 means none
-    int sysErrIsWin32 = 0;               // 1 when sysErr comes from GetLastError, 0 when it comes from errno
-    std::string configFile;              // the configuration file concerned; may be empty, like the four below
-    int configLine = 0;                  // counted from 1; 0 means that no line applies
+    int ldapErr;             // what the exported call returns
+    int extErr;              // a code of 1000 and above, or ldapErr again
+    int sysErr = 0;          // an errno value or a Win32 error; 0 means none
+    int sysErrIsWin32 = 0;   // 1 when sysErr comes from GetLastError, 0 when it comes from errno
+    std::string configFile;  // the configuration file concerned; may be empty, like the four below
+    int configLine = 0;      // counted from 1; 0 means that no line applies
     std::string entryDn;
     std::string attribute;
     std::string value;

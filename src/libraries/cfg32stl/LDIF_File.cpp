@@ -110,7 +110,7 @@ void LDIF_File::moveToBackup()
 {
     const bool isOwnName = isSameFile(fileName, backupFileName);
     if (!isOwnName)
-        std::remove(backupFileName.c_str());
+        removeFile(backupFileName);
     if (isOwnName || std::rename(fileName.c_str(), backupFileName.c_str()) != 0)
         throw LDIF_Exception(LDAP_INSUFFICIENT_ACCESS, CFG_ERR_CONFIG_OPEN,
                              "Unable to rename: \"" + fileName + "\" to \"" + backupFileName + "\" ");

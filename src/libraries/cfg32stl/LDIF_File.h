@@ -35,8 +35,8 @@ public:
     bool refresh();
 
     // Writes the file, after moving the old one to the backup name. Throws LDIF_Exception: 50 when it cannot be moved
-    // or opened, 91 when it is gone afterwards, 34 or 163 for a tree that cannot be printed. The text is complete before
-    // any file is touched. A write that fails, for lack of space on the disk say, is not noticed.
+    // or opened, 91 when it is gone afterwards, 34 or 163 for a tree that cannot be printed. The text is complete
+    // before any file is touched. A write that fails, for lack of space on the disk say, is not noticed.
     void flush();
 
     // Change the tree, not the file. All throw LDIF_Exception with entryDn and configFile.
@@ -66,9 +66,10 @@ public:
     long getModTime() const noexcept { return static_cast<long>(fileStat.st_mtime); }  // seconds
 
 protected:
-    std::string IA5_TreeView(const LDIF_Entry& entry, std::set<LDIF_DN>& undefined, const std::string& prefix);
-    std::string OEM_TreeView(const LDIF_Entry& entry, bool last, std::set<LDIF_DN>& undefined,
-                             const std::string& prefix);
+    // The drawings of an entry and its subtree. undefined receives the DNs that no entry defines.
+    static std::string IA5_TreeView(const LDIF_Entry& entry, std::set<LDIF_DN>& undefined, const std::string& prefix);
+    static std::string OEM_TreeView(const LDIF_Entry& entry, bool last, std::set<LDIF_DN>& undefined,
+                                    const std::string& prefix);
 
 private:
     void modifyEntry(const LDIF_DN& dn, LDAPMod** mods);
@@ -82,7 +83,7 @@ private:
     std::string fileName;
     std::string backupFileName;
     FileStatus fileStat = {};  // as of the last load or write
-    LDIF_Comment comment;        // the lines behind the last entry
+    LDIF_Comment comment;      // the lines behind the last entry
     LDIF_Entry root;
     Authentication authentication = noAccess;
 };

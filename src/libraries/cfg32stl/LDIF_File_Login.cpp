@@ -50,12 +50,11 @@ LDIF_File::Authentication LDIF_File::checkLogin(const char* dn, const char* pass
     LDIF_AttrFilter attributes;
     attributes.insert(cisString(adminDn));
     attributes.insert(cisString(adminPassword));
-    LDIF_Search_Results found = search(LDIF_DN(cisString(configurationDn)), LDIF_Search_Results::base, LDIF_Filter(),
-                                       attributes, false);
+    LDIF_Search_Results found =
+        search(LDIF_DN(cisString(configurationDn)), LDIF_Search_Results::base, LDIF_Filter(), attributes, false);
     if (found.empty())
         return noAccess;
     LDIF_Entry& account = found.front();
-    const bool matches =
-        matchesFirstValue(account, adminDn, dn) && matchesFirstValue(account, adminPassword, password);
+    const bool matches = matchesFirstValue(account, adminDn, dn) && matchesFirstValue(account, adminPassword, password);
     return matches ? administrator : noAccess;
 }

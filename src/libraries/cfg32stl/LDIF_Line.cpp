@@ -25,6 +25,21 @@ bool isDn(const std::string& name)
     return _stricmp(name.c_str(), "dn") == 0;
 }
 
+// continuation = a white space, then text that goes behind the value as it is
+int readContinuations(std::istream& in, int lastLine, std::wstring& text)
+{
+    for (; !in.eof(); ++lastLine) {
+        const auto position = in.tellg();
+        const std::wstring line = readPhysicalLine(in);
+        if (line.empty() || !w_my_isspace(line[0])) {
+            in.seekg(position);
+            break;
+        }
+        text.append(line, 1, std::wstring::npos);
+    }
+    return lastLine;
+}
+
 const char* wordFor(LDIF_Line::Type type)
 {
     switch (type) {
@@ -76,21 +91,6 @@ void LDIF_Line::readName(const std::wstring& line, std::size_t colon)
     name = wide2multibyte(wellFormed ? line.substr(0, colon) : line);
     const bool opensEntry = wellFormed ? isDn(name) : isDn(wide2multibyte(line.substr(0, 2)));
     type = opensEntry ? dn : attribute;
-}
-
-// continuation = a white space, then text that goes behind the value as it is
-int LDIF_Line::readContinuations(std::istream& in, int lastLine, std::wstring& text)
-{
-    for (; !in.eof(); ++lastLine) {
-        const auto position = in.tellg();
-        const std::wstring line = readPhysicalLine(in);
-        if (line.empty() || !w_my_isspace(line[0])) {
-            in.seekg(position);
-            break;
-        }
-        text.append(line, 1, std::wstring::npos);
-    }
-    return lastLine;
 }
 
 std::string LDIF_Line::str() const

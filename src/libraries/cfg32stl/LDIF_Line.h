@@ -10,12 +10,12 @@
 // A line of the library's dialect of LDIF (RFC 2849): folded lines are joined, the name stands before the first colon,
 // and the value is plain text. Departures from RFC 2849: no base64 and no URL form, comments are not folded, every
 // carriage return is dropped, white space and parentheses around a value are dropped.
-class LDIF_Line {
+class LDIF_Line final {
 public:
     enum Type { endOfFile = 0, blankLine = 1, comment = 2, dn = 3, attribute = 4 };
 
-    std::string value;       // of a dn or attribute line; the whole text of a comment
-    std::string name;        // of a dn or attribute line, as written; a line without a usable colon is all name
+    std::string value;  // of a dn or attribute line; the whole text of a comment
+    std::string name;   // of a dn or attribute line, as written; a line without a usable colon is all name
     Type type = endOfFile;
     int lineNumber = 0;      // of its first physical line, counted from 1
     bool wellFormed = true;  // false for a dn or attribute line without a usable colon
@@ -34,7 +34,6 @@ public:
 
 private:
     void readName(const std::wstring& line, std::size_t colon);
-    int readContinuations(std::istream& in, int lastLine, std::wstring& text);
 };
 
 // The failure (80) of an object that is made from a line of the wrong type.

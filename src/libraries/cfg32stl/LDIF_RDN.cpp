@@ -75,7 +75,16 @@ LDIF_RDN_attribute::LDIF_RDN_attribute(LDIF_DnReader& reader)
     reader.skipEdges();
 }
 
-LDIF_RDN_value::LDIF_RDN_value(cisString& input) : LDIF_RDN_value(takeFront<LDIF_RDN_value>(input)) {}
+LDIF_RDN_value::LDIF_RDN_value(cisString& input)
+{
+    try {
+        LDIF_DnReader reader(input);
+        read(reader);
+        input = cisString(reader.rest());
+    } catch (...) {
+        wrapAndThrow(("System error parsing rdn value: " + input).c_str());
+    }
+}
 
 LDIF_RDN_value::LDIF_RDN_value(LDIF_DnReader& reader)
 {

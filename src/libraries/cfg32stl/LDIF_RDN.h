@@ -19,7 +19,7 @@
 class LDIF_DnReader;
 
 // The attribute name of an RDN as written: a letter, then letters, digits and "-"; or digits and dots.
-class LDIF_RDN_attribute : public cisString {
+class LDIF_RDN_attribute final : public cisString {
 public:
     LDIF_RDN_attribute() = default;
     explicit LDIF_RDN_attribute(cisString& input);
@@ -30,7 +30,7 @@ public:
 
 // The value of an RDN: its bytes without escapes, and the form in which it was written and prints again. White space
 // and parentheses at the end of a plain value are dropped, escaped or not. A missing closing quote is accepted.
-class LDIF_RDN_value : public cisString {
+class LDIF_RDN_value final : public cisString {
 public:
     enum Form { FORM_HEX = 0, FORM_QUOTED = 1, FORM_PLAIN = 2 };
     Form form = FORM_QUOTED;
@@ -55,7 +55,7 @@ private:
 };
 
 // One "attribute=value" of an RDN. Compares by attribute, then by value.
-class LDIF_RDN_pair : public std::pair<LDIF_RDN_attribute, LDIF_RDN_value> {
+class LDIF_RDN_pair final : public std::pair<LDIF_RDN_attribute, LDIF_RDN_value> {
 public:
     explicit LDIF_RDN_pair(cisString& input);
     explicit LDIF_RDN_pair(LDIF_DnReader& reader);
@@ -77,7 +77,7 @@ private:
 };
 
 // An RDN: its pairs in ascending order of compare, no two equal. A parsed RDN has at least one.
-class LDIF_RDN : public std::vector<LDIF_RDN_pair> {
+class LDIF_RDN final : public std::vector<LDIF_RDN_pair> {
 public:
     explicit LDIF_RDN(cisString& input);
     explicit LDIF_RDN(LDIF_DnReader& reader);

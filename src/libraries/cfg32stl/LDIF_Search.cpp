@@ -82,8 +82,7 @@ bool LDIF_Filter::match(const LDIF_Entry& entry) const
 LDIF_Search_Results::LDIF_Search_Results(const Scope& reach, const LDIF_Filter& test, const LDIF_AttrFilter& selection,
                                          bool namesOnly)
     : scope(reach), filter(test), attrFilter(selection), attrsOnly(namesOnly)
-{
-}
+{}
 
 LDIF_Search_Results& LDIF_Search_Results::operator+=(const LDIF_Entry& entry)
 {

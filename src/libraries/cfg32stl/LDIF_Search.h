@@ -13,7 +13,7 @@
 // One test on one attribute: that the entry has it, or has it with a value. The text form is "name=value", "name=*" or
 // "name", with or without parentheses around it; a value may hold the escapes \XX of RFC 4515. Nothing else of the
 // filter language of RFC 4515 is known. Every text is a filter; one without a name tests for objectclass.
-class LDIF_Filter {
+class LDIF_Filter final {
 public:
     cisString attr = cisString("objectclass");
     std::string value;     // without escapes

@@ -33,14 +33,14 @@ LDIF_Exception syntaxFailure(int ldapErr, int extErr, const std::string& text, c
 
 void BinarySyntaxNotImplemented(const char* syntax, const _AttrType* attrType, const std::string& value, SourcePos pos)
 {
-    throwNotImplemented(CFG_ERR_NO_BINARY_FORM,
-                        std::string("Binary representation undefined for syntax: ") + syntax, attrType, value, pos);
+    throwNotImplemented(CFG_ERR_NO_BINARY_FORM, std::string("Binary representation undefined for syntax: ") + syntax,
+                        attrType, value, pos);
 }
 
 void StringSyntaxNotImplemented(const char* syntax, const _AttrType* attrType, const std::string& value, SourcePos pos)
 {
-    throwNotImplemented(CFG_ERR_NO_STRING_FORM,
-                        std::string("String representation undefined for syntax: ") + syntax, attrType, value, pos);
+    throwNotImplemented(CFG_ERR_NO_STRING_FORM, std::string("String representation undefined for syntax: ") + syntax,
+                        attrType, value, pos);
 }
 
 int cesCompare(const LDIF_Value& left, const LDIF_Value& right)

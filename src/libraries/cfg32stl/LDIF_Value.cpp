@@ -102,12 +102,13 @@ LDIF_Value::LDIF_Value(const _AttrType* type, const void* data, int length) : at
 LDIF_Value::LDIF_Value(const LDIF_Value& other)
     : attrType(other.attrType), stringValue(other.stringValue), binaryLength(other.binaryLength),
       binaryValue(copyBlock(other)), dnValue(copyDn(other.dnValue.get()))
-{
-}
+{}
 
 LDIF_Value& LDIF_Value::operator=(const LDIF_Value& other)
 {
-    return *this = LDIF_Value(other);
+    LDIF_Value copy(other);
+    *this = std::move(copy);
+    return *this;
 }
 
 std::string LDIF_Value::str() const

@@ -14,11 +14,11 @@ struct _AttrType;
 // when binaryLength is 0.
 class LDIF_Value {
 public:
-    const _AttrType* attrType;                         // static, never null in a value that was built
-    std::string stringValue;                           // the text form, as the file holds it
-    unsigned int binaryLength = 0;                     // of binaryValue, in bytes
-    std::unique_ptr<unsigned char[]> binaryValue;      // of an integer: 32 bits, signed, in machine order
-    std::unique_ptr<LDIF_DN> dnValue;                  // of a DN: its parsed form
+    const _AttrType* attrType;                     // static, never null in a value that was built
+    std::string stringValue;                       // the text form, as the file holds it
+    unsigned int binaryLength = 0;                 // of binaryValue, in bytes
+    std::unique_ptr<unsigned char[]> binaryValue;  // of an integer: 32 bits, signed, in machine order
+    std::unique_ptr<LDIF_DN> dnValue;              // of a DN: its parsed form
 
     // Both throw LDIF_Exception with attrType, attribute and value when the syntax refuses the input.
     LDIF_Value(const _AttrType* type, const char* text);

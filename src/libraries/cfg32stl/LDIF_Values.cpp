@@ -30,8 +30,7 @@ auto fieldsOf(const LDIF_Values& list, const LDIF_Values& values)
 
 LDIF_Values::LDIF_Values(const std::string& name)
     : attrName(name), attrType(getAttrType(name.empty() ? nullptr : name.c_str()))
-{
-}
+{}
 
 LDIF_Values& LDIF_Values::operator=(const LDIF_Values& other)
 {
@@ -41,7 +40,8 @@ LDIF_Values& LDIF_Values::operator=(const LDIF_Values& other)
         clear();
         attrName = other.attrName;
         attrType = other.attrType;
-        return *this += other;
+        *this += other;
+        return *this;
     } catch (...) {
         wrapAndThrow("System error in LDIF_Values::operator =", fieldsOf(*this, other));
     }

@@ -23,8 +23,7 @@ int bind(CFG& cfg, const char* dn, const char* password, int method)
     if (cfg.configFile == nullptr)
         cfg.configFile = defaultConfigFile();
     if (method != static_cast<int>(LDAP_AUTH_SIMPLE))
-        throw LDIF_Exception(CFG_AUTH_UNKNOWN, CFG_AUTH_UNKNOWN,
-                             "Bind method must be one of { LDAP_AUTH_SIMPLE }");
+        throw LDIF_Exception(CFG_AUTH_UNKNOWN, CFG_AUTH_UNKNOWN, "Bind method must be one of { LDAP_AUTH_SIMPLE }");
     auto file = std::make_unique<LDIF_File>(cfg.configFile, cfg.backupFile != nullptr ? cfg.backupFile : "");
     try {
         if (file->setAuthentication(dn, password, method) == LDIF_File::noAccess)

@@ -12,7 +12,7 @@ CFG* cfg_init(void)
     CFG* const cfg = static_cast<CFG*>(std::calloc(1, sizeof(CFG)));
     if (cfg == nullptr)
         return nullptr;
-    std::setlocale(LC_ALL, "");
+    (void)std::setlocale(LC_ALL, "");  // An unknown locale leaves the old one.
     cfg->flags = flagStored0;
     LDIF_Exception::showSource = false;
     LDIF_Exception::showStack = true;

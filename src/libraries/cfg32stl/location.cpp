@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr char clientKey[] = "SOFTWARE\\ZEB\\LDAP\\Client";
+constexpr char clientKey[] = R"(SOFTWARE\ZEB\LDAP\Client)";
 constexpr char homeValue[] = "LDAPHome";
 constexpr std::size_t bufferSize = 256;  // in bytes, with the closing NUL
 

@@ -51,8 +51,7 @@ public:
     explicit ChainBuilder(const LDIF_File& file)
         : isDecoding(file.getAuthentication() != LDIF_File::noAccess),
           passwordMatch(getAttrType("zeb-slapdAdminPW")->match)
-    {
-    }
+    {}
 
     Chain build(const LDIF_Search_Results& found) const
     {

@@ -153,7 +153,7 @@ int _pwcodec_encode_buffer_free(char** encoded)
     return release(encoded);
 }
 
-int _pwcodec_decode_buffer(char* encodedText, char** clearText)
+int _pwcodec_decode_buffer(char* encodedText, char** clearText)  // NOLINT(readability-non-const-parameter)
 try {
     return encodedText != nullptr && clearText != nullptr ? decode(encodedText, clearText) : PWCODEC_ARGUMENT;
 } catch (...) {

@@ -27,27 +27,27 @@ extern "C" {
 /* The status of a call. */
 enum {
     PWCODEC_SUCCESS = 0,
-    PWCODEC_ARGUMENT = 201,   /* a null argument */
-    PWCODEC_FORMAT = 202,     /* not a text that this codec has encoded */
-    PWCODEC_CHECKSUM = 203,   /* a text of this codec that has been damaged */
-    PWCODEC_MEMORY = 204,     /* memory is exhausted */
-    PWCODEC_RANDOMNESS = 205  /* the system gives no random numbers for the salt */
+    PWCODEC_ARGUMENT = 201,  /* a null argument */
+    PWCODEC_FORMAT = 202,    /* not a text that this codec has encoded */
+    PWCODEC_CHECKSUM = 203,  /* a text of this codec that has been damaged */
+    PWCODEC_MEMORY = 204,    /* memory is exhausted */
+    PWCODEC_RANDOMNESS = 205 /* the system gives no random numbers for the salt */
 };
 
 /* Encodes a text. On success *encoded is malloc memory, to be released with _pwcodec_encode_buffer_free. */
-PWCODEC_API int _pwcodec_encode_buffer(const char *clearText, char **encoded);
+PWCODEC_API int _pwcodec_encode_buffer(const char* clearText, char** encoded);
 
 /* Releases *encoded and sets it to null. Null is allowed. Always 0. */
-PWCODEC_API int _pwcodec_encode_buffer_free(char **encoded);
+PWCODEC_API int _pwcodec_encode_buffer_free(char** encoded);
 
 /*
  * Decodes a text. On success *clearText is malloc memory, to be released with _pwcodec_decode_buffer_free or free.
  * encodedText is the caller's working copy, which a codec may write into; this one does not.
  */
-PWCODEC_API int _pwcodec_decode_buffer(char *encodedText, char **clearText);
+PWCODEC_API int _pwcodec_decode_buffer(char* encodedText, char** clearText);
 
 /* Releases *clearText and sets it to null. Null is allowed. Always 0. */
-PWCODEC_API int _pwcodec_decode_buffer_free(char **clearText);
+PWCODEC_API int _pwcodec_decode_buffer_free(char** clearText);
 
 #ifdef __cplusplus
 }

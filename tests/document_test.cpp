@@ -1,0 +1,197 @@
+// The configuration file as a document: its lines, load, write, refresh and outline.
+#include "LDIF_File.h"
+#include "support.h"
+
+#include <gtest/gtest.h>
+#include <sstream>
+#include <sys/resource.h>
+#include <utime.h>
+
+const char* registryRoot() noexcept
+{
+    return "/dev/null";  // No test here reads the registry.
+}
+
+namespace {
+
+const std::string invalid = "zeb-slapdInvalidLine";
+const std::string head = "charset: ISO-8859-1\nversion: 1\n";
+const std::string a = head + "\ndn: cn=a\n";
+
+using Row = std::pair<std::string, std::string>;
+
+// Each logical line as "last line:type name|value", with "!" for one that is not well formed, up to the end's count.
+std::string linesOf(const std::string& text)
+{
+    std::istringstream in(text);
+    std::ostringstream lines;
+    LDIF_Line line;
+    int last = 0;
+    int first = 1;
+    for (; last = line.next(in, last), line.type != LDIF_Line::endOfFile; first = last + 1)
+        lines << last << "EB#DA"[line.type] << (line.wellFormed && line.lineNumber == first ? " " : "! ") << line.name
+              << '|' << line.value << ';';
+    return lines.str() + std::to_string(line.next(in, last));
+}
+
+class Document : public testing::Test {
+protected:
+    void write(const std::string& text, time_t seconds) const
+    {
+        writeText(name, text);
+        const utimbuf times = {seconds, seconds};
+        EXPECT_EQ(utime(name.c_str(), &times), 0);
+    }
+
+    LDIF_File load(const std::string& text, const std::string& backup = "", time_t seconds = 1000) const
+    {
+        write(text, seconds);
+        return {name, backup};
+    }
+
+    const ScopedLocale utf8;
+    const TempDirectory directory;
+    const std::string folder = directory / "";
+    const std::string name = folder + "zebslapd.conf";
+    const std::string noRename = "50/1004 Unable to rename: \"" + name + "\" to \"";
+};
+
+}  // namespace
+
+TEST_F(Document, LineReaderSplitsTextIntoLogicalLines)
+{
+    const std::pair<const char*, const char*> cases[] = {
+        {"\n\n", "1B |;2B |;3B |;3"},     {"# c \r\n", "1# |# c ;2B |;2"},
+        {"dn: cn=a\n", "1D dn|cn=a;1"},   {"DN:cn=abc", "1D DN|cn=abc;1"},
+        {"dn\ndn", "1D! dn|;2D! dn|;2"},  {"dnfoobar", "1D! dnfoobar|;1"},
+        {"dnfoo: x", "1A dnfoo|x;1"},     {": xyz\n", "1A! : xyz|;1"},
+        {"abc\n def", "2A! abc|def;2"},   {"a:::xyz\na:", "1A a|xyz;2A a|;2"},
+        {"abc:: <xyz", "1A abc|<xyz;1"},  {"a: (bcd) ", "1A a|bcd;1"},
+        {"a:((b) cd)", "1A a|b) cd;1"},   {"  a: b:c\n", "1A   a|b:c;1"},
+        {"a: x\n y\n  z", "3A a|xy z;3"}, {"a: x\n  \nb:", "2A a|x;3A b|;3"},
+        {"a:\r\n y\r\n", "2A a|y;2"},     {"a: b\rcde\n", "1A a|bcde;1"},
+        {"a: x\n # c\n", "2A a|x# c;2"},  {"a: x\n# c", "1A a|x;2# |# c;2"},
+        {"# c\n m", "1# |# c;2A!  m|;2"}, {"a: x\n\ny", "1A a|x;2B |;3A! y|;3"},
+        {"a: x\n\u2003y", "2A a|xy;2"},   {"\t\n\u2003\na", "1B |;2B |;3A! a|;3"},
+    };
+    for (const auto& [text, lines] : cases)
+        EXPECT_EQ(linesOf(text), lines) << testing::PrintToString(text);
+    EXPECT_EQ(linesOf(std::string("a: b\0c\nd: e", 11)), "1A a|b;2A d|e;2");
+}
+
+// A file that is repaired is written back by the load. A further write, and a load and write, change nothing but the
+// blank behind a line that had no colon.
+TEST_F(Document, LoadAndWriteGiveTheCanonicalFile)
+{
+    const std::string bad = a + invalid + ": zeb-slapdAdminDN: cn\n" + invalid + ": garbage:";
+    const Row cases[] = {
+        {"", ""},
+        {"\n# only\n\n# comments\n\n\n", "\n# only\n\n# comments\n"},
+        {"version: 1\n\n# c\ndn: cn=a", "\n# c\n" + a + "\n"},
+        {"# v\nVersion: 1\n# c\nCHARSET:x\ndn: cn=a", "# c\nCHARSET: x\n# v\nVersion: 1\n\ndn: cn=a\n\n"},
+        {"# c\ndn:\nversion: 1\n", "# c\n" + head},
+        {head + "\n\n# c\ndn: cn=a\n\n\n\ndn: cn=b\n\n\n\n", head + "\n\n# c\ndn: cn=a\n\n\n\ndn: cn=b\n\n"},
+        {"# c\ndn: cn=a\nx: 1\ndn: cn=b\n# e\n\n", "# c\n" + a + "x: 1\n\ndn: cn=b\n\n# e\n"},
+        {"dn: cn=a\nx: 1\n# moves\n\ndn: cn=b\n", a + "x: 1\n\n# moves\ndn: cn=b\n\n"},
+        {"dn: cn=a\n# 1\nb: 2\n# 2\nB: 1\na:\nb: 2\n", a + "a: \n# 1\n# 2\nb: 2\nb: 1\n\n"},
+        {"dn: cn=a\r\nx:b\r\ny:: (b c) \r\nz: lo\r\n ng\r\n", a + "x: b\ny: b c\nz: long\n\n"},
+        {"DN: CN = A ; o=b+O=a\nversion: 01\n", head + "\nDN: CN=A, O=a + o=b\nversion: 1\n\n"},
+        {"dn: cn=a\nx: 1\n\n# 2\ndn: CN=A\nx: 1\ny: 2\n", head + "\n# 2\ndn: cn=a\nx: 1\ny: 2\n\n"},
+        {"dn: cn=a\n# c\nzeb-slapdPort: x\na: 1\n", a + "a: 1\n# c\n" + invalid + ": zeb-slapdPort: x\n\n"},
+        {"dn: cn=a\nzeb-slapdAdminDN: cn\nzeb-slapdAdminDN: cn\ngarbage\n", bad + " \n\n"},
+    };
+    for (const auto& [text, expected] : cases) {
+        LDIF_File file = load(text);
+        EXPECT_EQ(readText(name), expected.find(invalid) != std::string::npos ? expected : text);
+        file.flush();
+        EXPECT_EQ(readText(name), expected);
+        LDIF_File(name, "").flush();
+        EXPECT_EQ(readText(name), expected == bad + " \n\n" ? bad + "\n\n" : expected);
+    }
+}
+
+TEST_F(Document, NamesThatAreNoReadableFileFailAtOnce)
+{
+    const std::string fifo = folder + "fifo";
+    const std::string longest = folder + std::string(1022 - folder.size(), '/');  // a directory
+    const Row cases[] = {
+        {"", "91/1001 Config filename is NULL! [1]"},
+        {folder + "none", "91/1003 _stat() [1]"},
+        {fifo, "91/1004 ifstream() [1]"},
+        {longest, "91/1004 ifstream() [1]"},
+        {longest + '/', "91/1001 GetFullPathName() [1]"},
+    };
+    EXPECT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+    for (const auto& c : cases)
+        EXPECT_EQ(outcomeOf([&] { return LDIF_File(c.first, "").getFileName(); }), c.second);
+}
+
+TEST_F(Document, EveryPrefixLoadsOrFails)
+{
+    const std::string sample = "# h\r\nversion: 1\r\n\r\ndn: cn=\u00e4+o=\"\\\"\", c=#41\r\nzeb-slapdPort: 3\r\n 89\r\n"
+                               "nonsense\n(x): (\U0001F600)\n\n# c\ndn: ou=a\\2C\\,b, c=A\nzeb-slapdAdminPW: secret\n";
+    std::set<std::string> codes;
+    for (std::size_t size = 0; size <= sample.size(); ++size)
+        codes.insert(outcomeOf([&]() -> std::string { return load(sample.substr(0, size)).flush(), ""; }).substr(0, 3));
+    EXPECT_EQ(codes, (std::set<std::string>{"", "34/", "65/", "162"}));
+}
+
+TEST_F(Document, RefreshFollowsTheModificationTime)
+{
+    LDIF_File file = load("dn: cn=a\n", folder + "none/b", 0);
+    EXPECT_EQ(file.treeView(false), "");  // the stored time starts at 0
+    const std::tuple<time_t, std::string, std::string, std::string> steps[] = {
+        {1000, "dn: cn=a\n", "yes", "a"}, {1000, "dn: cn=b\n", "no", "a"},
+        {999, "dn: cn=b\n", "yes", "b"},  {1001, "dn: cn=c\n\ndn: x\n", "34/1013 Missing RDN value: x [4]", "c"},
+        {999, "dn: cn=b\n", "no", "c"},   {1003, "dn: cn=e\nx\n", noRename + folder + "none/b\"  [1]", "e"},
+        {1003, "dn: cn=b\n", "no", "e"},
+    };
+    for (const auto& [time, text, result, suffix] : steps) {
+        write(text, time);
+        EXPECT_EQ(outcomeOf([&] { return file.refresh() ? "yes" : "no"; }), result);
+        EXPECT_EQ(file.treeView(false), "\n- cn=" + suffix + " (suffix)\n") << result;
+    }
+}
+
+TEST_F(Document, FailedWriteLosesNothing)
+{
+    const std::string noOpen = "50/1004 Unable to open: \"" + name + "\" [1]";
+    const std::tuple<std::string, bool, std::string, std::string, std::string> cases[] = {
+        {folder + "b", true, "", head, a},
+        {folder + "no/b", true, noRename + folder + "no/b\"  [1]", a, ""},
+        {name, true, noRename + name + "\"  [1]", a, a},
+        {folder + "b", false, noOpen, "", a},
+        {"", false, noOpen, a, ""},
+    };
+    for (const auto& [backup, opens, failure, left, backupLeft] : cases) {
+        writeText(folder + "b", "previous");
+        LDIF_File file = load(a, backup);
+        file.erase(LDIF_DN(cisString("cn=a")), false);
+        rlimit limit = {};
+        getrlimit(RLIMIT_NOFILE, &limit);
+        const rlimit noDescriptors = {0, limit.rlim_max};
+        setrlimit(RLIMIT_NOFILE, opens ? &limit : &noDescriptors);
+        EXPECT_EQ(outcomeOf([&]() -> std::string { return file.flush(), ""; }), failure);
+        setrlimit(RLIMIT_NOFILE, &limit);
+        EXPECT_EQ(readText(name) + '+' + readText(backup), left + '+' + backupLeft) << failure;
+        EXPECT_EQ(file.treeView(false), "") << failure;
+        EXPECT_EQ(file.getModTime() == 1000, !failure.empty()) << failure;
+    }
+    LDIF_File unprintable = load("dn: cn=\n", folder + "b");
+    EXPECT_EQ(failureOf([&] { unprintable.flush(); })->extErr, 1013);
+    EXPECT_EQ(readText(name), "dn: cn=\n");
+}
+
+TEST_F(Document, OutlineShowsEachEntryUnderItsNearestAncestor)
+{
+    LDIF_File file = load("dn: cn=z,ou=y,o=b,c=us\n\ndn: ou=x,o=a,c=us\n\ndn: o=d, c=de\n\ndn: c=us\n\n"
+                          "dn: cn=w,ou=y,o=b,c=us\n\ndn: l=v,cn=w,ou=y,o=b,c=us\n\ndn: o=a,c=us\n");
+    EXPECT_EQ(file.treeView(false),
+              "\n- o=d, c=de (suffix)\n\n- c=us (suffix)\n    |\n    +- cn=z, ou=y, o=b *\n    |\n"
+              "    +- cn=w, ou=y, o=b *\n    |    |\n    |    +- l=v\n    |\n    +- o=a\n"
+              "         |\n         +- ou=x\n\n* the following entries are undefined:\no=b, c=us\nou=y, o=b, c=us\n");
+    EXPECT_EQ(file.treeView(true),
+              "\n\xC4 o=d, c=de (suffix)\n\n\xC4 c=us (suffix)\n    \xC3\xC4 cn=z, ou=y, o=b *\n"
+              "    \xC3\xC4 cn=w, ou=y, o=b *\n    \xB3    \xC0\xC4 l=v\n    \xC0\xC4 o=a\n"
+              "         \xC0\xC4 ou=x\n\n* the following entries are undefined:\no=b, c=us\nou=y, o=b, c=us\n");
+}

@@ -1,0 +1,140 @@
+// Failures and their reports, the codes, strings, and the platform layer.
+#include "LDIF_AttrType.h"
+#include "LDIF_Exception.h"
+#include "LDIF_Util.h"
+#include "cisString.h"
+#include "platform.h"
+#include "support.h"
+#include "zebldapcfg.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+
+static const ScopedLocale utf8;
+static const TempDirectory directory;
+
+const char* registryRoot() noexcept
+{
+    return directory.path.c_str();
+}
+
+TEST(Failure, DumpsEachFieldInItsPlace)
+{
+    const std::string msg = "]\nmsg     bad", ext = "\nextErr 1014: Attribute value in DN is not valid.";
+    const std::tuple<void (*)(LDIF_Exception&), std::string, std::string> cases[] = {
+        {[](auto& f) { f.msg.clear(); }, "", ext},
+        {[](auto& f) { f.extErr = f.ldapErr; }, msg, ""},
+        {[](auto& f) { f.extErr = 0; }, msg, ""},
+        {[](auto& f) { f.sysErr = 2; }, msg + "\nerrno 2: No such file or directory", ext},
+        {[](auto& f) { f.sysErr = 4242, f.sysErrIsWin32 = 1; }, msg + "\nWin32 error 4242: ", ext},
+        {[](auto& f) { f.configLine = f.sysErrIsWin32 = 1; }, msg, ext},
+        {[](auto& f) { f.configFile = "c.conf"; }, msg, ext + "\nConfig file: c.conf"},
+        {[](auto& f) { f.attrType = getAttrType(""); }, msg,
+         ext + "\nConstraints for UNKNOWN ATTRIBUTE TYPE\n  Multi-valued"},
+    };
+    for (const auto& [change, head, tail] : cases) {
+        LDIF_Exception failure("dir/a.cpp", 7, 34, 1014, "bad");
+        change(failure);
+        EXPECT_EQ(failure.dump(), "[dir/a.cpp:7" + head + "\nldapErr 34: Invalid DN syntax" + tail + '\n');
+    }
+    EXPECT_EQ(LDIF_Exception("", 7, 1, 1, "").fileStr() + LDIF_Exception("/\\a", 7, 1, 1, "").fileStr(), "file?a:7");
+}
+
+TEST(Failure, IsCopiedAndWrappedWhole)
+{
+    const char* const words[] = {"on", "Off", nullptr};
+    const _AttrType type = {"size", nullptr, nullptr, nullptr, nullptr, nullptr, words, 0xF0A, -2, 0, false};
+    const LDIF_Exception first("a.cpp", 7, 34, 1014, "bad");
+    auto cause = std::make_unique<LDIF_Exception>("dir/a.cpp", 7, first);
+    std::tie(cause->sysErr, cause->sysErrIsWin32, cause->configLine, cause->attrType) = std::tuple(5, 1, 3, &type);
+    std::tie(cause->configFile, cause->entryDn, cause->attribute, cause->value) = std::tuple("f", "cn=x", "at", "9");
+    const std::string link = "]\nmsg     bad\nWin32 error 5: Access is denied.\nldapErr 34: Invalid DN syntax\n"
+                             "extErr 1014: Attribute value in DN is not valid.\nLine 3 of f\nentry dn: cn=x\n"
+                             "attribute: at\nvalue: 9\nConstraints for size\n  Multi-valued\n  min: -2\n  max: 0\n"
+                             "  bit mask: 0xF0A\n  enumeration: { on, Off }\n";
+    const LDIF_Exception copy(*cause), wrapper("b.cpp", 9, *cause), taken("b.cpp", 9, LDIF_Exception(*cause));
+    cause.reset();
+    EXPECT_EQ(copy.dump(), "[dir/a.cpp:7" + link + '\n' + first.dump());
+    EXPECT_EQ(wrapper.dump(), "[b.cpp:9" + link + '\n' + copy.dump());
+    EXPECT_EQ(taken.dump(), wrapper.dump());
+    EXPECT_EQ(wrapper.str(), "5: bad\n5: bad\nbad\n");
+    std::tie(LDIF_Exception::showSource, LDIF_Exception::showStack) = std::pair(true, false);
+    EXPECT_EQ(wrapper.str() + wrapper.dump(), "[b.cpp:9] 5: bad\n[b.cpp:9" + link);
+    std::tie(LDIF_Exception::showSource, LDIF_Exception::showStack) = std::pair(false, true);
+    // A link that destroyed, copied or printed the next by a call of its own would exhaust the stack.
+    cause = std::make_unique<LDIF_Exception>(first);
+    for (int line = 1; line < 100000; ++line)
+        cause = std::make_unique<LDIF_Exception>("a.cpp", line, std::move(*cause));
+    const std::string report = LDIF_Exception(*cause).str() + cause->dump();
+    EXPECT_EQ(std::count(report.begin(), report.end(), 'm'), 100000);
+}
+
+TEST(Codes, HaveTheirTexts)
+{
+    unsigned int fingerprint = 0;  // of all texts: the number is right for the published ones, and no letter may change
+    for (int code = 1000; code <= 1036; ++code)
+        for (const char* letter = cfg_err2string(code); *letter != '\0'; ++letter)
+            fingerprint = fingerprint * 31 + static_cast<unsigned char>(*letter);
+    EXPECT_EQ(fingerprint, 0x9564747EU);
+    for (int code = -5; code < 1000; ++code)  // the client library counts 81 to 97 downwards from -1
+        EXPECT_STREQ(cfg_err2string(code), ldap_err2string(code > 80 && code < 98 ? 80 - code : code)) << code;
+}
+
+TEST(Strings, AreComparedTrimmedAndConverted)
+{
+    using Row = std::pair<std::string, const char*>;
+    for (auto [text, expected] : {Row{"()", ""}, {"\u3000(\u00e9 ", "\u00e9 "}, {"a ", "a "}, {"\t \u3000", ""}})
+        EXPECT_EQ(stripLeading(text), expected);
+    for (auto [text, expected] : {Row{"()", "("}, {" (", ""}, {"", ""}, {" a b\u00e9)\u3000", " a b\u00e9"}})
+        EXPECT_EQ(stripTrailing(text), expected);
+    EXPECT_TRUE(cisString("_") < "A" && cisString("CN") == "cN" && cisString("\u00e9") != "\u00c9" &&
+                cisString("b") > "A");
+    EXPECT_TRUE(isBlank("") && isBlank(" \t\u3000") && !isBlank("(") && !isBlank(" x"));
+    EXPECT_EQ(multibyte2wide("a\u00e9\U0001F600" + std::string("\0b", 2)), L"a\u00e9\U0001F600");
+    EXPECT_EQ(wide2multibyte(L"a\u00e9\U0001F600" + std::wstring(L"\0b", 2)), "a\u00e9\U0001F600");
+    EXPECT_EQ(outcomeOf([] { return wide2multibyte({wchar_t(0xD800)}); }), "163/163 wcstombs() [1]");
+    for (std::string bad : {"\xFF", "a\xC3", "\xC0\x80", "\xED\xA0\x80", "\xF0\x9F\x98"})
+        EXPECT_EQ(outcomeOf([&] { return stripTrailing(bad); }), "162/162 mbstowcs( " + bad + " ) [1]");
+    char byte = 1;
+    std::string hex = "2cAbaF09\u0132\u0133";  // whose end is "23" when cut to bytes
+    for (const int expected : {0x2C, 0xAB, 0xAF, 0x09})
+        EXPECT_TRUE(hex2byte(hex, byte) && static_cast<unsigned char>(byte) == expected) << expected;
+    for (std::string bad : {hex.c_str(), "", "2", "2g", "G2"})
+        EXPECT_FALSE(hex2byte(bad, byte) || byte != 9) << bad;
+    EXPECT_EQ(byte2hex(0x0A, byte2hex(0xBF, hex = "x")), "xBF0A");
+}
+
+TEST(Platform, HasARegistryOfFiles)
+{
+    std::filesystem::create_directories(directory / "A/B/folder");
+    writeText(directory / "A/B/one", "/opt\n\n");
+    HKEY key = nullptr;
+    unsigned char data[9] = "";
+    EXPECT_EQ(RegOpenKeyExA(HKEY_LOCAL_MACHINE, "A\\B\\one", 0, KEY_READ, &key), 2);
+    ASSERT_EQ(RegOpenKeyExA(HKEY_LOCAL_MACHINE, "A\\B", 0, KEY_READ, &key), 0);
+    using Row = std::tuple<const char*, DWORD, LONG, DWORD>;
+    for (auto [name, size, result, left] :
+         {Row{"one", 5, 234, 6}, {"one", 6, 0, 6}, {"gone", 9, 2, 9}, {"folder", 9, 5, 9}})
+        EXPECT_TRUE(RegQueryValueExA(key, name, nullptr, nullptr, data, &size) == result && size == left)
+            << name << size;
+    EXPECT_TRUE(RegCloseKey(key) == 0 && reinterpret_cast<char*>(data) == std::string("/opt\n"));
+}
+
+TEST(Platform, NamesReadsAndComparesFiles)
+{
+    std::string content = std::filesystem::current_path().string() + "/../f";
+    const auto length = static_cast<DWORD>(content.size());
+    char buffer[4096] = "";
+    EXPECT_EQ(GetFullPathNameA("../f", length, buffer, nullptr), length + 1);  // no room for the NUL
+    EXPECT_TRUE(GetFullPathNameA("../f", length + 1, buffer, nullptr) == length && buffer == content);
+    EXPECT_TRUE(GetFullPathNameA("/x/../y", 8, buffer, nullptr) == 7 && buffer == std::string("/x/../y"));
+    for (const std::string& text : {std::string(100000, 'x'), std::string("a\r\n\0b", 5), std::string()})
+        EXPECT_TRUE(writeFile(directory / "file", text) && readFile(directory / "file", content) && content == text);
+    ASSERT_EQ(::mkfifo((directory / "fifo").c_str(), 0600), 0);
+    for (const char* name : {"", "fifo", "gone/file"})
+        EXPECT_FALSE(readFile(directory / name, content) || writeFile(directory / name, "x")) << name;
+    std::filesystem::create_symlink("file", directory / "link");
+    const auto same = [&](auto name, auto other) { return isSameFile(directory / name, directory / other); };
+    EXPECT_TRUE(same("file", "./file") && same("link", "file") && same("link", "link"));
+    EXPECT_FALSE(same("file", "link") || same("file", "fifo") || same("file", "gone") || same("gone", "gone"));
+}

@@ -1,0 +1,68 @@
+// Searches: filter texts, and the walk over the tree with its results and failures.
+#include "LDIF_File.h"
+#include "support.h"
+
+#include <gtest/gtest.h>
+#include <sstream>
+
+const char* registryRoot() noexcept
+{
+    return "/dev/null";  // No test here reads the registry.
+}
+
+TEST(Search, FilterIsOneTestOnOneAttribute)
+{
+    const ScopedLocale utf8;
+    const std::pair<const char*, const char*> cases[] = {
+        {"()", "objectclass?"},     {"=a", "objectclass?"},         {"( name )", "name?"},
+        {"name=", "name?"},         {"(name = *)", "name?"},        {"name=*x", "name?"},
+        {"name=a", "name=a"},       {"(name = (a b))", "name=a b"}, {"name=a*", "name=a*"},
+        {"name=a\\2", "name=a"},    {"name=\\41b", "name=Ab"},      {"name=\\5c", "name=\\"},
+        {"name=\\zz", "name="},     {"name=a\\zzb", "name=a"},      {"n=a\\29\\20 ", "n=a) "},
+        {"name=\\2A", "name=*"},    {"name=a\\2ab", "name=a*b"},    {"(&(a=b)(c))", "&(a=b)(c"},
+        {"name>=a=b", "name>=a=b"}, {"\u2003name ", "name?"},       {" (", "objectclass?"},
+    };
+    LDIF_Filter filter("sn=old");
+    for (const auto& [text, meaning] : cases) {
+        filter = text;
+        EXPECT_EQ(filter.attr + (filter.anyValue ? "?" : "=") + filter.value, meaning) << text;
+    }
+}
+
+// What is found, or the codes and the entries that the links of the failure name, from the outermost on.
+TEST(Search, ScopeFilterAndSelectionDecideTheResults)
+{
+    using Results = LDIF_Search_Results;
+    const std::tuple<const char*, Results::Scope, const char*, const char*, bool, const char*> cases[] = {
+        {"O=A", Results::base, "", "x", false, "1 entry found.\n\ndn: o=a\n"},
+        {"o=a", Results::base, "objectclass=Top=", "x", false, "0 entries found.\n"},
+        {"o=a", Results::oneLevel, "", "OU", false, "1 entry found.\n\ndn: ou=d, o=a\nou: d\nou: e\n"},
+        {"o=a", Results::subtree, "X=C", "ou", false, "1 entry found.\n\ndn: cn=c, ou=b, o=a\n"},
+        {"o=a", Results::subtree, "zeb-slapdWorkers=01", "x", true,
+         "2 entries found.\n\ndn: o=a\n\ndn: cn=c, ou=b, o=a\nx\n"},
+        {"", Results::subtree, "version=01", "version", false, "1 entry found.\n\n: \nversion: 1\n"},
+        {"o=a", Results::subtree, "zeb-slapdPort=x", "x", false, "21/1016 o=a;o=a;ou=b, o=a;cn=c, ou=b, o=a;;;"},
+        {"o=a", Results::oneLevel, "zeb-slapdWorkers=x", "x", false, "21/1016 o=a;o=a;;;"},
+        {"cn=no", Results::base, "", "x", false, "32/32 cn=no;;"},
+    };
+    const TempDirectory directory;
+    writeText(directory / "f",
+              "dn: o=a\nobjectclass: top\nzeb-slapdWorkers: 1\n\ndn: ou=b, o=a\n\n# c\ndn: cn=c, ou=b, o=a\n"
+              "x: C\nzeb-slapdWorkers: 1\nzeb-slapdPort: 1\n\ndn: ou=d, o=a\nOBJECTCLASS: d\nou: d\nou: e\n");
+    LDIF_File file(directory / "f", "");
+    for (const auto& [base, scope, filter, selected, namesOnly, expected] : cases) {
+        std::ostringstream found;
+        const LDIF_AttrFilter selection{{cisString(selected)}};
+        try {
+            const Results all = file.search(LDIF_DN(cisString(base)), scope, LDIF_Filter(filter), selection, namesOnly);
+            found << all;
+            for (const LDIF_Entry& entry : all)
+                EXPECT_EQ(entry.comment.lines.size() + entry.children.size(), 0U);
+        } catch (const LDIF_Exception& failure) {
+            found << failure.ldapErr << '/' << failure.extErr << ' ';
+            for (const LDIF_Exception* link = &failure; link != nullptr; link = link->nested.get())
+                found << link->entryDn << ';';
+        }
+        EXPECT_EQ(found.str(), expected);
+    }
+}

@@ -1,0 +1,73 @@
+// What the tests share: the locale, a directory of their own, files, and the failures that a call throws.
+#ifndef SUPPORT_H
+#define SUPPORT_H
+
+#include <clocale>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <random>
+#include <string>
+#include <tuple>
+
+class LDIF_Exception;
+
+// Sets the locale of the process, and the former one again at the end.
+struct ScopedLocale {
+    explicit ScopedLocale(const char* name = "C.UTF-8") { std::setlocale(LC_ALL, name); }
+    ScopedLocale(const ScopedLocale&) = delete;
+    ~ScopedLocale() { std::setlocale(LC_ALL, former.c_str()); }
+    const std::string former = std::setlocale(LC_ALL, nullptr);
+};
+
+// A new directory, removed at the end with all that is in it. directory / "x" is the full name of x in it.
+struct TempDirectory {
+    TempDirectory() { std::filesystem::create_directory(path); }
+    TempDirectory(const TempDirectory&) = delete;
+    ~TempDirectory() { std::filesystem::remove_all(path, ignored); }
+    std::string operator/(const std::string& name) const { return path + '/' + name; }
+    const std::string path = std::filesystem::temp_directory_path() / ("cfg" + std::to_string(std::random_device()()));
+    std::error_code ignored;
+};
+
+inline void writeText(const std::string& name, const std::string& text)
+{
+    std::ofstream(name, std::ios::binary) << text;
+}
+
+inline std::string readText(const std::string& name)
+{
+    std::ifstream file(name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// The failure that a call throws, or null; codesOf gives its codes and msg. Who uses them includes LDIF_Exception.h.
+template <typename Call, typename Failure = LDIF_Exception>
+std::unique_ptr<Failure> failureOf(Call call)
+try {
+    call();
+    return nullptr;
+} catch (const Failure& failure) {
+    return std::make_unique<Failure>(failure);
+}
+
+template <typename Call>
+std::tuple<int, int, std::string> codesOf(Call call)
+{
+    const auto failure = failureOf(call);
+    return failure ? std::tuple(failure->ldapErr, failure->extErr, failure->msg) : std::tuple(0, 0, "");
+}
+
+// What a call gives, or its failure as "ldapErr/extErr msg [links of the chain]": one column for good rows and bad.
+template <typename Call>
+std::string outcomeOf(Call call)
+{
+    std::string text;
+    const auto failure = failureOf([&] { text = call(); });
+    for (auto [link, links] = std::pair(failure.get(), 1); link != nullptr; link = link->nested.get(), ++links)
+        text = " [" + std::to_string(links) + ']';
+    const auto code = [](int number) { return std::to_string(number); };
+    return failure ? code(failure->ldapErr) + '/' + code(failure->extErr) + ' ' + failure->msg + text : text;
+}
+
+#endif

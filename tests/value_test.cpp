@@ -1,0 +1,202 @@
+// The attribute types, the value syntaxes, values, lists of values, and the password codec.
+#include "LDIF_AttrTable.h"
+#include "LDIF_Exception.h"
+#include "LDIF_Syntax.h"
+#include "LDIF_Values.h"
+#include "PasswordCodec.h"
+#include "support.h"
+
+#include <algorithm>
+#include <future>
+#include <gtest/gtest.h>
+#include <sstream>
+
+static const ScopedLocale utf8;
+
+const char* registryRoot() noexcept
+{
+    return "";
+}
+
+// The types by what they have in common: syntax, minimum, maximum, "+" if there may be several values, bit mask, and
+// list; behind ":" the names, with "-" at the front for "zeb-slapd".
+static const char* const schema = R"(
+ces 0 0: charset -SslCertificate; ces 0 0 +: -Plugin; ces 0 1024: -ServerID; ces 1 8: -DbInstance -DbName -DbUserID;
+ces 1 260: -SchemaAdditions -BulkloadErrors -CLIErrors -ErrorLog -TraceMessageLog; ces 1 260 +: -IncludeSchema;
+ces 0 260: -KrbKeyTab -SslKeyDatabase; cis 0 0 +: objectclass -CachedAttribute -Setenv; cis 0 0: cn -DigestAdminUser
+    -SslCipherSpec -SupportedWebAdmVersion -TraceMessageLevel -Version -IpAddress -KrbRealm -LdapCrlHost -KrbAdminDN;
+cis 0 0 1.3.77.0.2.26.1 1.3.77.0.2.26.2: -SupportedACIMechanisms; cis 0 0 ldap ldaps: -MasterReferral;
+cis 0 0 + ldap ldaps: -Referral; dn 0 0: -AdminDN -LdapCrlUser -MasterDN -PeerDN -ReplicaSubtree; dn 1 0 +: -Suffix;
+pw 1 46: -AdminPW -DbUserPW -LdapCrlPassword -MasterPW -PeerPW -SslKeyDatabasePW; mask 0 0 3f00: -SslCipherSpecs;
+int 1 1: version; int 1 65535: zeb-auditVersion -LdapCrlPort -Port -SecurePort; int 0 2147483647: -ACLCacheSize
+    -AllReapingThreshold -AnonReapingThreshold -AuthIntegration -BoundReapingThreshold -CachedAttributeSize
+    -ChangeLogMaxAge -ChangeLogMaxEntries -DbConnections -EntryCacheSize -ESizeThreshold -ETimeThreshold
+    -FilterCacheBypassLimit -FilterCacheSize -IdleTimeOut -MaxEventsPerConnection -MaxEventsTotal -MaxNumOfTransactions
+    -MaxOpPerTransaction -MaxPendingChangesDisplayed -MaxTimeLimitOfTransactions -PagedResLmt -QL3CP -ReplDBConns
+    -SizeLimit -SortKeyLimit -TimeLimit -Workers -WriteTimeout; enum 0 0 none imask crypt sha: -PwEncryption;
+enum 0 0 none V2 V3 V3_lenient: -SchemaCheck; enum 0 0 none SSL SSLOnly TLS SSLTLS: -Security;
+enum 0 0 ServerAuth ServerClientAuth: -SslAuth; enum 0 0 l m h: -SysLogLevel; enum 0 0 S T SOT SAT: -EThreadActivate;
+enum 0 0 never find search always: -DerefAliases; enum 0 0 true false: zeb-audit zeb-auditAdd zeb-auditBind
+    zeb-auditAttributesOnGroupEvalOp zeb-auditCompare zeb-auditDelete zeb-auditExtOp zeb-auditExtOpEvent
+    zeb-auditFailedOpOnly zeb-auditGroupOnGroupControl zeb-auditModify zeb-auditModifyDN zeb-auditSearch
+    zeb-auditUnBind -ACLCache -AdminGroupEnabled -AllowAnon -ConcurrentRW -EnableEventNotification -EThreadEnable
+    -KrbEnable -KrbIdentityMap -LogMessages -PagedResAllowNonAdmin -ReadOnly -SortSrchAllowNonAdmin
+    -SslFIPSModeEnabled -StartupTraceEnabled -TransactionEnable -UseProcessIdPw;)";
+
+// A type as it stands before ":" above.
+static std::string describe(const _AttrType& type)
+{
+    std::ostringstream text;
+    const std::pair<const char*, LDIF_Syntax> families[] = {
+        {"ces", syntax::ces}, {"cis", syntax::cis},   {"int", syntax::integer},    {"dn", syntax::dn},
+        {"pw", syntax::pw},   {"mask", syntax::mask}, {"enum", syntax::enumerated}};
+    for (const auto& [name, five] : families)
+        if (std::tie(type.match, type.fromStr, type.fromBin, type.toStr, type.toBin) ==
+            std::tie(five.compare, five.fromStr, five.fromBin, five.toStr, five.toBin))
+            text << name << ' ' << type.minimum << ' ' << type.maximum << (type.isSingle ? "" : " +") << std::hex;
+    type.bitmask != 0 ? text << ' ' << type.bitmask : text;
+    for (const char* const* word = type.enumValues; word != nullptr && *word != nullptr; ++word)
+        text << ' ' << *word;
+    return text.str();
+}
+
+static LDIF_Value slapdValue(const std::string& name, const std::string& text)
+{
+    return LDIF_Value(getAttrType(("zeb-slapd" + name).c_str()), text.c_str());
+}
+
+TEST(AttrTypes, AreFoundByNameWithTheirLimits)
+{
+    int count = 0;
+    std::istringstream table(schema);
+    for (std::string type, names; std::getline(table >> std::ws, type, ':') && std::getline(table, names, ';');) {
+        std::istringstream words(names);
+        for (std::string name; words >> name; ++count) {
+            name.replace(0, name[0] == '-' ? 1 : 0, name[0] == '-' ? "zeb-slapd" : "");
+            EXPECT_EQ(getAttrType(name.c_str())->name, name);
+            std::transform(name.begin(), name.end(), name.begin(), ::toupper);
+            EXPECT_EQ(describe(*getAttrType(name.c_str())), type) << name;
+        }
+    }
+    EXPECT_EQ(count, 115);
+    EXPECT_EQ(describe(_attrMapArray[115]), "ces 0 0 +");
+    for (const char* unknown : {"", "a", "cn ", "c", "zeb-slapdPorts", "zzz", _attrMapArray[115].name})
+        EXPECT_EQ(getAttrType(unknown), _attrMapArray + 115);
+}
+
+TEST(AttrTypesDeathTest, MayBeLookedUpByManyThreadsAtFirst)
+{
+    testing::FLAGS_gtest_death_test_style = "threadsafe";  // a process of its own, without a look-up before
+    const auto lookUp = [] {
+        std::vector<std::future<const _AttrType*>> found(32);
+        std::generate(found.begin(), found.end(), [] { return std::async(std::launch::async, getAttrType, "CN"); });
+        std::exit(std::all_of(found.begin(), found.end(), [](auto& each) { return each.get()->isSingle; }) ? 0 : 1);
+    };
+    EXPECT_EXIT(lookUp(), testing::ExitedWithCode(0), "");
+}
+
+TEST(Value, HoldsWhatItsSyntaxMakesOfTheText)
+{
+    const std::string badRange = "21/1015 Integer value out of range [2]";
+    const std::tuple<std::string, std::string, std::vector<std::string>> cases[] = {
+        {"DbName", "", {"A", "ABCDEFGH", " (x) "}},
+        {"DbName", "21/1018 zeb-slapdDbName length must be 1 to 8 characters [2]", {"", "ABCDEFG\u00e9"}},
+        {"ServerID", "", {"", std::string(1024, 'x')}},
+        {"ServerID", "21/1018 zeb-slapdServerID length must be 0 to 1024 characters [2]", {std::string(1025, 'x')}},
+        {"SchemaCheck", "", {"none", "v3_LENIENT"}},
+        {"ReadOnly", "21/1017 value not one of attrType.enumValues [2]", {"", " true", "tru", "truee"}},
+        {"Port", "7", {"  +007\t", "(7)", "( 7 )", "+0000000000000000000000000000007"}},
+        {"Port", badRange, {"0", "65536", "-1", "4294967297", "99999999999"}},
+        {"Port",
+         "21/1016 Value is not valid integer syntax [2]",
+         {"", "()", "+", "+-5", "- 5", "0x10", "12a", "\u0665"}},
+        {"SizeLimit", badRange, {"-1", "2147483648"}},
+        {"SslCipherSpecs", "", {"0", "256", "16128"}},
+        {"SslCipherSpecs", "21/1019 Bits in value are not within bitmask constraint [2]", {"255", "16384", "-1"}},
+        {"Suffix", "CN=a, o=c", {"CN=a;o=c", "(CN = a,o=c)"}},
+        {"Suffix", "34/1013 Missing RDN value: cn [6]", {"cn"}},
+        {"AdminPW", "", {"><", '>' + std::string(500, ' ') + '<'}},
+        {"AdminPW", "21/1018 Password length must be 1 to 46 characters [2]", {"", std::string(47, 'x')}},
+    };
+    for (const auto& [name, outcome, texts] : cases)
+        for (const std::string& text : texts) {
+            const auto build = [&, type = name] { return slapdValue(type, text).str(); };
+            EXPECT_EQ(outcomeOf(build), outcome.empty() ? text : outcome) << name << ": " << text;
+            const auto failure = failureOf(build);
+            EXPECT_TRUE(!failure || (failure->attribute == "zeb-slapd" + name && failure->value == text)) << text;
+        }
+    _AttrType free = *getAttrType("version");
+    free.minimum = free.maximum = 0;
+    EXPECT_EQ(LDIF_Value(&free, "-2147483648").str() + LDIF_Value(&free, "2147483647").str(), "-21474836482147483647");
+    for (const char* number : {"2147483648", "-2147483649"})
+        EXPECT_EQ(outcomeOf([&] { return LDIF_Value(&free, number).str(); }), badRange);
+}
+
+TEST(Value, SharesNothingWithItsCopiesAndCopiesNothingBroken)
+{
+    LDIF_Value number = slapdValue("Port", "7"), dn = slapdValue("Suffix", "cn=a,o=c");
+    const LDIF_Value sameDn(dn), sameNumber(number);
+    const auto copied = [&] { return LDIF_Value(number).str(); };
+    number.binaryLength = 0;
+    EXPECT_EQ(outcomeOf(copied), "80/1000 Invalid LDIF_Value detected: binaryLength < 1 [1]");
+    number.binaryValue.reset();
+    number.binaryLength = 4;
+    EXPECT_EQ(outcomeOf(copied), "80/1000 Invalid LDIF_Value detected: binaryLength != 0 [1]");
+    number = dn;
+    dn.dnValue.reset();  // as a copy without memory leaves it
+    EXPECT_TRUE(sameDn.compare(dn) == 0 && number.compare("CN=a,O=c") == 0 && number.binaryLength == 0);
+    number = sameNumber;
+    EXPECT_TRUE(number.compare("07") == 0 && sameNumber.compare(number) == 0 && number.dnValue == nullptr);
+}
+
+TEST(Values, HoldNoTwoThatAreEqual)
+{
+    const std::tuple<const char*, std::vector<std::string>, std::string> cases[] = {
+        {"CN", {"ABC", "abc", "", "\u00e9", ""}, "CN: ABC\nCN: \nCN: \u00e9\n"},
+        {"x-any", {"abc", "ABC", "abc"}, "x-any: abc\nx-any: ABC\n"},
+        {"zeb-slapdAdminDN", {"CN=a;O=b", "cn=A, o=B", "o=b"}, "zeb-slapdAdminDN: CN=a, O=b\nzeb-slapdAdminDN: o=b\n"}};
+    for (const auto& [name, texts, expected] : cases) {
+        LDIF_Values list(name), copy("");
+        for (const std::string& text : texts)
+            list += text;
+        EXPECT_EQ(((copy = list = std::as_const(list)) += list).str(), expected);
+        EXPECT_EQ(((list -= texts[0]) -= texts[0]).str(), expected.substr(expected.find('\n') + 1));
+    }
+}
+
+TEST(Values, StayAsTheyWereBeforeTheFailure)
+{
+    LDIF_Values list("version"), others("cn");
+    const auto add = [&](const auto& what) { return outcomeOf([&] { return (list += what).str(); }); };
+    const std::string range = "21/1015 Integer value out of range ";
+    list -= "9";  // an empty list takes any text
+    EXPECT_EQ(add("9"), range + "[3]");
+    EXPECT_EQ(add("01"), "version: 1\n");
+    EXPECT_EQ(outcomeOf([&] { return (list -= "9").str(); }), range + "[3]");
+    EXPECT_EQ(add((others += "1") += "9"), range + "[4]");
+    others.attrType = list.attrType;
+    EXPECT_EQ(outcomeOf([&] { return (list = others).str(); }), range + "[5]");
+    EXPECT_EQ(list.str(), "cn: 1\n");
+}
+
+TEST(Password, IsComparedInClearAndDecodedOnlyAsItWasEncoded)
+{
+    const LDIF_Value value = slapdValue("AdminPW", "Secret"), empty(value.attrType, nullptr, 0);
+    EXPECT_TRUE(value == "Secret" && !(value == "secret") && value == value.str());
+    EXPECT_TRUE(empty.compare(empty) == 0 && empty.compare(value) == -1 && value.compare(empty) == 1);
+    EXPECT_EQ(codesOf([&] { value.compare(">x<"); }), std::tuple(202, 202, "_pwcodec_decode_buffer( right );"));
+    ClearText decoded;
+    for (const std::string& clear : {std::string("a <\u00e9>\n"), std::string(46, '\xFF')}) {
+        std::string text, again;
+        EXPECT_TRUE(encodePassword(clear, text) == 0 && encodePassword(clear, again) == 0 && text != again) << text;
+        EXPECT_TRUE(decodePassword(text, decoded) == 0 && decoded.get() == clear) << text;
+        EXPECT_TRUE(text.size() <= 200 && text[0] == '>' && text.back() == '<' && text.find(' ') == text.npos) << text;
+        for (std::size_t at = 0; at + 2 < text.size(); ++at) {
+            EXPECT_EQ(decodePassword(text.substr(0, at), decoded), PWCODEC_FORMAT) << at;
+            again = text.substr(0, at) + (text[at] == 'A' ? 'B' : 'A') + text.substr(at + 1);
+            EXPECT_EQ(decodePassword(again, decoded), at < 2 ? PWCODEC_FORMAT : PWCODEC_CHECKSUM) << again;
+        }
+    }
+    for (const char* foreign : {"><", ">1<", ">1AAAA<", ">1AAAAAAAAAAAAAAAA AAAA<"})
+        EXPECT_EQ(decodePassword(foreign, decoded), PWCODEC_FORMAT) << foreign;
+}
