@@ -4,6 +4,7 @@
 #ifndef PLATFORM_H
 #define PLATFORM_H
 
+#include <cstddef>
 #include <string>
 #include <sys/stat.h>
 
@@ -78,6 +79,15 @@ using FileStatus = struct ::stat;
 int _stat(const char* name, FileStatus* status) noexcept;
 
 #endif
+
+// A byte folded to lower case as _stricmp folds it.
+unsigned char foldCase(char character) noexcept;
+
+// A number that tells apart locales which fold bytes outside ASCII differently.
+std::size_t caseFolding() noexcept;
+
+// Whether the ASCII characters are the same bytes in narrow text and the same units in wide text, in this locale.
+bool localeHasAscii() noexcept;
 
 // Reads a whole file, byte for byte. False when it cannot be opened or read, or is no regular file; never waits.
 bool readFile(const std::string& name, std::string& content);

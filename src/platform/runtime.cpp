@@ -1,28 +1,89 @@
 #include "platform.h"
 
+#include <array>
 #include <cctype>
+#include <cstdlib>
 #include <cstring>
+#include <langinfo.h>
 
 namespace {
 
-int folded(char character) noexcept
+constexpr int asciiEnd = 0x80;
+
+constexpr std::array<unsigned char, asciiEnd> lowerAscii = [] {
+    std::array<unsigned char, asciiEnd> table = {};
+    for (int byte = 0; byte < asciiEnd; ++byte)
+        table[static_cast<std::size_t>(byte)] = static_cast<unsigned char>(byte >= 'A' && byte <= 'Z' ? byte + 32 : byte);
+    return table;
+}();
+
+// strcmp, but inline: the texts are short and mostly equal.
+bool isSameText(const char* left, const char* right) noexcept
 {
-    const auto byte = static_cast<unsigned char>(character);
-    if (byte >= 'A' && byte <= 'Z')
-        return byte - 'A' + 'a';
-    if (byte < 0x80)
-        return byte;
-    const int lower = std::tolower(byte);
-    return lower < 0x80 ? byte : lower;
+    while (*left == *right && *left != '\0') {
+        ++left;
+        ++right;
+    }
+    return *left == *right;
+}
+
+bool convertsAscii() noexcept
+{
+    for (int byte = 1; byte < asciiEnd; ++byte) {
+        const char narrow = static_cast<char>(byte);
+        wchar_t wide = 0;
+        if (std::mbtowc(&wide, &narrow, 1) != 1 || wide != byte)
+            return false;
+    }
+    return true;
 }
 
 }  // namespace
 
+unsigned char foldCase(char character) noexcept
+{
+    const auto byte = static_cast<unsigned char>(character);
+    if (byte < asciiEnd)
+        return lowerAscii[byte];
+    const int lower = std::tolower(byte);
+    return lower < asciiEnd ? byte : static_cast<unsigned char>(lower);
+}
+
+std::size_t caseFolding() noexcept
+{
+    std::size_t number = 0;
+    for (int byte = asciiEnd; byte < 2 * asciiEnd; ++byte)
+        number = number * 31 + static_cast<std::size_t>(std::tolower(byte));
+    return number;
+}
+
+// Asked for each text, so the answer is kept as long as the encoding stays the same.
+bool localeHasAscii() noexcept
+{
+    struct Answer {
+        char codeset[32];
+        bool hasAscii;
+    };
+    static Answer last = {"", false};
+    const char* const codeset = nl_langinfo(CODESET);
+    if (!isSameText(codeset, last.codeset)) {
+        last.hasAscii = convertsAscii();
+        last.codeset[0] = '\0';
+        std::strncat(last.codeset, codeset, sizeof last.codeset - 1);
+    }
+    return last.hasAscii;
+}
+
 int _stricmp(const char* left, const char* right) noexcept
 {
     for (;; ++left, ++right) {
-        const int difference = folded(*left) - folded(*right);
-        if (difference != 0 || *left == '\0')
+        if (*left == *right) {
+            if (*left == '\0')
+                return 0;
+            continue;
+        }
+        const int difference = foldCase(*left) - foldCase(*right);
+        if (difference != 0)
             return difference;
     }
 }

@@ -67,11 +67,11 @@ void LDIF_Attributes::appendTo(std::string& out) const
 }
 
 // The first attribute that does not sort before name. Names mostly come in ascending order, so the end comes first.
-LDIF_Attributes::iterator LDIF_Attributes::placeOf(const cisString& name)
+LDIF_Attributes::iterator LDIF_Attributes::placeOf(const std::string& name)
 {
     if (empty() || back().compare(name) < 0)
         return end();
-    return std::lower_bound(begin(), end(), name, [](const LDIF_Attribute& attribute, const cisString& wanted) {
+    return std::lower_bound(begin(), end(), name, [](const LDIF_Attribute& attribute, const std::string& wanted) {
         return attribute.compare(wanted) < 0;
     });
 }
@@ -89,6 +89,19 @@ LDIF_Attributes& LDIF_Attributes::operator+=(LDIF_Attribute&& attribute)
     else
         insert(place, std::move(attribute));
     return *this;
+}
+
+void LDIF_Attributes::add(const LDIF_Line& line, LDIF_Comment& before)
+{
+    auto place = placeOf(line.name);
+    if (place == end() || !(*place == line.name)) {
+        place = emplace(place, line, LDIF_Comment());
+        std::swap(place->comment, before);
+        return;
+    }
+    *place += line.value;
+    *place += before;
+    before.clear();
 }
 
 LDIF_Attributes& LDIF_Attributes::operator-=(const LDIF_Attribute& attribute)

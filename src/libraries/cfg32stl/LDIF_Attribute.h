@@ -52,6 +52,9 @@ public:
     // Adds an attribute in its place, or its comment and values to the one that has its name.
     LDIF_Attributes& operator+=(const LDIF_Attribute& attribute);
     LDIF_Attributes& operator+=(LDIF_Attribute&& attribute);
+    // Adds the value of a line of type attribute, and moves the lines that stand before it to the attribute's comment.
+    // After a failure nothing has changed.
+    void add(const LDIF_Line& line, LDIF_Comment& before);
     // Removes the attribute of the same name, if there is one.
     LDIF_Attributes& operator-=(const LDIF_Attribute& attribute);
     LDIF_Attributes& operator+=(const LDIF_Attributes& other);
@@ -60,7 +63,7 @@ public:
     LDIF_Attribute* find(const cisString& name);
 
 private:
-    iterator placeOf(const cisString& name);
+    iterator placeOf(const std::string& name);
 };
 
 #endif

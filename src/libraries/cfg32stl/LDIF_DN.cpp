@@ -18,6 +18,7 @@ LDIF_DN& LDIF_DN::operator=(const cisString& text)
     reader.skipEdges();
     if (reader.atEnd())
         return *this;
+    reserve(size() + 1 + static_cast<size_type>(std::count(text.begin(), text.end(), ',')));
     std::reverse(begin(), end());
     try {
         parse(reader);
@@ -50,6 +51,16 @@ LDIF_DN::size_type LDIF_DN::commonLevels(const LDIF_DN& other, size_type start) 
 {
     const auto from = other.begin() + static_cast<difference_type>(std::min(start, other.size()));
     return static_cast<size_type>(std::mismatch(begin(), end(), from, other.end()).first - begin());
+}
+
+// From the leaf's side: there the DNs of one tree differ.
+bool LDIF_DN::startsEqual(const LDIF_DN& other, size_type levels) const
+{
+    if (levels > size() || levels > other.size())
+        return false;
+    while (levels > 0 && (*this)[levels - 1] == other[levels - 1])
+        --levels;
+    return levels == 0;
 }
 
 void LDIF_DN::removeLeading(size_type levels)
@@ -85,6 +96,14 @@ void LDIF_DN::appendTo(std::string& out) const
         rdn->appendTo(out);
         separator = ", ";
     }
+}
+
+std::size_t LDIF_DN::hash() const noexcept
+{
+    std::size_t number = 0;
+    for (const LDIF_RDN& rdn : *this)
+        number = rdn.hash(number);
+    return number;
 }
 
 int LDIF_DN::compare(const LDIF_DN& other) const

@@ -40,9 +40,13 @@ public:
 
     // How many leading RDNs equal those of other from index start on.
     size_type commonLevels(const LDIF_DN& other, size_type start = 0) const;
+    // Whether the first levels RDNs of both are there and equal.
+    bool startsEqual(const LDIF_DN& other, size_type levels) const;
     // Removes that many RDNs on the root's side; at most size().
     void removeLeading(size_type levels);
     void appendTo(std::string& out) const;
+    // Equal DNs have equal hashes, as long as the locale folds case the same.
+    std::size_t hash() const noexcept;
 
 private:
     void parse(LDIF_DnReader& reader);

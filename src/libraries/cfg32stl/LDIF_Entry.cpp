@@ -1,6 +1,7 @@
 #include "LDIF_Entry.h"
 
 #include "LDIF_Exception.h"
+#include "platform.h"
 #include "zebldapcfg.h"
 
 #include <algorithm>
@@ -51,6 +52,7 @@ LDIF_Entry& LDIF_Entry::place(LDIF_Entry& child, Transfer transfer)
 
 LDIF_Entry& LDIF_Entry::merge(LDIF_Entry& other, Transfer transfer)
 {
+    forgetText();
     comment += other.comment;
     attributes += other.attributes;
     for (LDIF_Entry& child : other.children)
@@ -62,22 +64,27 @@ LDIF_Entry& LDIF_Entry::merge(LDIF_Entry& other, Transfer transfer)
 // where there is none can child be an ancestor of others.
 LDIF_Entry& LDIF_Entry::placeBelow(LDIF_Entry& child, Transfer transfer)
 {
-    for (LDIF_Entry& each : children) {
-        if (isAtOrAbove(each.relativeDn, child.relativeDn))
-            return each.place(child, transfer);
-    }
-    children.reserve(children.size() + 1);  // what follows cannot fail halfway
+    const auto above = findChild(child.relativeDn, 0);
+    if (above != children.end())
+        return above->place(child, transfer);
+    children.reserve(children.size() < children.capacity() ? 0 : 2 * children.size() + 1);  // what follows cannot fail
     adoptInto(child);
     children.push_back(transfer == Transfer::copy ? child : std::move(child));
+    if (*childIndex != nullptr)
+        (*childIndex)->add(children.back());
     return *this;
 }
 
 // Moves the children that belong below child there.
 void LDIF_Entry::adoptInto(LDIF_Entry& child)
 {
+    const ChildIndex* const known = index();
+    if (known != nullptr && known->deepest <= child.relativeDn.size())
+        return;
     const auto staysHere = [&](const LDIF_Entry& each) { return !isAtOrAbove(child.relativeDn, each.relativeDn); };
     if (std::all_of(children.begin(), children.end(), staysHere))
         return;
+    childIndex->reset();
     const auto adopted = std::stable_partition(children.begin(), children.end(), staysHere);
     child.children.reserve(child.children.size() + static_cast<std::size_t>(children.end() - adopted));
     for (auto each = adopted; each != children.end(); ++each)
@@ -85,14 +92,70 @@ void LDIF_Entry::adoptInto(LDIF_Entry& child)
     children.erase(adopted, children.end());
 }
 
+void LDIF_Entry::eraseChild(std::vector<LDIF_Entry>::iterator child)
+{
+    if (*childIndex != nullptr)
+        (*childIndex)->positions.erase(static_cast<std::size_t>(child - children.begin()));
+    children.erase(child);
+}
+
+std::vector<LDIF_Entry>::iterator LDIF_Entry::findChild(const LDIF_DN& path, std::size_t level)
+{
+    const ChildIndex* const known = index();
+    if (known == nullptr)
+        return std::find_if(children.begin(), children.end(), [&](const LDIF_Entry& child) {
+            return child.relativeDn.commonLevels(path, level) == child.relativeDn.size();
+        });
+    std::size_t hash = 0;
+    for (std::size_t levels = 1; levels <= known->deepest && level + levels <= path.size(); ++levels) {
+        hash = path[level + levels - 1].hash(hash);
+        const std::size_t found = known->positions.find(hash, [&](std::size_t at) {
+            const LDIF_DN& candidate = children[at].relativeDn;
+            return candidate.size() == levels && candidate.commonLevels(path, level) == levels;
+        });
+        if (found != LDIF_HashIndex::npos)
+            return children.begin() + static_cast<std::ptrdiff_t>(found);
+    }
+    return children.end();
+}
+
+// The index of the children, made anew where they or the locale have changed without it; null for a small family.
+LDIF_Entry::ChildIndex* LDIF_Entry::index()
+{
+    constexpr std::size_t largeFamily = 32;
+    if (children.size() < largeFamily) {
+        childIndex->reset();
+        return nullptr;
+    }
+    const std::size_t folding = caseFolding();
+    ChildIndex* known = childIndex->get();
+    if (known == nullptr || known->positions.size() != children.size() || known->folding != folding) {
+        *childIndex = std::make_unique<ChildIndex>();
+        known = childIndex->get();
+        known->folding = folding;
+        known->positions.reserve(children.size());
+        for (const LDIF_Entry& child : children)
+            known->add(child);
+    }
+    return known;
+}
+
+void LDIF_Entry::ChildIndex::add(const LDIF_Entry& child)
+{
+    positions.add(child.relativeDn.hash(), positions.size());
+    deepest = std::max(deepest, child.relativeDn.size());
+}
+
 LDIF_Entry& LDIF_Entry::operator+=(const LDIF_Attribute& attribute)
 {
+    forgetText();
     attributes += attribute;
     return *this;
 }
 
 LDIF_Entry& LDIF_Entry::operator+=(const LDIF_Comment& lines)
 {
+    forgetText();
     comment += lines;
     return *this;
 }
@@ -146,9 +209,7 @@ LDIF_Entry* LDIF_Entry::find(const LDIF_DN& wanted)
         return nullptr;
     LDIF_Entry* entry = this;
     for (auto level = relativeDn.size(); level < wanted.size(); level += entry->relativeDn.size()) {
-        const auto next = std::find_if(entry->children.begin(), entry->children.end(), [&](const LDIF_Entry& child) {
-            return child.relativeDn.commonLevels(wanted, level) == child.relativeDn.size();
-        });
+        const auto next = entry->findChild(wanted, level);
         if (next == entry->children.end())
             return nullptr;
         entry = &*next;

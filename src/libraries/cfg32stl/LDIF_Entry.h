@@ -2,12 +2,16 @@
 #ifndef LDIF_ENTRY_H
 #define LDIF_ENTRY_H
 
+#include "LDIF_Aid.h"
 #include "LDIF_Attribute.h"
 #include "LDIF_Comment.h"
 #include "LDIF_DN.h"
+#include "LDIF_HashIndex.h"
 #include "cisString.h"
 
+#include <cstdint>
 #include <iosfwd>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -49,18 +53,46 @@ public:
 
     // Like += but takes the child over instead of copying it.
     LDIF_Entry& place(LDIF_Entry&& child);
+    // Removes a child with its subtree. Children come and go through this class alone, which may have them indexed.
+    void eraseChild(std::vector<LDIF_Entry>::iterator child);
+    // The child whose relativeDn is at or above the RDNs of path from level on, or the end.
+    std::vector<LDIF_Entry>::iterator findChild(const LDIF_DN& path, std::size_t level);
+
     void appendTo(std::string& out) const;
     // This entry and, in preorder, all below it.
     void appendTreeTo(std::string& out) const;
 
+    // Where the text of an entry stands in the text of a file that was written before.
+    struct WrittenText {
+        std::size_t offset = 0;
+        std::uint32_t length = 0;
+        std::uint32_t version = 0;  // of the file's text; 0 when the entry has changed since, or was never written
+    };
+    WrittenText& writtenText() noexcept { return *written; }
+    // To be called before the attributes are changed other than by an operator of this class.
+    void forgetText() noexcept { written->version = 0; }
+
 private:
     enum class Transfer { copy, move };
+
+    // Finds the children of a large family by hash.
+    struct ChildIndex {
+        LDIF_HashIndex positions;
+        std::size_t deepest = 0;  // no relativeDn among the children has more RDNs
+        std::size_t folding = 0;  // of the locale under which the hashes were made
+
+        void add(const LDIF_Entry& child);
+    };
 
     LDIF_Entry& place(LDIF_Entry& child, Transfer transfer);
     LDIF_Entry& placeBelow(LDIF_Entry& child, Transfer transfer);
     LDIF_Entry& merge(LDIF_Entry& other, Transfer transfer);
     void adoptInto(LDIF_Entry& child);
     bool needsClosingLine() const;
+    ChildIndex* index();
+
+    LDIF_Aid<std::unique_ptr<ChildIndex>> childIndex;
+    LDIF_Aid<WrittenText> written;
 };
 
 // Writes the entry and, in preorder, all below it.

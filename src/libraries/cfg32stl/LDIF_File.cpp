@@ -6,7 +6,6 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <sstream>
 
 namespace {
 
@@ -62,25 +61,25 @@ bool LDIF_File::refresh()
     if (!readFile(fileName, text))
         throw fileFailure(CFG_CONNECT_ERROR, CFG_ERR_CONFIG_OPEN, "ifstream()", fileName);
     bool needsRewrite = false;
-    readTree(text, needsRewrite);
+    readTree(std::move(text), needsRewrite);
     fileStat = status;
     if (needsRewrite)
         flush();
     return true;
 }
 
-void LDIF_File::readTree(const std::string& text, bool& needsRewrite)
+void LDIF_File::readTree(std::string&& text, bool& needsRewrite)
 {
     comment.clear();
     root.clear();
+    renderer.clear();
     LDIF_Loader loader(root, comment);
     const auto addPosition = [&](LDIF_Exception& failure) {
         failure.configLine = loader.lineCount();
         failure.configFile = fileName;
     };
     try {
-        std::istringstream lines(text);
-        loader.load(lines);
+        loader.load(std::move(text));
     } catch (LDIF_Exception& failure) {
         addPosition(failure);
         failure.entryDn = loader.currentDn();
@@ -93,9 +92,7 @@ void LDIF_File::readTree(const std::string& text, bool& needsRewrite)
 
 void LDIF_File::flush()
 try {
-    std::string text;
-    root.appendTreeTo(text);
-    comment.appendTo(text);
+    const std::string& text = renderer.render(root, comment);
     if (!backupFileName.empty())
         moveToBackup();
     if (!writeFile(fileName, text))

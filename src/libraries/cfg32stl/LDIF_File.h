@@ -4,6 +4,7 @@
 
 #include "LDIF_Comment.h"
 #include "LDIF_Entry.h"
+#include "LDIF_Renderer.h"
 #include "LDIF_Search.h"
 #include "platform.h"
 
@@ -76,7 +77,7 @@ private:
     void removeEntry(const LDIF_DN& dn, bool deleteNonLeaves);
     LDIF_Entry& nearestParent(const LDIF_DN& dn);
     Authentication checkLogin(const char* dn, const char* password);
-    void readTree(const std::string& text, bool& needsRewrite);
+    void readTree(std::string&& text, bool& needsRewrite);
     void moveToBackup();
     void readStatus(FileStatus& status) const;
 
@@ -85,6 +86,7 @@ private:
     FileStatus fileStat = {};  // as of the last load or write
     LDIF_Comment comment;      // the lines behind the last entry
     LDIF_Entry root;
+    LDIF_Renderer renderer;
     Authentication authentication = noAccess;
 };
 

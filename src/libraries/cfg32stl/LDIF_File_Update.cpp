@@ -136,6 +136,7 @@ void LDIF_File::modifyEntry(const LDIF_DN& dn, LDAPMod** mods)
     LDIF_Entry* const entry = root.find(dn);
     if (entry == nullptr)
         throw notFound();
+    entry->forgetText();
     for (; *mods != nullptr; ++mods)
         apply(*entry, **mods);
 }
@@ -162,15 +163,13 @@ void LDIF_File::removeEntry(const LDIF_DN& dn, bool deleteNonLeaves)
     LDIF_Entry& parent = nearestParent(dn);
     LDIF_DN relative = dn;
     relative.removeLeading(parent.dn.size());
-    auto& siblings = parent.children;
-    const auto entry = std::find_if(siblings.begin(), siblings.end(),
-                                    [&](const LDIF_Entry& each) { return each.relativeDn == relative; });
-    if (entry == siblings.end())
+    const auto entry = parent.findChild(relative, 0);
+    if (entry == parent.children.end() || entry->relativeDn != relative)
         throw notFound();
     if (!entry->children.empty() && !deleteNonLeaves)
         throw LDIF_Exception(LDAP_NOT_ALLOWED_ON_NONLEAF, LDAP_NOT_ALLOWED_ON_NONLEAF,
                              "Use CFG_OPT_DELETE_NON_LEAVES to enable subtree delete");
-    siblings.erase(entry);
+    parent.eraseChild(entry);
 }
 
 // The nearest entry above dn, which is the root at the last.

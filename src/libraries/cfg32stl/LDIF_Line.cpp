@@ -1,5 +1,6 @@
 #include "LDIF_Line.h"
 
+#include "LDIF_LineSource.h"
 #include "LDIF_Util.h"
 #include "platform.h"
 #include "zebldapcfg.h"
@@ -11,31 +12,25 @@ namespace {
 
 constexpr char invalidLine[] = "zeb-slapdInvalidLine";
 
-std::wstring readPhysicalLine(std::istream& in)
+bool isDn(std::string_view name)
 {
-    std::string bytes;
-    std::getline(in, bytes);
-    std::wstring line = multibyte2wide(bytes);
-    w_stripCarriageReturn(line);
-    return line;
-}
-
-bool isDn(const std::string& name)
-{
-    return _stricmp(name.c_str(), "dn") == 0;
+    return name.size() == 2 && foldCase(name[0]) == 'd' && foldCase(name[1]) == 'n';
 }
 
 // continuation = a white space, then text that goes behind the value as it is
-int readContinuations(std::istream& in, int lastLine, std::wstring& text)
+int readContinuations(LDIF_LineSource& in, int lastLine, std::string& value, bool& isPlain)
 {
-    for (; !in.eof(); ++lastLine) {
-        const auto position = in.tellg();
-        const std::wstring line = readPhysicalLine(in);
-        if (line.empty() || !w_my_isspace(line[0])) {
-            in.seekg(position);
+    for (; in.good(); ++lastLine) {
+        const LDIF_PhysicalLine& line = in.read();
+        if (!line.isContinuation()) {
+            in.unread();
             break;
         }
-        text.append(line, 1, std::wstring::npos);
+        isPlain = isPlain && line.isPlain;
+        if (line.isPlain)
+            value += line.text.substr(1);
+        else
+            value += wide2multibyte(multibyte2wide(std::string(line.text)).substr(1));
     }
     return lastLine;
 }
@@ -60,37 +55,59 @@ const char* wordFor(LDIF_Line::Type type)
 
 }  // namespace
 
+// Keeps the memory of the texts: a line object reads the whole file.
+void LDIF_Line::clear() noexcept
+{
+    value.clear();
+    name.clear();
+    type = endOfFile;
+    wellFormed = true;
+}
+
 int LDIF_Line::next(std::istream& in, int lastLine)
 {
-    *this = LDIF_Line();
+    LDIF_StreamSource source(in);
+    return next(source, lastLine);
+}
+
+int LDIF_Line::next(LDIF_LineSource& in, int lastLine)
+{
+    clear();
     lineNumber = lastLine + 1;
     if (!in.good())
         return lastLine;
-    std::wstring line = readPhysicalLine(in);
-    if (w_isBlank(line)) {
+    const LDIF_PhysicalLine& line = in.read();
+    if (line.isBlank()) {
         type = blankLine;
         return lineNumber;
     }
-    if (line[0] == L'#') {
+    if (line.text[0] == '#') {
         type = comment;
-        value = wide2multibyte(line);
+        value = line.text;
         return lineNumber;
     }
-    const std::size_t colon = line.find(L':');
+    const std::size_t colon = line.findColon();
     readName(line, colon);
-    line.erase(0, line.find_first_not_of(L':', wellFormed ? colon : line.size()));
-    w_stripLeading(line);
-    const int last = readContinuations(in, lineNumber, line);
-    value = wide2multibyte(w_stripTrailing(line));
+    const std::size_t start = wellFormed ? line.text.find_first_not_of(':', colon) : std::string_view::npos;
+    bool isPlain = line.isPlain;
+    value = line.text.substr(std::min(start, line.text.size()));
+    if (isPlain)
+        value.erase(0, value.size() - withoutLeading(value).size());
+    else
+        stripLeading(value);
+    const int last = readContinuations(in, lineNumber, value, isPlain);
+    if (isPlain)
+        value.resize(withoutTrailing(value).size());
+    else
+        stripTrailing(value);
     return last;
 }
 
-void LDIF_Line::readName(const std::wstring& line, std::size_t colon)
+void LDIF_Line::readName(const LDIF_PhysicalLine& line, std::size_t colon)
 {
-    wellFormed = colon != std::wstring::npos && colon != 0;
-    name = wide2multibyte(wellFormed ? line.substr(0, colon) : line);
-    const bool opensEntry = wellFormed ? isDn(name) : isDn(wide2multibyte(line.substr(0, 2)));
-    type = opensEntry ? dn : attribute;
+    wellFormed = colon != std::string_view::npos && colon != 0;
+    name = line.text.substr(0, wellFormed ? colon : line.text.size());
+    type = isDn(wellFormed ? line.text.substr(0, colon) : line.text.substr(0, 2)) ? dn : attribute;
 }
 
 std::string LDIF_Line::str() const
@@ -117,9 +134,4 @@ LDIF_Exception illegalConstructor(const char* className, const LDIF_Line& line, 
 {
     const std::string call = std::string(className) + "( LDIF_Line::" + wordFor(line.type) + " );";
     return {LDAP_OTHER, CFG_ERR_UNEXPECTED, "Illegal constructor " + call, pos};
-}
-
-void w_stripCarriageReturn(std::wstring& text)
-{
-    text.erase(std::remove(text.begin(), text.end(), L'\r'), text.end());
 }

@@ -7,6 +7,9 @@
 #include <iosfwd>
 #include <string>
 
+class LDIF_LineSource;
+struct LDIF_PhysicalLine;
+
 // A line of the library's dialect of LDIF (RFC 2849): folded lines are joined, the name stands before the first colon,
 // and the value is plain text. Departures from RFC 2849: no base64 and no URL form, comments are not folded, every
 // carriage return is dropped, white space and parentheses around a value are dropped.
@@ -20,10 +23,11 @@ public:
     int lineNumber = 0;      // of its first physical line, counted from 1
     bool wellFormed = true;  // false for a dn or attribute line without a usable colon
 
-    // Reads the next logical line into this object. in is open in binary mode and can be positioned. lastLine is the
-    // number of the last physical line read so far, 0 at first; the result is that number after the call. At the end
-    // of the input the type is endOfFile. Throws LDIF_Exception (162) for text that the locale cannot convert.
+    // Reads the next logical line into this object. lastLine is the number of the last physical line read so far, 0 at
+    // first; the result is that number after the call. At the end of the input the type is endOfFile. A stream is in
+    // binary mode and can be positioned. Throws LDIF_Exception (162) for text that the locale cannot convert.
     int next(std::istream& in, int lastLine);
+    int next(LDIF_LineSource& in, int lastLine);
 
     // The line as text, without a line end.
     virtual std::string str() const;
@@ -33,13 +37,11 @@ public:
     void changeToInvalidAttr();
 
 private:
-    void readName(const std::wstring& line, std::size_t colon);
+    void clear() noexcept;
+    void readName(const LDIF_PhysicalLine& line, std::size_t colon);
 };
 
 // The failure (80) of an object that is made from a line of the wrong type.
 LDIF_Exception illegalConstructor(const char* className, const LDIF_Line& line, SourcePos pos = SourcePos::here());
-
-// Removes every carriage return.
-void w_stripCarriageReturn(std::wstring& text);
 
 #endif

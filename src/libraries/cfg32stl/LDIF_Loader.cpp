@@ -1,9 +1,9 @@
 #include "LDIF_Loader.h"
 
 #include "LDIF_Exception.h"
+#include "LDIF_LineSource.h"
 #include "zebldapcfg.h"
 
-#include <istream>
 #include <utility>
 
 namespace {
@@ -30,7 +30,20 @@ bool canBeQuarantined(const LDIF_Exception& failure)
 
 }  // namespace
 
-void LDIF_Loader::load(std::istream& in)
+void LDIF_Loader::load(std::string&& text)
+{
+    try {
+        LDIF_TextSource lines(text);
+        readLines(lines);
+    } catch (...) {
+        tree.finish();
+        throw;
+    }
+    text = std::string();
+    tree.finish();
+}
+
+void LDIF_Loader::readLines(LDIF_LineSource& in)
 {
     LDIF_Line line;
     while (readLine(in, line))
@@ -45,7 +58,7 @@ std::string LDIF_Loader::currentDn() const
 }
 
 // False at the end of the file.
-bool LDIF_Loader::readLine(std::istream& in, LDIF_Line& line)
+bool LDIF_Loader::readLine(LDIF_LineSource& in, LDIF_Line& line)
 {
     try {
         lastLine = line.next(in, lastLine);
@@ -99,12 +112,11 @@ void LDIF_Loader::takeAttribute(LDIF_Line& line)
 // A refused line leaves the waiting lines to the attribute that it becomes.
 void LDIF_Loader::addAttribute(const LDIF_Line& line)
 {
+    if (current)
+        return current->attributes.add(line, waiting);
     LDIF_Attribute attribute(line, LDIF_Comment());
     std::swap(attribute.comment, waiting);
-    if (current)
-        current->attributes += std::move(attribute);
-    else
-        addToHead(attribute);
+    addToHead(attribute);
 }
 
 void LDIF_Loader::addToHead(const LDIF_Attribute& attribute)
@@ -133,7 +145,15 @@ void LDIF_Loader::openEntry(const LDIF_Line& line)
     closeEntry();
     addDefault("charset", "ISO-8859-1", seenCharset);
     addDefault("version", "1", seenVersion);
-    current.emplace(line, LDIF_Comment());
+    current.emplace();
+    current->name = cisString(line.name);
+    try {
+        current->dn = cisString(line.value);
+    } catch (...) {
+        current.reset();
+        throw;
+    }
+    current->attributes.reserve(attributeCount);
     std::swap(current->comment, waiting);
 }
 
@@ -141,7 +161,8 @@ void LDIF_Loader::closeEntry()
 {
     if (!current)
         return;
-    root.place(std::move(*current));
+    attributeCount = current->attributes.size();
+    tree.add(std::move(*current));
     current.reset();
 }
 

@@ -5,20 +5,25 @@
 #include "LDIF_Comment.h"
 #include "LDIF_Entry.h"
 #include "LDIF_Line.h"
+#include "LDIF_TreeBuilder.h"
 
-#include <iosfwd>
 #include <optional>
 #include <string>
+
+class LDIF_LineSource;
 
 // Fills the tree and the comment of an LDIF_File, both of which it only borrows. Comment and blank lines wait in the
 // comment for the attribute or entry behind them; those that no one takes stay there.
 class LDIF_Loader {
 public:
-    LDIF_Loader(LDIF_Entry& treeRoot, LDIF_Comment& waitingLines) : root(treeRoot), waiting(waitingLines) {}
+    LDIF_Loader(LDIF_Entry& treeRoot, LDIF_Comment& waitingLines)
+        : root(treeRoot), waiting(waitingLines), tree(treeRoot)
+    {
+    }
 
-    // Reads all lines. Throws LDIF_Exception: 65 for an attribute that may not stand where it does, 34 for a DN that
+    // Reads the whole text of a file, and gives its memory back before the tree is built. Throws LDIF_Exception: 65 for an attribute that may not stand where it does, 34 for a DN that
     // is none, 162 for text that the locale cannot convert. The tree then holds the entries before that line.
-    void load(std::istream& in);
+    void load(std::string&& text);
 
     // Whether a line was changed to the quarantine attribute, so that the file should be written back.
     bool hasQuarantined() const noexcept { return quarantined; }
@@ -28,7 +33,8 @@ public:
     std::string currentDn() const;
 
 private:
-    bool readLine(std::istream& in, LDIF_Line& line);
+    void readLines(LDIF_LineSource& in);
+    bool readLine(LDIF_LineSource& in, LDIF_Line& line);
     void take(LDIF_Line& line);
     void takeBlankLine(const LDIF_Line& line);
     void takeAttribute(LDIF_Line& line);
@@ -43,7 +49,9 @@ private:
 
     LDIF_Entry& root;
     LDIF_Comment& waiting;
+    LDIF_TreeBuilder tree;
     std::optional<LDIF_Entry> current;
+    std::size_t attributeCount = 0;  // of the entry before: most entries of a file are alike
     int lastLine = 0;
     bool seenVersion = false;
     bool seenCharset = false;

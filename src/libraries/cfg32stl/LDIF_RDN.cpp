@@ -2,6 +2,7 @@
 
 #include "LDIF_DnReader.h"
 #include "LDIF_Exception.h"
+#include "LDIF_HashIndex.h"
 #include "LDIF_Util.h"
 #include "zebldapcfg.h"
 
@@ -26,6 +27,12 @@ Part takeFront(cisString& input)
     Part part(reader);
     input = cisString(reader.rest());
     return part;
+}
+
+const LDIF_CharacterSet& specialCharacters()
+{
+    static const LDIF_CharacterSet characters(special);
+    return characters;
 }
 
 // The first byte of what is left.
@@ -63,13 +70,16 @@ LDIF_RDN_attribute::LDIF_RDN_attribute(cisString& input) : LDIF_RDN_attribute(ta
 // attribute = ALPHA *keyChar / DIGIT *oidChar
 LDIF_RDN_attribute::LDIF_RDN_attribute(LDIF_DnReader& reader)
 {
+    static const LDIF_CharacterSet letters(ALPHA);
+    static const LDIF_CharacterSet digits(DIGIT);
+    static const LDIF_CharacterSet keyCharacters(keyChar);
+    static const LDIF_CharacterSet oidCharacters(oidChar);
     if (reader.atEnd())
         throw dnFailure(CFG_ERR_DN_NO_ATTRIBUTE, "Missing RDN attribute");
-    const wchar_t first = reader.text()[reader.position()];
-    if (w_isOneOf(first, ALPHA))
-        assign(reader.take(keyChar));
-    else if (w_isOneOf(first, DIGIT))
-        assign(reader.take(oidChar));
+    if (letters.has(reader.peek()))
+        assign(reader.take(keyCharacters));
+    else if (digits.has(reader.peek()))
+        assign(reader.take(oidCharacters));
     else
         throw dnFailure(CFG_ERR_DN_ATTRIBUTE, "Invalid attribute sytax: " + attributeExcerpt(reader.rest()));
     reader.skipEdges();
@@ -101,11 +111,11 @@ void LDIF_RDN_value::read(LDIF_DnReader& reader)
 {
     if (reader.atEnd())
         return;
-    if (reader.isAt('#')) {
+    if (reader.isAt(L'#')) {
         form = FORM_HEX;
         reader.advance();
         readHex(reader);
-    } else if (reader.isAt('"')) {
+    } else if (reader.isAt(quote)) {
         reader.advance();
         readQuoted(reader);
     } else {
@@ -119,37 +129,35 @@ void LDIF_RDN_value::read(LDIF_DnReader& reader)
 void LDIF_RDN_value::readHex(LDIF_DnReader& reader)
 {
     char byte = 0;
-    for (; w_hexPair(reader.text(), reader.position(), byte); reader.advance(2))
+    while (reader.takeHexPair(byte))
         push_back(byte);
 }
 
-// quoted = *( escape / any unit but quote and backslash ) [ quote ]
+// quoted = *( escape / any character but quote and backslash ) [ quote ]
 void LDIF_RDN_value::readQuoted(LDIF_DnReader& reader)
 {
-    while (!reader.atEnd() && !reader.isAt('"')) {
-        if (reader.isAt('\\')) {
-            readEscape(reader);
-        } else {
-            append(reader.text(), static_cast<unsigned int>(reader.position()), 1);
-            reader.advance();
-        }
+    static const LDIF_CharacterSet ends("\\\"");
+    append(reader.takeUntil(ends));
+    while (reader.isAt(backslash)) {
+        readEscape(reader);
+        append(reader.takeUntil(ends));
     }
     if (!reader.atEnd())
         reader.advance();
 }
 
-// plain = *( escape / any unit but one of special )
+// plain = *( escape / any character but one of special )
 void LDIF_RDN_value::readPlain(LDIF_DnReader& reader)
 {
-    while (!reader.atEnd()) {
-        if (reader.isAt('\\')) {
-            readEscape(reader);
-        } else if (w_isOneOf(reader.text()[reader.position()], special)) {
-            break;
-        } else {
-            append(reader.text(), static_cast<unsigned int>(reader.position()), 1);
-            reader.advance();
-        }
+    const std::string_view start = reader.takeUntil(specialCharacters());
+    if (reader.isPlain() && !reader.isAt(backslash)) {
+        append(withoutTrailing(start));
+        return;
+    }
+    append(start);
+    while (reader.isAt(backslash)) {
+        readEscape(reader);
+        append(reader.takeUntil(specialCharacters()));
     }
     stripTrailing(*this);
 }
@@ -157,18 +165,18 @@ void LDIF_RDN_value::readPlain(LDIF_DnReader& reader)
 // escape = backslash ( 2hexChar / special )
 void LDIF_RDN_value::readEscape(LDIF_DnReader& reader)
 {
-    const std::size_t next = reader.position() + 1;
+    const std::size_t start = reader.position();
+    reader.advance();
     char byte = 0;
-    if (next == reader.text().size())
+    if (reader.atEnd())
         throw dnFailure(CFG_ERR_DN_VALUE, "Invalid escape sequence: \\");
-    if (w_hexPair(reader.text(), next, byte)) {
+    if (reader.takeHexPair(byte)) {
         push_back(byte);
-        reader.advance(3);
-    } else if (w_isOneOf(reader.text()[next], special)) {
-        append(reader.text(), static_cast<unsigned int>(next), 1);
-        reader.advance(2);
+    } else if (specialCharacters().has(reader.peek())) {
+        append(1, static_cast<char>(reader.peek()));
+        reader.advance();
     } else {
-        throw dnFailure(CFG_ERR_DN_VALUE, "Invalid escape sequence: " + reader.rest().substr(0, 3));
+        throw dnFailure(CFG_ERR_DN_VALUE, "Invalid escape sequence: " + reader.rest(start).substr(0, 3));
     }
 }
 
@@ -211,8 +219,15 @@ void LDIF_RDN_value::appendQuotedTo(std::string& out) const
     out.append("\"").append(wide2multibyte(written)).append("\"");
 }
 
+// Most values need no escape at all.
 void LDIF_RDN_value::appendPlainTo(std::string& out) const
 {
+    const auto isSpecial = [](char byte) { return specialCharacters().has(static_cast<wchar_t>(byte)); };
+    if (isPlain(*this) && !w_my_isspace(static_cast<wchar_t>(front())) && !w_my_isspace(static_cast<wchar_t>(back())) &&
+        std::none_of(begin(), end(), isSpecial)) {
+        out += *this;
+        return;
+    }
     const std::wstring units = multibyte2wide(*this);
     const auto inner = std::find_if_not(units.begin(), units.end(), w_my_isspace);
     const auto tail = std::find_if_not(units.rbegin(), std::make_reverse_iterator(inner), w_my_isspace).base();
@@ -249,7 +264,7 @@ void LDIF_RDN_pair::read(LDIF_DnReader& reader)
     first = LDIF_RDN_attribute(reader);
     if (reader.atEnd())
         throw dnFailure(CFG_ERR_DN_NO_VALUE, "Missing RDN value: " + first.str());
-    if (!reader.isAt('='))
+    if (!reader.isAt(L'='))
         throw dnFailure(CFG_ERR_DN_ATTRIBUTE, "Invalid character in RDN attribute: " + nextByte(reader));
     reader.advance();
     reader.skipEdges();
@@ -286,9 +301,9 @@ LDIF_RDN::LDIF_RDN(LDIF_DnReader& reader)
     try {
         for (;;) {
             add(LDIF_RDN_pair(reader));
-            if (reader.atEnd() || reader.isAt(',') || reader.isAt(';'))
+            if (reader.atEnd() || reader.isAt(L',') || reader.isAt(L';'))
                 return;
-            if (!reader.isAt('+'))
+            if (!reader.isAt(L'+'))
                 throw dnFailure(CFG_ERR_DN_VALUE, "Invalid character in RDN value: " + nextByte(reader));
             reader.advance();
             reader.skipEdges();
@@ -335,6 +350,13 @@ int LDIF_RDN::compare(const LDIF_RDN& other) const
     if (mine == end())
         return its == other.end() ? 0 : 1;
     return its == other.end() ? -1 : mine->compare(*its);
+}
+
+std::size_t LDIF_RDN::hash(std::size_t seed) const noexcept
+{
+    for (const LDIF_RDN_pair& pair : *this)
+        seed = foldedHash(foldedHash(seed, pair.first), pair.second);
+    return seed + 1;  // so that two pairs of one RDN are not two RDNs
 }
 
 std::ostream& operator<<(std::ostream& stream, const LDIF_RDN_pair& pair)

@@ -96,6 +96,8 @@ public:
     virtual bool operator>=(const LDIF_RDN& other) const { return compare(other) <= 0; }
 
     void appendTo(std::string& out) const;
+    // Goes on from seed; equal RDNs give the same number as long as the locale folds case the same.
+    std::size_t hash(std::size_t seed) const noexcept;
 
 private:
     void add(LDIF_RDN_pair pair);

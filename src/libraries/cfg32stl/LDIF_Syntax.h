@@ -81,6 +81,13 @@ constexpr LDIF_Syntax plugin = ces;
 
 }  // namespace syntax
 
+// Whether the values of this one's type can be told apart by a hash: all but passwords, which only the codec compares.
+bool canHash(const LDIF_Value& value) noexcept;
+// Whether the comparison ignores case, so that equal values have equal hashes only under one folding of the locale.
+bool foldsCase(const LDIF_Value& value) noexcept;
+// Values that compare equal have equal hashes.
+std::size_t hashOf(const LDIF_Value& value);
+
 // A failure of a syntax: the codes, the text, and the value and type at fault.
 LDIF_Exception syntaxFailure(int ldapErr, int extErr, const std::string& text, const std::string& value,
                              const _AttrType* attrType, SourcePos pos = SourcePos::here());

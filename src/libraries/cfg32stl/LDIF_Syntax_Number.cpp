@@ -9,6 +9,7 @@
 #include <cstring>
 #include <limits>
 #include <new>
+#include <string_view>
 
 namespace {
 
@@ -17,7 +18,7 @@ enum class NumberError { none, range, syntax };
 constexpr std::uint32_t highest = std::numeric_limits<std::int32_t>::max();
 
 // *DIGIT of a number without its sign. magnitude is at most highest + 10.
-NumberError readDigits(const std::string& digits, std::uint32_t& magnitude)
+NumberError readDigits(std::string_view digits, std::uint32_t& magnitude)
 {
     if (digits.empty() || digits.find_first_not_of(DIGIT) != std::string::npos)
         return NumberError::syntax;
@@ -31,13 +32,12 @@ NumberError readDigits(const std::string& digits, std::uint32_t& magnitude)
 }
 
 // [ "-" / "+" ] 1*DIGIT, with white space and parentheses around it
-NumberError readNumber(std::string text, std::int32_t& number)
+NumberError readNumber(std::string trimmed, std::int32_t& number)
 {
-    stripLeading(text);
-    stripTrailing(text);
+    std::string_view text = stripTrailing(stripLeading(trimmed));
     const bool negative = !text.empty() && text[0] == '-';
     if (negative || (!text.empty() && text[0] == '+'))
-        text.erase(0, 1);
+        text.remove_prefix(1);
     std::uint32_t magnitude = 0;
     const NumberError error = readDigits(text, magnitude);
     if (error != NumberError::none)

@@ -1,9 +1,12 @@
 #include "LDIF_Util.h"
 
 #include "LDIF_Exception.h"
+#include "platform.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <cwctype>
 #include <stdexcept>
 
@@ -25,6 +28,31 @@ constexpr auto conversionFailed = static_cast<std::size_t>(-1);
 bool isEdge(wchar_t unit) noexcept
 {
     return w_my_isspace(unit) || w_my_isparen(unit);
+}
+
+bool isPlainWide(const std::wstring& text) noexcept
+{
+    const auto isAscii = [](wchar_t unit) { return unit > 0 && unit < 0x80; };
+    return std::all_of(text.begin(), text.end(), isAscii) && localeHasAscii();
+}
+
+// How many units the trimming removes from the front.
+template <typename Text>
+std::size_t leadingEdges(const Text& text) noexcept
+{
+    return static_cast<std::size_t>(std::find_if_not(text.begin(), text.end(), isEdge) - text.begin());
+}
+
+// How many units it leaves from the front when it trims the end.
+template <typename Text>
+std::size_t lengthWithoutTrailing(const Text& text) noexcept
+{
+    if (text.empty())
+        return 0;
+    std::size_t last = text.size() - 1;
+    while (last > 0 && isEdge(text[last]))
+        --last;
+    return w_my_isspace(text[last]) ? last : last + 1;
 }
 
 // The value of a hex digit, or -1.
@@ -58,8 +86,27 @@ const char* requireText(const char* text)
     return text;
 }
 
+// Eight bytes at a time: a byte outside ASCII sets its high bit, and a NUL borrows into it.
+bool isPlain(std::string_view text) noexcept
+{
+    constexpr std::uint64_t ones = 0x0101010101010101U;
+    constexpr std::uint64_t highBits = 0x8080808080808080U;
+    std::uint64_t found = 0;
+    std::size_t pos = 0;
+    for (; pos + sizeof found <= text.size(); pos += sizeof found) {
+        std::uint64_t bytes = 0;
+        std::memcpy(&bytes, text.data() + pos, sizeof bytes);
+        found |= bytes | (bytes - ones);
+    }
+    for (; pos < text.size(); ++pos)
+        found |= text[pos] > 0 ? 0 : highBits;
+    return (found & highBits) == 0 && localeHasAscii();
+}
+
 bool w_my_isspace(wchar_t unit) noexcept
 {
+    if (unit > 0 && unit < 0x80)
+        return unit == L' ' || (unit >= L'\t' && unit <= L'\r');
     return std::iswspace(static_cast<std::wint_t>(unit)) != 0;
 }
 
@@ -83,31 +130,44 @@ bool isBlank(const std::string& text)
     return w_isBlank(multibyte2wide(text));
 }
 
+std::string_view withoutLeading(std::string_view plainText) noexcept
+{
+    return plainText.substr(leadingEdges(plainText));
+}
+
+std::string_view withoutTrailing(std::string_view plainText) noexcept
+{
+    return plainText.substr(0, lengthWithoutTrailing(plainText));
+}
+
 std::wstring& w_stripLeading(std::wstring& text) noexcept
 {
-    text.erase(text.begin(), std::find_if_not(text.begin(), text.end(), isEdge));
+    text.erase(0, leadingEdges(text));
     return text;
 }
 
 std::string& stripLeading(std::string& text)
 {
+    if (isPlain(text)) {
+        text.erase(0, leadingEdges(text));
+        return text;
+    }
     std::wstring wide = multibyte2wide(text);
     return text = wide2multibyte(w_stripLeading(wide));
 }
 
 std::wstring& w_stripTrailing(std::wstring& text) noexcept
 {
-    if (text.empty())
-        return text;
-    std::size_t last = text.size() - 1;
-    while (last > 0 && isEdge(text[last]))
-        --last;
-    text.erase(w_my_isspace(text[last]) ? last : last + 1);
+    text.resize(lengthWithoutTrailing(text));
     return text;
 }
 
 std::string& stripTrailing(std::string& text)
 {
+    if (isPlain(text)) {
+        text.resize(lengthWithoutTrailing(text));
+        return text;
+    }
     std::wstring wide = multibyte2wide(text);
     return text = wide2multibyte(w_stripTrailing(wide));
 }
@@ -117,7 +177,7 @@ bool w_hexPair(const std::wstring& text, std::size_t pos, char& byte) noexcept
     return readHexPair(text, pos, byte);
 }
 
-bool hexPair(const std::string& text, std::size_t pos, char& byte) noexcept
+bool hexPair(std::string_view text, std::size_t pos, char& byte) noexcept
 {
     return readHexPair(text, pos, byte);
 }
@@ -150,6 +210,8 @@ std::string& byte2hex(unsigned int byte, std::string& out)
 
 std::wstring multibyte2wide(const std::string& text)
 {
+    if (isPlain(text))
+        return {text.begin(), text.end()};
     const std::size_t length = text.empty() ? 0 : std::mbstowcs(nullptr, text.c_str(), 0);
     std::wstring wide;
     if (length != conversionFailed) {
@@ -164,6 +226,11 @@ std::wstring multibyte2wide(const std::string& text)
 
 std::string wide2multibyte(const std::wstring& text)
 {
+    if (isPlainWide(text)) {
+        std::string narrow(text.size(), '\0');
+        std::transform(text.begin(), text.end(), narrow.begin(), [](wchar_t unit) { return static_cast<char>(unit); });
+        return narrow;
+    }
     const std::size_t length = text.empty() ? 0 : std::wcstombs(nullptr, text.c_str(), 0);
     std::string narrow;
     if (length != conversionFailed) {

@@ -9,6 +9,7 @@
 #define LDIF_UTIL_H
 
 #include <string>
+#include <string_view>
 
 extern const std::string ALPHA;    // the ASCII letters
 extern const std::string DIGIT;    // the decimal digits
@@ -22,6 +23,13 @@ extern const char* const empty_str;
 
 // Gives text back. Throws std::invalid_argument for null: a caller of the exported calls has left an argument out.
 const char* requireText(const char* text);
+
+// Whether narrow and wide text are the same here, unit by unit: ASCII without NUL in a locale that knows ASCII.
+bool isPlain(std::string_view text) noexcept;
+
+// Trim as the functions below do, but text that is known to be plain.
+std::string_view withoutLeading(std::string_view plainText) noexcept;
+std::string_view withoutTrailing(std::string_view plainText) noexcept;
 
 bool w_my_isspace(wchar_t unit) noexcept;
 bool w_my_isparen(wchar_t unit) noexcept;
@@ -46,7 +54,7 @@ bool hex2byte(std::string& text, char& byte);
 
 // The byte that two hex digits from pos on stand for. False, with byte unchanged, when there are none.
 bool w_hexPair(const std::wstring& text, std::size_t pos, char& byte) noexcept;
-bool hexPair(const std::string& text, std::size_t pos, char& byte) noexcept;
+bool hexPair(std::string_view text, std::size_t pos, char& byte) noexcept;
 
 // Appends two upper case hex digits; byte is 0 to 255.
 std::string& byte2hex(unsigned int byte, std::string& out);

@@ -2,6 +2,7 @@
 
 #include "LDIF_AttrType.h"
 #include "LDIF_Exception.h"
+#include "LDIF_Syntax.h"
 #include "zebldapcfg.h"
 
 #include <cstring>
@@ -67,8 +68,14 @@ try {
 
 }  // namespace
 
-LDIF_Value::LDIF_Value(const _AttrType* type, const char* text) : attrType(type)
+LDIF_Value::LDIF_Value(const _AttrType* type, const char* text) : LDIF_Value(type, std::string(text)) {}
+
+LDIF_Value::LDIF_Value(const _AttrType* type, const std::string& text) : attrType(type)
 {
+    if (text.find('\0') != std::string::npos) {
+        *this = LDIF_Value(type, text.c_str());
+        return;
+    }
     if (attrType == nullptr) {
         LDIF_Exception failure = internalFailure("Illegal LDIF_Value( string ) constructor: attrType undefined");
         failure.value = text;
@@ -118,6 +125,15 @@ std::string LDIF_Value::str() const
     return attrType->toStr(*this);
 }
 
+// Every syntax of the library gives its text form as it stands.
+void LDIF_Value::appendTo(std::string& out) const
+{
+    if (attrType != nullptr && attrType->toStr == cesToStr)
+        out += stringValue;
+    else
+        out += str();
+}
+
 int LDIF_Value::compare(const LDIF_Value& other) const
 {
     if (attrType == nullptr || attrType->match == nullptr)
@@ -129,7 +145,7 @@ int LDIF_Value::compare(const std::string& text) const
 {
     if (attrType == nullptr || attrType->match == nullptr)
         throw internalFailure("Invalid LDIF_Value detected: attrType->match == NULL");
-    return attrType->match(*this, LDIF_Value(attrType, text.c_str()));
+    return attrType->match(*this, LDIF_Value(attrType, text));
 }
 
 std::ostream& operator<<(std::ostream& stream, const LDIF_Value& value)

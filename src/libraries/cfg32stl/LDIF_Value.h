@@ -22,6 +22,7 @@ public:
 
     // Both throw LDIF_Exception with attrType, attribute and value when the syntax refuses the input.
     LDIF_Value(const _AttrType* type, const char* text);
+    LDIF_Value(const _AttrType* type, const std::string& text);  // up to its first NUL
     LDIF_Value(const _AttrType* type, const void* data, int length);
     // Both throw LDIF_Exception for a value that breaks the invariant (80) or when memory is exhausted (90).
     LDIF_Value(const LDIF_Value& other);
@@ -31,6 +32,7 @@ public:
     ~LDIF_Value() = default;
 
     std::string str() const;
+    void appendTo(std::string& out) const;
     // 0 means equal, by the syntax of this value. A text goes through the syntax first, so one that it refuses throws
     // as the constructor does.
     int compare(const LDIF_Value& other) const;

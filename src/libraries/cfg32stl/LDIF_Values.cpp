@@ -2,6 +2,8 @@
 
 #include "LDIF_AttrType.h"
 #include "LDIF_Exception.h"
+#include "LDIF_Syntax.h"
+#include "platform.h"
 
 #include <algorithm>
 
@@ -38,6 +40,7 @@ LDIF_Values& LDIF_Values::operator=(const LDIF_Values& other)
         return *this;
     try {
         clear();
+        index->reset();
         attrName = other.attrName;
         attrType = other.attrType;
         *this += other;
@@ -56,15 +59,18 @@ std::string LDIF_Values::str() const
 
 void LDIF_Values::appendTo(std::string& out) const
 {
-    for (const LDIF_Value& value : *this)
-        out.append(attrName).append(": ").append(value.str()).append("\n");
+    for (const LDIF_Value& value : *this) {
+        out.append(attrName).append(": ");
+        value.appendTo(out);
+        out += '\n';
+    }
 }
 
 LDIF_Values& LDIF_Values::operator+=(const std::string& text)
 {
     try {
-        LDIF_Value value(attrType, text.c_str());
-        if (findEqual(value) == data() + size())
+        LDIF_Value value(attrType, text);
+        if (empty() || findEqual(value) == data() + size())
             push_back(std::move(value));
         return *this;
     } catch (...) {
@@ -98,8 +104,10 @@ LDIF_Values& LDIF_Values::operator-=(const std::string& text)
 {
     try {
         const auto found = find(text) - data();
-        if (static_cast<size_type>(found) < size())
+        if (static_cast<size_type>(found) < size()) {
             erase(begin() + found);
+            index->reset();
+        }
         return *this;
     } catch (...) {
         wrapAndThrow("System error in LDIF_Values::operator -=", fieldsOf(*this, text));
@@ -108,7 +116,7 @@ LDIF_Values& LDIF_Values::operator-=(const std::string& text)
 
 const LDIF_Value* LDIF_Values::find(const std::string& text) const
 {
-    return empty() ? data() : findEqual(LDIF_Value(attrType, text.c_str()));
+    return empty() ? data() : findEqual(LDIF_Value(attrType, text));
 }
 
 LDIF_Value* LDIF_Values::find(const std::string& text)
@@ -118,5 +126,23 @@ LDIF_Value* LDIF_Values::find(const std::string& text)
 
 const LDIF_Value* LDIF_Values::findEqual(const LDIF_Value& value) const
 {
+    constexpr size_type longList = 32;
+    if (size() >= longList && canHash(value)) {
+        const std::size_t found = findByHash(value);
+        return data() + (found != LDIF_HashIndex::npos ? found : size());
+    }
     return std::find_if(data(), data() + size(), [&](const LDIF_Value& each) { return each.compare(value) == 0; });
+}
+
+// The index takes in what the list has got since the last call.
+std::size_t LDIF_Values::findByHash(const LDIF_Value& value) const
+{
+    const std::size_t folding = foldsCase(value) ? caseFolding() : 0;
+    if (*index == nullptr || (*index)->folding != folding)
+        *index = std::make_unique<Index>();
+    (*index)->folding = folding;
+    LDIF_HashIndex& positions = (*index)->positions;
+    while (positions.size() < size())
+        positions.add(hashOf((*this)[positions.size()]), positions.size());
+    return positions.find(hashOf(value), [&](std::size_t at) { return (*this)[at].compare(value) == 0; });
 }

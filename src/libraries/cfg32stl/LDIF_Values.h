@@ -2,8 +2,11 @@
 #ifndef LDIF_VALUES_H
 #define LDIF_VALUES_H
 
+#include "LDIF_Aid.h"
+#include "LDIF_HashIndex.h"
 #include "LDIF_Value.h"
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -40,7 +43,16 @@ public:
     LDIF_Value* find(const std::string& text);
 
 private:
+    // Finds a value of a long list by its hash.
+    struct Index {
+        LDIF_HashIndex positions;
+        std::size_t folding = 0;  // of the locale under which the hashes were made
+    };
+
     const LDIF_Value* findEqual(const LDIF_Value& value) const;
+    std::size_t findByHash(const LDIF_Value& value) const;
+
+    mutable LDIF_Aid<std::unique_ptr<Index>> index;
 };
 
 #endif

@@ -17,7 +17,7 @@ public:
     virtual cisString& append(const std::wstring& source, unsigned int pos, unsigned int count);
 
     // Negative, 0 or positive as *this sorts before, with or after other.
-    virtual int compare(const cisString& other) const { return compare(other.c_str()); }
+    virtual int compare(const cisString& other) const;
     virtual int compare(const std::string& other) const { return compare(other.c_str()); }
     virtual int compare(const char* other) const;
 

@@ -1,0 +1,85 @@
+#include "LDIF_LineSource.h"
+
+#include "LDIF_Util.h"
+
+#include <algorithm>
+#include <istream>
+
+void w_stripCarriageReturn(std::wstring& text)
+{
+    text.erase(std::remove(text.begin(), text.end(), L'\r'), text.end());
+}
+
+bool LDIF_PhysicalLine::isBlank() const
+{
+    if (!isPlain)
+        return ::isBlank(std::string(text));
+    return std::all_of(text.begin(), text.end(), [](char byte) { return w_my_isspace(static_cast<wchar_t>(byte)); });
+}
+
+bool LDIF_PhysicalLine::isContinuation() const
+{
+    if (text.empty())
+        return false;
+    return w_my_isspace(isPlain ? static_cast<wchar_t>(text[0]) : multibyte2wide(std::string(text))[0]);
+}
+
+std::size_t LDIF_PhysicalLine::findColon() const
+{
+    if (isPlain)
+        return text.find(':');
+    const std::wstring wide = multibyte2wide(std::string(text));
+    const std::size_t colon = wide.find(L':');
+    return colon == std::wstring::npos ? std::string::npos : wide2multibyte(wide.substr(0, colon)).size();
+}
+
+void LDIF_LineSource::set(LDIF_PhysicalLine& line, std::string_view bytes)
+{
+    line.isPlain = isPlain(bytes);
+    line.text = bytes;
+    if (line.isPlain && (!mayHoldReturns || bytes.find('\r') == std::string_view::npos))
+        return;
+    std::wstring wide = multibyte2wide(std::string(bytes));
+    w_stripCarriageReturn(wide);
+    stored = wide2multibyte(wide);
+    line.text = stored;
+}
+
+LDIF_TextSource::LDIF_TextSource(std::string_view wholeText)
+    : LDIF_LineSource(wholeText.find('\r') != std::string_view::npos), text(wholeText)
+{
+}
+
+const LDIF_PhysicalLine& LDIF_TextSource::read()
+{
+    if (pending) {
+        pending = false;
+        return line;
+    }
+    leftNothing = position == text.size();
+    const std::size_t end = text.find('\n', position);
+    metEnd = end == std::string_view::npos;
+    const std::size_t start = position;
+    position = metEnd ? text.size() : end + 1;
+    set(line, text.substr(start, (metEnd ? text.size() : end) - start));
+    return line;
+}
+
+bool LDIF_StreamSource::good() const
+{
+    return in.good();
+}
+
+const LDIF_PhysicalLine& LDIF_StreamSource::read()
+{
+    start = in.tellg();
+    std::getline(in, bytes);
+    set(line, bytes);
+    return line;
+}
+
+// A stream that has failed, for want of anything to read, stays where it is.
+void LDIF_StreamSource::unread()
+{
+    in.seekg(start);
+}

@@ -1,0 +1,80 @@
+// The physical lines of the configuration file.
+#ifndef LDIF_LINESOURCE_H
+#define LDIF_LINESOURCE_H
+
+#include <iosfwd>
+#include <string>
+#include <string_view>
+
+// A physical line without its line end and without carriage returns, up to the first NUL, in narrow text that the
+// locale can convert. The views live until the next line is read from the same source.
+struct LDIF_PhysicalLine {
+    std::string_view text;
+    bool isPlain = true;  // ASCII in a locale that knows it: each byte is a character
+
+    bool isBlank() const;
+    bool isContinuation() const;  // begins with white space
+    // The position of the first colon, or npos.
+    std::size_t findColon() const;
+};
+
+// A source of physical lines that can take the last one back.
+class LDIF_LineSource {
+public:
+    LDIF_LineSource(const LDIF_LineSource&) = delete;
+    LDIF_LineSource& operator=(const LDIF_LineSource&) = delete;
+    virtual ~LDIF_LineSource() = default;
+
+    // Whether there is something to read: false once a read has met the end.
+    virtual bool good() const = 0;
+    // Throws LDIF_Exception (162) for text that the locale cannot convert.
+    virtual const LDIF_PhysicalLine& read() = 0;
+    // Takes the last line back, so that it is read once more, unless it was what the end of the text left: nothing.
+    virtual void unread() = 0;
+
+protected:
+    explicit LDIF_LineSource(bool holdsReturns) : mayHoldReturns(holdsReturns) {}
+    // Makes a line of the bytes between two line ends, which the line borrows or, where they change, has stored.
+    void set(LDIF_PhysicalLine& line, std::string_view bytes);
+
+private:
+    const bool mayHoldReturns;
+    std::string stored;
+};
+
+// The lines of a text in memory, which it borrows. A line that is taken back is not looked at again.
+class LDIF_TextSource final : public LDIF_LineSource {
+public:
+    explicit LDIF_TextSource(std::string_view wholeText);
+    bool good() const override { return !metEnd || pending; }
+    const LDIF_PhysicalLine& read() override;
+    void unread() override { pending = !leftNothing; }
+
+private:
+    std::string_view text;
+    std::size_t position = 0;
+    LDIF_PhysicalLine line;
+    bool metEnd = false;
+    bool leftNothing = false;
+    bool pending = false;
+};
+
+// The lines of a stream in binary mode that can be positioned.
+class LDIF_StreamSource final : public LDIF_LineSource {
+public:
+    explicit LDIF_StreamSource(std::istream& stream) : LDIF_LineSource(true), in(stream) {}
+    bool good() const override;
+    const LDIF_PhysicalLine& read() override;
+    void unread() override;
+
+private:
+    std::istream& in;
+    std::streamoff start = 0;  // of the last line
+    std::string bytes;
+    LDIF_PhysicalLine line;
+};
+
+// Removes every carriage return.
+void w_stripCarriageReturn(std::wstring& text);
+
+#endif
