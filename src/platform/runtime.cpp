@@ -38,6 +38,33 @@ bool convertsAscii() noexcept
     return true;
 }
 
+std::size_t foldingNumber() noexcept
+{
+    std::size_t number = 0;
+    for (int byte = asciiEnd; byte < 2 * asciiEnd; ++byte)
+        number = number * 31 + static_cast<std::size_t>(std::tolower(byte));
+    return number;
+}
+
+// What is known of the encoding of the current locale. Locales of one encoding fold its bytes beyond ASCII alike.
+struct Encoding {
+    char name[32];
+    bool hasAscii;
+    std::size_t folding;
+};
+
+// Asked for with each text, so the answer is kept as long as the encoding stays the same.
+const Encoding& currentEncoding() noexcept
+{
+    static Encoding last = {"", false, 0};
+    const char* const name = nl_langinfo(CODESET);
+    if (!isSameText(name, last.name)) {
+        last = {"", convertsAscii(), foldingNumber()};
+        std::strncat(last.name, name, sizeof last.name - 1);
+    }
+    return last;
+}
+
 }  // namespace
 
 unsigned char foldCase(char character) noexcept
@@ -51,27 +78,12 @@ unsigned char foldCase(char character) noexcept
 
 std::size_t caseFolding() noexcept
 {
-    std::size_t number = 0;
-    for (int byte = asciiEnd; byte < 2 * asciiEnd; ++byte)
-        number = number * 31 + static_cast<std::size_t>(std::tolower(byte));
-    return number;
+    return currentEncoding().folding;
 }
 
-// Asked for each text, so the answer is kept as long as the encoding stays the same.
 bool localeHasAscii() noexcept
 {
-    struct Answer {
-        char codeset[32];
-        bool hasAscii;
-    };
-    static Answer last = {"", false};
-    const char* const codeset = nl_langinfo(CODESET);
-    if (!isSameText(codeset, last.codeset)) {
-        last.hasAscii = convertsAscii();
-        last.codeset[0] = '\0';
-        std::strncat(last.codeset, codeset, sizeof last.codeset - 1);
-    }
-    return last.hasAscii;
+    return currentEncoding().hasAscii;
 }
 
 int _stricmp(const char* left, const char* right) noexcept

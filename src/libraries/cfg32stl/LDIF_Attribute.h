@@ -61,6 +61,7 @@ public:
 
     // The attribute of that name, or the end: data() + size().
     LDIF_Attribute* find(const cisString& name);
+    const LDIF_Attribute* find(const cisString& name) const { return const_cast<LDIF_Attributes*>(this)->find(name); }
 
 private:
     iterator placeOf(const std::string& name);

@@ -13,6 +13,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <vector>
 
 // The configuration file as a tree of entries. An object that is made holds a loaded file, and nothing stays open.
 //
@@ -49,9 +50,13 @@ public:
     // Removes an entry. 32 without the entry, 66 for one with children unless deleteNonLeaves is set.
     void erase(const LDIF_DN& dn, bool deleteNonLeaves);
 
-    // The entries that match, as copies. Throws LDIF_Exception (32) without the base entry.
+    // The entries that match, as copies, or where they stand in the tree, until that changes. Both throw LDIF_Exception
+    // (32) without the base entry.
     LDIF_Search_Results search(const LDIF_DN& base, const LDIF_Search_Results::Scope& scope, const LDIF_Filter& filter,
                                const LDIF_AttrFilter& attrs, bool attrsOnly);
+
+    std::vector<const LDIF_Entry*> findEntries(const LDIF_DN& base, LDIF_Search_Results::Scope scope,
+                                               const LDIF_Filter& filter);
 
     // Checks a login against the entry cn=Configuration; a refused one is noAccess. Null and null is anonymous. Throws
     // LDIF_Exception (32) without that entry, and for a name or password that its syntax refuses.

@@ -1,5 +1,6 @@
 #include "LDIF_Search.h"
 
+#include "LDIF_AttrType.h"
 #include "LDIF_Exception.h"
 #include "LDIF_File.h"
 #include "LDIF_Util.h"
@@ -18,6 +19,44 @@ void write(std::ostream& stream, const LDIF_Attribute& attribute, bool nameOnly)
     for (const LDIF_Value& value : attribute.values)
         stream << attribute.name << ": " << value << std::endl;
 }
+
+// The walk of a search. Gives each entry that is found to take.
+template <typename Take>
+class Walk {
+public:
+    Walk(LDIF_Search_Results::Scope reach, const LDIF_Filter& test, Take taker)
+        : scope(reach), filter(test), take(taker)
+    {
+    }
+
+    // A failure gets a link for each entry on the way up.
+    void visit(const LDIF_Entry& entry, bool isBase)
+    {
+        try {
+            visitEntry(entry, isBase);
+        } catch (...) {
+            wrapAndThrow("System error in LDIF_Search_Results::addEntry()",
+                         [&](LDIF_Exception& failure) { failure.entryDn = printable(entry.dn); });
+        }
+    }
+
+private:
+    // The base of a one-level search is tested, though it is no result, and its test may fail.
+    void visitEntry(const LDIF_Entry& entry, bool isBase)
+    {
+        const bool matches = filter.match(entry);
+        if (matches && !(isBase && scope == LDIF_Search_Results::oneLevel))
+            take(entry);
+        if (scope == LDIF_Search_Results::base || (scope == LDIF_Search_Results::oneLevel && !isBase))
+            return;
+        for (const LDIF_Entry& child : entry.children)
+            visit(child, false);
+    }
+
+    const LDIF_Search_Results::Scope scope;
+    const LDIF_Filter& filter;
+    Take take;
+};
 
 }  // namespace
 
@@ -69,14 +108,36 @@ void LDIF_Filter::readValue(const std::string& text)
 
 bool LDIF_Filter::match(const LDIF_Entry& entry) const
 {
-    const auto& attributes = entry.attributes;
-    const auto found = std::find(attributes.begin(), attributes.end(), attr);
-    if (found == attributes.end())
+    const LDIF_Attribute* const found = find(entry.attributes);
+    if (found == nullptr || anyValue)
+        return found != nullptr;
+    if (found->values.empty())
         return false;
-    if (anyValue)
-        return true;
-    const LDIF_Values& values = found->values;
-    return values.find(value) != values.data() + values.size();
+    auto& wanted = memory->value;
+    if (wanted == nullptr)
+        wanted = std::make_unique<LDIF_Value>(found->values.attrType, value);
+    return found->values.contains(*wanted);
+}
+
+// A type with a name belongs to one name.
+bool LDIF_Filter::isWanted(const LDIF_Attribute& attribute) const
+{
+    if (memory->type->name != nullptr)
+        return attribute.values.attrType == memory->type;
+    return attribute.name == attr;
+}
+
+const LDIF_Attribute* LDIF_Filter::find(const LDIF_Attributes& attributes) const
+{
+    if (memory->type == nullptr)
+        memory->type = getAttrType(attr.c_str());
+    if (memory->place < attributes.size() && isWanted(attributes[memory->place]))
+        return &attributes[memory->place];
+    const LDIF_Attribute* const found = attributes.find(attr);
+    if (found == attributes.data() + attributes.size())
+        return nullptr;
+    memory->place = static_cast<std::size_t>(found - attributes.data());
+    return found;
 }
 
 LDIF_Search_Results::LDIF_Search_Results(const Scope& reach, const LDIF_Filter& test, const LDIF_AttrFilter& selection,
@@ -91,38 +152,31 @@ LDIF_Search_Results& LDIF_Search_Results::operator+=(const LDIF_Entry& entry)
 
 LDIF_Search_Results& LDIF_Search_Results::addEntry(const LDIF_Entry& entry, const bool& isBase)
 {
-    try {
-        visit(entry, isBase);
-    } catch (...) {
-        wrapAndThrow("System error in LDIF_Search_Results::addEntry()",
-                     [&](LDIF_Exception& failure) { failure.entryDn = printable(entry.dn); });
-    }
+    Walk walk(scope, filter, [this](const LDIF_Entry& found) { take(found); });
+    walk.visit(entry, isBase);
     return *this;
 }
 
-// The base of a one-level search is tested, though it is no result, and its test may fail.
-void LDIF_Search_Results::visit(const LDIF_Entry& entry, bool isBase)
-{
-    const bool matches = filter.match(entry);
-    if (matches && !(isBase && scope == oneLevel))
-        push_back(selected(entry));
-    if (scope == base || (scope == oneLevel && !isBase))
-        return;
-    for (const LDIF_Entry& child : entry.children)
-        addEntry(child, false);
-}
-
-LDIF_Entry LDIF_Search_Results::selected(const LDIF_Entry& entry) const
+void LDIF_Search_Results::take(const LDIF_Entry& entry)
 {
     LDIF_Entry copy;
     copy.name = entry.name;
     copy.dn = entry.dn;
     copy.relativeDn = entry.relativeDn;
     for (const LDIF_Attribute& attribute : entry.attributes) {
-        if (attrFilter.empty() || attrFilter.count(attribute.name) != 0)
+        if (attrFilter.selects(attribute))
             copy += attribute;
     }
-    return copy;
+    push_back(std::move(copy));
+}
+
+std::vector<const LDIF_Entry*> findMatches(const LDIF_Entry& base, LDIF_Search_Results::Scope scope,
+                                           const LDIF_Filter& filter)
+{
+    std::vector<const LDIF_Entry*> matches;
+    Walk walk(scope, filter, [&](const LDIF_Entry& found) { matches.push_back(&found); });
+    walk.visit(base, true);
+    return matches;
 }
 
 std::ostream& operator<<(std::ostream& stream, const LDIF_Search_Results& results)
@@ -136,18 +190,25 @@ std::ostream& operator<<(std::ostream& stream, const LDIF_Search_Results& result
     return stream;
 }
 
-LDIF_Search_Results LDIF_File::search(const LDIF_DN& base, const LDIF_Search_Results::Scope& scope,
-                                      const LDIF_Filter& filter, const LDIF_AttrFilter& attrs, bool attrsOnly)
+std::vector<const LDIF_Entry*> LDIF_File::findEntries(const LDIF_DN& base, LDIF_Search_Results::Scope scope,
+                                                      const LDIF_Filter& filter)
 try {
-    LDIF_Search_Results results(scope, filter, attrs, attrsOnly);
     const LDIF_Entry* const entry = root.find(base);
     if (entry == nullptr)
         throw LDIF_Exception(LDAP_NO_SUCH_OBJECT, LDAP_NO_SUCH_OBJECT, "Base entry not found");
-    results += *entry;
-    return results;
+    return findMatches(*entry, scope, filter);
 } catch (...) {
     wrapAndThrow("System error in LDIF_File::search()", [&](LDIF_Exception& failure) {
         failure.entryDn = printable(base);
         failure.configFile = fileName;
     });
+}
+
+LDIF_Search_Results LDIF_File::search(const LDIF_DN& base, const LDIF_Search_Results::Scope& scope,
+                                      const LDIF_Filter& filter, const LDIF_AttrFilter& attrs, bool attrsOnly)
+{
+    LDIF_Search_Results results(scope, filter, attrs, attrsOnly);
+    for (const LDIF_Entry* entry : findEntries(base, scope, filter))
+        results.take(*entry);
+    return results;
 }

@@ -6,6 +6,7 @@
 #include "cisString.h"
 
 #include <iosfwd>
+#include <memory>
 #include <set>
 #include <string>
 #include <vector>
@@ -28,11 +29,25 @@ public:
     virtual bool match(const LDIF_Entry& entry) const;
 
 private:
+    // What one entry's test leaves for the next: entries of one kind are alike, and so are the values of one type.
+    struct Memory {
+        std::size_t place = 0;  // of the attribute, in the entry before
+        std::unique_ptr<LDIF_Value> value;
+        const _AttrType* type = nullptr;  // of the attribute
+    };
+
     void readValue(const std::string& text);
+    const LDIF_Attribute* find(const LDIF_Attributes& attributes) const;
+    bool isWanted(const LDIF_Attribute& attribute) const;
+
+    mutable LDIF_Aid<Memory> memory;
 };
 
 // The names of the attributes wanted; none means all.
-class LDIF_AttrFilter : public std::set<cisString> {};
+class LDIF_AttrFilter : public std::set<cisString> {
+public:
+    bool selects(const LDIF_Attribute& attribute) const { return empty() || count(attribute.name) != 0; }
+};
 
 // The entries that a search has found, in preorder, as copies without comment and children. Adding an entry searches
 // it and, as far as the scope says, what lies below.
@@ -50,14 +65,16 @@ public:
     // entry is the base of the search. Throws LDIF_Exception for a value that an attribute's syntax refuses, with a
     // link and entryDn for each entry on the way down.
     LDIF_Search_Results& operator+=(const LDIF_Entry& entry);
+    // Adds a copy of an entry that is found.
+    void take(const LDIF_Entry& entry);
 
 protected:
     LDIF_Search_Results& addEntry(const LDIF_Entry& entry, const bool& isBase);
-
-private:
-    void visit(const LDIF_Entry& entry, bool isBase);
-    LDIF_Entry selected(const LDIF_Entry& entry) const;
 };
+
+// The entries that a search from base finds, in preorder, where they stand in the tree. Throws as += above does.
+std::vector<const LDIF_Entry*> findMatches(const LDIF_Entry& base, LDIF_Search_Results::Scope scope,
+                                           const LDIF_Filter& filter);
 
 // The number of entries, then each entry as text, without values when only names are wanted.
 std::ostream& operator<<(std::ostream& stream, const LDIF_Search_Results& results);

@@ -45,7 +45,9 @@ void StringSyntaxNotImplemented(const char* syntax, const _AttrType* attrType, c
 
 int cesCompare(const LDIF_Value& left, const LDIF_Value& right)
 {
-    return left.str().compare(right.str());
+    std::string leftBuffer;
+    std::string rightBuffer;
+    return left.text(leftBuffer).compare(right.text(rightBuffer));
 }
 
 // A maximum below the minimum counts as no limit.
@@ -85,8 +87,10 @@ void* cesToBin(const LDIF_Value& value, int& length)
 
 int cisCompare(const LDIF_Value& left, const LDIF_Value& right)
 {
-    const std::string leftText = left.str();
-    const std::string rightText = right.str();
+    std::string leftBuffer;
+    std::string rightBuffer;
+    const std::string& leftText = left.text(leftBuffer);
+    const std::string& rightText = right.text(rightBuffer);
     if (leftText.empty() || rightText.empty())
         return static_cast<int>(!leftText.empty()) - static_cast<int>(!rightText.empty());
     return _stricmp(leftText.c_str(), rightText.c_str());

@@ -125,13 +125,9 @@ std::string LDIF_Value::str() const
     return attrType->toStr(*this);
 }
 
-// Every syntax of the library gives its text form as it stands.
-void LDIF_Value::appendTo(std::string& out) const
+const std::string& LDIF_Value::text(std::string& buffer) const
 {
-    if (attrType != nullptr && attrType->toStr == cesToStr)
-        out += stringValue;
-    else
-        out += str();
+    return attrType != nullptr && attrType->toStr == cesToStr ? stringValue : buffer = str();
 }
 
 int LDIF_Value::compare(const LDIF_Value& other) const
@@ -146,6 +142,14 @@ int LDIF_Value::compare(const std::string& text) const
     if (attrType == nullptr || attrType->match == nullptr)
         throw internalFailure("Invalid LDIF_Value detected: attrType->match == NULL");
     return attrType->match(*this, LDIF_Value(attrType, text));
+}
+
+bool LDIF_Value::equals(const LDIF_Value& other) const
+{
+    if (attrType == other.attrType && attrType != nullptr && attrType->match == cesCompare &&
+        attrType->toStr == cesToStr)
+        return stringValue == other.stringValue;
+    return compare(other) == 0;
 }
 
 std::ostream& operator<<(std::ostream& stream, const LDIF_Value& value)

@@ -59,11 +59,9 @@ std::string LDIF_Values::str() const
 
 void LDIF_Values::appendTo(std::string& out) const
 {
-    for (const LDIF_Value& value : *this) {
-        out.append(attrName).append(": ");
-        value.appendTo(out);
-        out += '\n';
-    }
+    std::string buffer;
+    for (const LDIF_Value& value : *this)
+        out.append(attrName).append(": ", 2).append(value.text(buffer)) += '\n';
 }
 
 LDIF_Values& LDIF_Values::operator+=(const std::string& text)
@@ -131,7 +129,7 @@ const LDIF_Value* LDIF_Values::findEqual(const LDIF_Value& value) const
         const std::size_t found = findByHash(value);
         return data() + (found != LDIF_HashIndex::npos ? found : size());
     }
-    return std::find_if(data(), data() + size(), [&](const LDIF_Value& each) { return each.compare(value) == 0; });
+    return std::find_if(data(), data() + size(), [&](const LDIF_Value& each) { return each.equals(value); });
 }
 
 // The index takes in what the list has got since the last call.
@@ -144,5 +142,5 @@ std::size_t LDIF_Values::findByHash(const LDIF_Value& value) const
     LDIF_HashIndex& positions = (*index)->positions;
     while (positions.size() < size())
         positions.add(hashOf((*this)[positions.size()]), positions.size());
-    return positions.find(hashOf(value), [&](std::size_t at) { return (*this)[at].compare(value) == 0; });
+    return positions.find(hashOf(value), [&](std::size_t at) { return (*this)[at].equals(value); });
 }

@@ -41,6 +41,8 @@ public:
     // The value equal to text, or the end: data() + size(). An empty list takes any text.
     const LDIF_Value* find(const std::string& text) const;
     LDIF_Value* find(const std::string& text);
+    // Whether a value equal to this one, of the same type, is there.
+    bool contains(const LDIF_Value& value) const { return findEqual(value) != data() + size(); }
 
 private:
     // Finds a value of a long list by its hash.

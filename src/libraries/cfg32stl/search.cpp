@@ -6,6 +6,7 @@
 
 #include <cstdlib>
 #include <memory>
+#include <vector>
 
 namespace {
 
@@ -48,22 +49,22 @@ private:
 // Turns the entries that a search has found into the records of a result.
 class ChainBuilder {
 public:
-    explicit ChainBuilder(const LDIF_File& file)
-        : isDecoding(file.getAuthentication() != LDIF_File::noAccess),
+    ChainBuilder(const LDIF_File& file, const LDIF_AttrFilter& wanted)
+        : selection(wanted), isDecoding(file.getAuthentication() != LDIF_File::noAccess),
           passwordMatch(getAttrType("zeb-slapdAdminPW")->match)
     {}
 
-    Chain build(const LDIF_Search_Results& found) const
+    Chain build(const std::vector<const LDIF_Entry*>& found) const
     {
         CFGMessage* first = nullptr;
         RecordList list(first, CFG_MSG_ENTRY);
         Chain chain;
-        for (const LDIF_Entry& entry : found) {
+        for (const LDIF_Entry* entry : found) {
             CFGMessage& record = list.append();
             if (chain == nullptr)
                 chain.reset(first);
-            record.text = copyText(entry.dn.str());
-            addAttributes(record, entry);
+            record.text = copyText(entry->dn.str());
+            addAttributes(record, *entry);
         }
         return chain;
     }
@@ -73,6 +74,8 @@ private:
     {
         RecordList list(parent.child, CFG_MSG_ATTRIBUTE);
         for (const LDIF_Attribute& attribute : entry.attributes) {
+            if (!selection.selects(attribute))
+                continue;
             CFGMessage& record = list.append();
             record.text = copyText(attribute.name);
             addValues(record, entry, attribute);
@@ -84,9 +87,10 @@ private:
         const _AttrType* const type = attribute.values.attrType;
         const bool isPassword = isDecoding && type != nullptr && type->match == passwordMatch;
         RecordList list(parent.child, CFG_MSG_VALUE);
+        std::string buffer;
         for (const LDIF_Value& value : attribute.values) {
             CFGMessage& record = list.append();
-            record.text = isPassword ? decoded(value, entry, attribute) : copyText(value.str());
+            record.text = isPassword ? decoded(value, entry, attribute) : copyText(value.text(buffer));
         }
     }
 
@@ -105,15 +109,16 @@ private:
         throw failure;
     }
 
+    const LDIF_AttrFilter& selection;
     const bool isDecoding;
     const decltype(_AttrType::match) passwordMatch;
 };
 
 // Whatever but an LDIF_Exception happens while the chain is built counts as exhausted memory.
-int buildChain(const LDIF_File& file, const LDIF_Search_Results& found, CFGMessage*& result)
+int buildChain(const ChainBuilder& builder, const std::vector<const LDIF_Entry*>& found, CFGMessage*& result)
 {
     try {
-        result = ChainBuilder(file).build(found).release();
+        result = builder.build(found).release();
         return LDAP_SUCCESS;
     } catch (const LDIF_Exception&) {
         throw;
@@ -139,7 +144,7 @@ LDIF_AttrFilter selectionOf(char** names)
 
 }  // namespace
 
-int cfg_search_s(CFG* cfg, const char* base, int scope, const char* filter, char** attrs, int attrsonly,
+int cfg_search_s(CFG* cfg, const char* base, int scope, const char* filter, char** attrs, int /*attrsonly*/,
                  CFGMessage** result)
 {
     if (cfg_reset(cfg) != 0)
@@ -152,7 +157,8 @@ int cfg_search_s(CFG* cfg, const char* base, int scope, const char* filter, char
         file.refresh();
         const LDIF_DN dn = dnOf(base);
         const LDIF_Filter test{std::string(requireText(filter))};
-        return buildChain(file, file.search(dn, scopeOf(scope), test, selectionOf(attrs), attrsonly != 0), *result);
+        const LDIF_AttrFilter selection = selectionOf(attrs);
+        return buildChain(ChainBuilder(file, selection), file.findEntries(dn, scopeOf(scope), test), *result);
     };
     return framed(*cfg, "System error in cfg_search_s()", run, SourcePos::here());
 }
