@@ -115,8 +115,7 @@ TEST(Platform, HasARegistryOfFiles)
     using Row = std::tuple<const char*, DWORD, LONG, DWORD>;
     for (auto [name, size, result, left] :
          {Row{"one", 5, 234, 6}, {"one", 6, 0, 6}, {"gone", 9, 2, 9}, {"folder", 9, 5, 9}})
-        EXPECT_TRUE(RegQueryValueExA(key, name, nullptr, nullptr, data, &size) == result && size == left)
-            << name << size;
+        EXPECT_TRUE(RegQueryValueExA(key, name, nullptr, nullptr, data, &size) == result && size == left) << name;
     EXPECT_TRUE(RegCloseKey(key) == 0 && reinterpret_cast<char*>(data) == std::string("/opt\n"));
 }
 

@@ -107,9 +107,7 @@ TEST(Value, HoldsWhatItsSyntaxMakesOfTheText)
         {"ReadOnly", "21/1017 value not one of attrType.enumValues [2]", {"", " true", "tru", "truee"}},
         {"Port", "7", {"  +007\t", "(7)", "( 7 )", "+0000000000000000000000000000007"}},
         {"Port", badRange, {"0", "65536", "-1", "4294967297", "99999999999"}},
-        {"Port",
-         "21/1016 Value is not valid integer syntax [2]",
-         {"", "()", "+", "+-5", "- 5", "0x10", "12a", "\u0665"}},
+        {"Port", "21/1016 Value is not valid integer syntax [2]", {"", "()", "+", "+-5", "- 5", "0x10", "\u0665"}},
         {"SizeLimit", badRange, {"-1", "2147483648"}},
         {"SslCipherSpecs", "", {"0", "256", "16128"}},
         {"SslCipherSpecs", "21/1019 Bits in value are not within bitmask constraint [2]", {"255", "16384", "-1"}},
@@ -142,10 +140,12 @@ TEST(Value, SharesNothingWithItsCopiesAndCopiesNothingBroken)
     number.binaryValue.reset();
     number.binaryLength = 4;
     EXPECT_EQ(outcomeOf(copied), "80/1000 Invalid LDIF_Value detected: binaryLength != 0 [1]");
+    EXPECT_EQ(failureOf(copied)->attribute + failureOf(copied)->value, "zeb-slapdPort7");
     number = dn;
     dn.dnValue.reset();  // as a copy without memory leaves it
     EXPECT_TRUE(sameDn.compare(dn) == 0 && number.compare("CN=a,O=c") == 0 && number.binaryLength == 0);
     number = sameNumber;
+    EXPECT_TRUE(slapdValue("Version", "").compare("a") == -1 && slapdValue("Version", "a").compare("") == 1);
     EXPECT_TRUE(number.compare("07") == 0 && sameNumber.compare(number) == 0 && number.dnValue == nullptr);
 }
 
@@ -191,6 +191,8 @@ TEST(Password, IsComparedInClearAndDecodedOnlyAsItWasEncoded)
         EXPECT_TRUE(encodePassword(clear, text) == 0 && encodePassword(clear, again) == 0 && text != again) << text;
         EXPECT_TRUE(decodePassword(text, decoded) == 0 && decoded.get() == clear) << text;
         EXPECT_TRUE(text.size() <= 200 && text[0] == '>' && text.back() == '<' && text.find(' ') == text.npos) << text;
+        const std::string stray = text.substr(0, text.size() - 2) + char(text[text.size() - 2] + 1) + '<';
+        EXPECT_EQ(decodePassword(stray, decoded), PWCODEC_FORMAT) << "bits that no byte holds: " << stray;
         for (std::size_t at = 0; at + 2 < text.size(); ++at) {
             EXPECT_EQ(decodePassword(text.substr(0, at), decoded), PWCODEC_FORMAT) << at;
             again = text.substr(0, at) + (text[at] == 'A' ? 'B' : 'A') + text.substr(at + 1);

@@ -89,6 +89,18 @@ std::size_t caseFolding() noexcept;
 // Whether the ASCII characters are the same bytes in narrow text and the same units in wide text, in this locale.
 bool localeHasAscii() noexcept;
 
+// A region of memory that begins at a multiple of its size, a power of two; isLarge asks for large pages. Null when
+// memory is exhausted.
+void* allocateRegion(std::size_t size, bool isLarge) noexcept;
+void releaseRegion(void* region) noexcept;
+
+// Whether the build checks each block of memory, so that none may be handed out as a part of another.
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool checksMemory = true;
+#else
+constexpr bool checksMemory = false;
+#endif
+
 // Reads a whole file, byte for byte. False when it cannot be opened or read, or is no regular file; never waits.
 bool readFile(const std::string& name, std::string& content);
 

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <langinfo.h>
+#include <sys/mman.h>
 
 namespace {
 
@@ -98,6 +99,19 @@ int _stricmp(const char* left, const char* right) noexcept
         if (difference != 0)
             return difference;
     }
+}
+
+void* allocateRegion(std::size_t size, bool isLarge) noexcept
+{
+    void* const region = std::aligned_alloc(size, size);
+    if (region != nullptr && isLarge)
+        (void)madvise(region, size, MADV_HUGEPAGE);
+    return region;
+}
+
+void releaseRegion(void* region) noexcept
+{
+    std::free(region);
 }
 
 char* _strdup(const char* text) noexcept

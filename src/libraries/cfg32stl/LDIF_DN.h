@@ -2,6 +2,7 @@
 #ifndef LDIF_DN_H
 #define LDIF_DN_H
 
+#include "LDIF_Pool.h"
 #include "LDIF_RDN.h"
 
 #include <iosfwd>
@@ -11,8 +12,11 @@
 // A distinguished name, held from the root outwards: index 0 is the rightmost RDN as written. A plain value: copies
 // share nothing. The empty DN is the root. Departures from RFC 4514: ";" separates like ",", white space and
 // parentheses around the parts are dropped, and case never counts in a comparison.
-class LDIF_DN final : public std::vector<LDIF_RDN> {
+class LDIF_DN final : public std::vector<LDIF_RDN, LDIF_PoolAllocator<LDIF_RDN>> {
 public:
+    static void* operator new(std::size_t size) { return LDIF_Pool::allocate(size); }
+    static void operator delete(void* dn, std::size_t size) noexcept { LDIF_Pool::release(dn, size); }
+
     LDIF_DN() = default;
     // Parses the string form. Throws LDIF_Exception (34) with the whole text in value.
     explicit LDIF_DN(const cisString& text);

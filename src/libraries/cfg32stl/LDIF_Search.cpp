@@ -129,14 +129,13 @@ bool LDIF_Filter::isWanted(const LDIF_Attribute& attribute) const
 
 const LDIF_Attribute* LDIF_Filter::find(const LDIF_Attributes& attributes) const
 {
-    if (memory->type == nullptr)
-        memory->type = getAttrType(attr.c_str());
-    if (memory->place < attributes.size() && isWanted(attributes[memory->place]))
+    if (memory->type != nullptr && memory->place < attributes.size() && isWanted(attributes[memory->place]))
         return &attributes[memory->place];
     const LDIF_Attribute* const found = attributes.find(attr);
     if (found == attributes.data() + attributes.size())
         return nullptr;
     memory->place = static_cast<std::size_t>(found - attributes.data());
+    memory->type = found->values.attrType;
     return found;
 }
 

@@ -42,7 +42,7 @@ private:
     std::vector<Number> deepestFirst() const;
 
     LDIF_Entry& root;
-    std::deque<LDIF_Entry> entries;  // in order of arrival
+    std::deque<LDIF_Entry, LDIF_PoolAllocator<LDIF_Entry>> entries;  // in order of arrival
     std::vector<Number> parents;     // by entry: the node above it, in the end that of its parent in the tree
     std::vector<Number> places;      // by entry: its place among the children of its parent
     std::vector<Node> nodes;

@@ -46,12 +46,19 @@ private:
     const int type;
 };
 
+// All password attributes, and no other, have this function.
+decltype(_AttrType::match) matchOfPasswords()
+{
+    static const _AttrType* const type = getAttrType("zeb-slapdAdminPW");
+    return type->match;
+}
+
 // Turns the entries that a search has found into the records of a result.
 class ChainBuilder {
 public:
     ChainBuilder(const LDIF_File& file, const LDIF_AttrFilter& wanted)
         : selection(wanted), isDecoding(file.getAuthentication() != LDIF_File::noAccess),
-          passwordMatch(getAttrType("zeb-slapdAdminPW")->match)
+          passwordMatch(matchOfPasswords())
     {}
 
     Chain build(const std::vector<const LDIF_Entry*>& found) const
