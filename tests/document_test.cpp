@@ -79,8 +79,7 @@ TEST_F(Document, LineReaderSplitsTextIntoLogicalLines)
     EXPECT_EQ(linesOf(std::string("a: b\0c\nd: e", 11)), "1A a|b;2A d|e;2");
 }
 
-// A file that is repaired is written back by the load. A further write, and a load and write, change nothing but the
-// blank behind a line that had no colon.
+// A load writes a repaired file back; the next one drops the blank behind a line that had no colon.
 TEST_F(Document, LoadAndWriteGiveTheCanonicalFile)
 {
     const std::string bad = a + invalid + ": zeb-slapdAdminDN: cn\n" + invalid + ": garbage:";

@@ -46,9 +46,10 @@ TEST(Search, ScopeFilterAndSelectionDecideTheResults)
         {"cn=no", Results::base, "", "x", false, "32/32 cn=no;;"},
     };
     const TempDirectory directory;
-    writeText(directory / "f",
-              "dn: o=a\nobjectclass: top\nzeb-slapdWorkers: 1\n\ndn: ou=b, o=a\n\n# c\ndn: cn=c, ou=b, o=a\n"
-              "x: C\nzeb-slapdWorkers: 1\nzeb-slapdPort: 1\n\ndn: ou=d, o=a\nOBJECTCLASS: d\nou: d\nou: e\n");
+    writeText(
+        directory / "f",
+        "dn: o=a\nobjectclass: top\nzeb-slapdWorkers: 1\n\ndn: ou=b, o=a\n\n# c\ndn: cn=c, ou=b, o=a\n"
+        "OBJECTCLASS: c\nx: C\nzeb-slapdWorkers: 1\nzeb-slapdPort: 1\n\ndn: ou=d, o=a\nobjectclass: d\nou: d\nou: e\n");
     LDIF_File file(directory / "f", "");
     for (const auto& [base, scope, filter, selected, namesOnly, expected] : cases) {
         std::ostringstream found;

@@ -57,6 +57,7 @@ bool LDIF_File::refresh()
     readStatus(status);
     if (status.st_mtime == fileStat.st_mtime)
         return false;
+    renderer.clear();  // now, so that its text and the new one are not held at once
     std::string text;
     if (!readFile(fileName, text))
         throw fileFailure(CFG_CONNECT_ERROR, CFG_ERR_CONFIG_OPEN, "ifstream()", fileName);
@@ -72,7 +73,6 @@ void LDIF_File::readTree(std::string&& text, bool& needsRewrite)
 {
     comment.clear();
     root.clear();
-    renderer.clear();
     LDIF_Loader loader(root, comment);
     const auto addPosition = [&](LDIF_Exception& failure) {
         failure.configLine = loader.lineCount();

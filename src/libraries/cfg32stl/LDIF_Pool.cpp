@@ -61,7 +61,8 @@ bool hasRoom(const Slab& slab) noexcept
 
 void addRegion()
 {
-    char* const region = static_cast<char*>(allocateRegion(regionSize, regions > 0));
+    constexpr std::size_t smallTree = 8;  // regions: below, a large page would mostly stand empty
+    char* const region = static_cast<char*>(allocateRegion(regionSize, regions >= smallTree));
     if (region == nullptr)
         throw std::bad_alloc();
     ++regions;

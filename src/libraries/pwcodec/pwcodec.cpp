@@ -22,9 +22,11 @@ constexpr char base64url[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwx
 Bytes makeSalt()
 {
     std::random_device source;
-    Bytes salt;
-    while (salt.size() < saltSize)
-        salt += static_cast<unsigned char>(source());
+    Bytes salt(saltSize, 0);
+    for (std::size_t pos = 0; pos < saltSize; pos += sizeof(std::random_device::result_type)) {
+        const std::random_device::result_type number = source();
+        std::memcpy(&salt[pos], &number, sizeof number);
+    }
     return salt;
 }
 
