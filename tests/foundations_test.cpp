@@ -135,5 +135,7 @@ TEST(Platform, NamesReadsAndComparesFiles)
     std::filesystem::create_symlink("file", directory / "link");
     const auto same = [&](auto name, auto other) { return isSameFile(directory / name, directory / other); };
     EXPECT_TRUE(same("file", "./file") && same("link", "file") && same("link", "link"));
+    std::filesystem::create_hard_link(directory / "file", directory / "second");
+    EXPECT_TRUE(same("file", "./file") && !same("file", "second"));
     EXPECT_FALSE(same("file", "link") || same("file", "fifo") || same("file", "gone") || same("gone", "gone"));
 }

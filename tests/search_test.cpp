@@ -36,20 +36,19 @@ TEST(Search, ScopeFilterAndSelectionDecideTheResults)
     const std::tuple<const char*, Results::Scope, const char*, const char*, bool, const char*> cases[] = {
         {"O=A", Results::base, "", "x", false, "1 entry found.\n\ndn: o=a\n"},
         {"o=a", Results::base, "objectclass=Top=", "x", false, "0 entries found.\n"},
-        {"o=a", Results::oneLevel, "", "OU", false, "1 entry found.\n\ndn: ou=d, o=a\nou: d\nou: e\n"},
+        {"o=a", Results::oneLevel, "", "OU", false, "1 entry found.\n\ndn: ou=d, o=a\nou: d\n"},
         {"o=a", Results::subtree, "X=C", "ou", false, "1 entry found.\n\ndn: cn=c, ou=b, o=a\n"},
-        {"o=a", Results::subtree, "zeb-slapdWorkers=01", "x", true,
+        {"o=a", Results::subtree, "zeb-slapdQL3CP=01", "x", true,
          "2 entries found.\n\ndn: o=a\n\ndn: cn=c, ou=b, o=a\nx\n"},
         {"", Results::subtree, "version=01", "version", false, "1 entry found.\n\n: \nversion: 1\n"},
         {"o=a", Results::subtree, "zeb-slapdPort=x", "x", false, "21/1016 o=a;o=a;ou=b, o=a;cn=c, ou=b, o=a;;;"},
-        {"o=a", Results::oneLevel, "zeb-slapdWorkers=x", "x", false, "21/1016 o=a;o=a;;;"},
+        {"o=a", Results::oneLevel, "zeb-slapdQL3CP=x", "x", false, "21/1016 o=a;o=a;;;"},
         {"cn=no", Results::base, "", "x", false, "32/32 cn=no;;"},
     };
     const TempDirectory directory;
-    writeText(
-        directory / "f",
-        "dn: o=a\nobjectclass: top\nzeb-slapdWorkers: 1\n\ndn: ou=b, o=a\n\n# c\ndn: cn=c, ou=b, o=a\n"
-        "OBJECTCLASS: c\nx: C\nzeb-slapdWorkers: 1\nzeb-slapdPort: 1\n\ndn: ou=d, o=a\nobjectclass: d\nou: d\nou: e\n");
+    writeText(directory / "f",
+              "dn: o=a\nobjectclass: t\nzeb-slapdQL3CP: 1\n\ndn: ou=b, o=a\n\n# c\ndn: cn=c, ou=b, o=a\nx: C\n"
+              "OBJECTCLASS: c\nzeb-slapdQL3CP: 1\nzeb-slapdPort: 1\n\ndn: ou=d, o=a\nobjectclass: d\nou: d\n");
     LDIF_File file(directory / "f", "");
     for (const auto& [base, scope, filter, selected, namesOnly, expected] : cases) {
         std::ostringstream found;

@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <unistd.h>
+#include <utility>
 
 namespace {
 
@@ -26,6 +27,31 @@ private:
 int openFile(const std::string& name, int flags) noexcept
 {
     return ::open(name.c_str(), flags | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0666);
+}
+
+bool isSameInode(const FileStatus& left, const FileStatus& right) noexcept
+{
+    return left.st_dev == right.st_dev && left.st_ino == right.st_ino;
+}
+
+// The directory of a name, and its last part.
+std::pair<std::string, std::string> splitName(const std::string& name)
+{
+    const auto slash = name.find_last_of('/');
+    if (slash == std::string::npos)
+        return {".", name};
+    return {name.substr(0, slash + 1), name.substr(slash + 1)};
+}
+
+// Whether two names stand in the same directory under the same last part.
+bool isSamePlace(const std::string& name, const std::string& other)
+{
+    const auto [directory, last] = splitName(name);
+    const auto [otherDirectory, otherLast] = splitName(other);
+    FileStatus status = {};
+    FileStatus otherStatus = {};
+    return last == otherLast && ::stat(directory.c_str(), &status) == 0 &&
+           ::stat(otherDirectory.c_str(), &otherStatus) == 0 && isSameInode(status, otherStatus);
 }
 
 }  // namespace
@@ -73,6 +99,7 @@ void removeFile(const std::string& name) noexcept
     (void)::unlink(name.c_str());
 }
 
+// A second hard link is another entry: removing it leaves the file where it is.
 bool isSameFile(const std::string& name, const std::string& other)
 {
     FileStatus target = {};
@@ -81,8 +108,7 @@ bool isSameFile(const std::string& name, const std::string& other)
     if (::stat(name.c_str(), &target) != 0 || ::lstat(name.c_str(), &entry) != 0 ||
         ::lstat(other.c_str(), &otherEntry) != 0)
         return false;
-    const auto isOther = [&](const FileStatus& status) {
-        return status.st_dev == otherEntry.st_dev && status.st_ino == otherEntry.st_ino;
-    };
-    return isOther(target) || isOther(entry);
+    if (S_ISLNK(entry.st_mode) && isSameInode(target, otherEntry))
+        return true;
+    return isSameInode(entry, otherEntry) && (entry.st_nlink == 1 || isSamePlace(name, other));
 }

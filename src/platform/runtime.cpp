@@ -14,7 +14,8 @@ constexpr int asciiEnd = 0x80;
 constexpr std::array<unsigned char, asciiEnd> lowerAscii = [] {
     std::array<unsigned char, asciiEnd> table = {};
     for (int byte = 0; byte < asciiEnd; ++byte)
-        table[static_cast<std::size_t>(byte)] = static_cast<unsigned char>(byte >= 'A' && byte <= 'Z' ? byte + 32 : byte);
+        table[static_cast<std::size_t>(byte)] =
+            static_cast<unsigned char>(byte >= 'A' && byte <= 'Z' ? byte + 32 : byte);
     return table;
 }();
 

@@ -9,9 +9,10 @@ public:
     LDIF_Aid() = default;
     LDIF_Aid(const LDIF_Aid& /*other*/) noexcept {}
     LDIF_Aid(LDIF_Aid&& other) noexcept = default;
-    LDIF_Aid& operator=(const LDIF_Aid& /*other*/) noexcept
+    LDIF_Aid& operator=(const LDIF_Aid& other) noexcept
     {
-        held = T();
+        if (this != &other)
+            held = T();
         return *this;
     }
     LDIF_Aid& operator=(LDIF_Aid&& other) noexcept = default;

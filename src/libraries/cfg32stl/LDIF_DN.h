@@ -14,9 +14,6 @@
 // parentheses around the parts are dropped, and case never counts in a comparison.
 class LDIF_DN final : public std::vector<LDIF_RDN, LDIF_PoolAllocator<LDIF_RDN>> {
 public:
-    static void* operator new(std::size_t size) { return LDIF_Pool::allocate(size); }
-    static void operator delete(void* dn, std::size_t size) noexcept { LDIF_Pool::release(dn, size); }
-
     LDIF_DN() = default;
     // Parses the string form. Throws LDIF_Exception (34) with the whole text in value.
     explicit LDIF_DN(const cisString& text);

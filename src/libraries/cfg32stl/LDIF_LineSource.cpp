@@ -47,8 +47,7 @@ void LDIF_LineSource::set(LDIF_PhysicalLine& line, std::string_view bytes)
 
 LDIF_TextSource::LDIF_TextSource(std::string_view wholeText)
     : LDIF_LineSource(wholeText.find('\r') != std::string_view::npos), text(wholeText)
-{
-}
+{}
 
 const LDIF_PhysicalLine& LDIF_TextSource::read()
 {

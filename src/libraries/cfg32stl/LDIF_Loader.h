@@ -18,11 +18,11 @@ class LDIF_Loader {
 public:
     LDIF_Loader(LDIF_Entry& treeRoot, LDIF_Comment& waitingLines)
         : root(treeRoot), waiting(waitingLines), tree(treeRoot)
-    {
-    }
+    {}
 
-    // Reads the whole text of a file, and gives its memory back before the tree is built. Throws LDIF_Exception: 65 for an attribute that may not stand where it does, 34 for a DN that
-    // is none, 162 for text that the locale cannot convert. The tree then holds the entries before that line.
+    // Reads the whole text of a file, and gives its memory back before the tree is built. Throws LDIF_Exception: 65 for
+    // an attribute that may not stand where it does, 34 for a DN that is none, 162 for text that the locale cannot
+    // convert. The tree then holds the entries before that line.
     void load(std::string&& text);
 
     // Whether a line was changed to the quarantine attribute, so that the file should be written back.

@@ -51,7 +51,7 @@ char* bytesOf(Slab& slab) noexcept
 template <std::size_t alignment>
 Slab& aligned(void* block) noexcept
 {
-    return *reinterpret_cast<Slab*>(reinterpret_cast<std::uintptr_t>(block) & ~(alignment - 1));
+    return *reinterpret_cast<Slab*>(static_cast<char*>(block) - reinterpret_cast<std::uintptr_t>(block) % alignment);
 }
 
 bool hasRoom(const Slab& slab) noexcept
@@ -61,7 +61,7 @@ bool hasRoom(const Slab& slab) noexcept
 
 void addRegion()
 {
-    constexpr std::size_t smallTree = 8;  // regions: below, a large page would mostly stand empty
+    constexpr std::size_t smallTree = 2;  // regions: below, a large page would mostly stand empty
     char* const region = static_cast<char*>(allocateRegion(regionSize, regions >= smallTree));
     if (region == nullptr)
         throw std::bad_alloc();

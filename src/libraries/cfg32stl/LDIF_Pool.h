@@ -29,14 +29,21 @@ public:
     LDIF_PoolAllocator() = default;
     template <typename U>
     LDIF_PoolAllocator(const LDIF_PoolAllocator<U>& /*other*/) noexcept  // NOLINT(google-explicit-constructor)
-    {
-    }
+    {}
 
+    // NOLINTBEGIN(bugprone-sizeof-expression): T may be a pointer.
     T* allocate(std::size_t count) { return static_cast<T*>(LDIF_Pool::allocate(count * sizeof(T))); }
     void deallocate(T* array, std::size_t count) noexcept { LDIF_Pool::release(array, count * sizeof(T)); }
+    // NOLINTEND(bugprone-sizeof-expression)
 
-    friend bool operator==(const LDIF_PoolAllocator&, const LDIF_PoolAllocator&) noexcept { return true; }
-    friend bool operator!=(const LDIF_PoolAllocator&, const LDIF_PoolAllocator&) noexcept { return false; }
+    friend bool operator==(const LDIF_PoolAllocator& /*left*/, const LDIF_PoolAllocator& /*right*/) noexcept
+    {
+        return true;
+    }
+    friend bool operator!=(const LDIF_PoolAllocator& /*left*/, const LDIF_PoolAllocator& /*right*/) noexcept
+    {
+        return false;
+    }
 };
 
 #endif

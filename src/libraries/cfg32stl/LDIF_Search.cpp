@@ -26,8 +26,7 @@ class Walk {
 public:
     Walk(LDIF_Search_Results::Scope reach, const LDIF_Filter& test, Take taker)
         : scope(reach), filter(test), take(taker)
-    {
-    }
+    {}
 
     // A failure gets a link for each entry on the way up.
     void visit(const LDIF_Entry& entry, bool isBase)

@@ -43,8 +43,8 @@ private:
 
     LDIF_Entry& root;
     std::deque<LDIF_Entry, LDIF_PoolAllocator<LDIF_Entry>> entries;  // in order of arrival
-    std::vector<Number> parents;     // by entry: the node above it, in the end that of its parent in the tree
-    std::vector<Number> places;      // by entry: its place among the children of its parent
+    std::vector<Number> parents;  // by entry: the node above it, in the end that of its parent in the tree
+    std::vector<Number> places;   // by entry: its place among the children of its parent
     std::vector<Node> nodes;
     LDIF_HashIndex nodesByDn;
     std::vector<std::size_t> hashes;  // of the DN at hand: [n] is that of its n RDNs nearest the root

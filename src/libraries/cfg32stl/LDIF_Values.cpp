@@ -59,9 +59,10 @@ std::string LDIF_Values::str() const
 
 void LDIF_Values::appendTo(std::string& out) const
 {
+    const std::string start = attrName + ": ";
     std::string buffer;
     for (const LDIF_Value& value : *this)
-        out.append(attrName).append(": ", 2).append(value.text(buffer)) += '\n';
+        out.append(start).append(value.text(buffer)) += '\n';
 }
 
 LDIF_Values& LDIF_Values::operator+=(const std::string& text)
