@@ -35,12 +35,10 @@
 
 #include <ldap.h>
 
-#if defined(_WIN32) && defined(ZEBLDAPCFG_BUILD)
-#define ZEBLDAPCFG_API __declspec(dllexport)
-#elif defined(_WIN32)
-#define ZEBLDAPCFG_API __declspec(dllimport)
-#else
+#ifdef __GNUC__
 #define ZEBLDAPCFG_API __attribute__((visibility("default")))
+#else
+#define ZEBLDAPCFG_API /* the linker's list of names says what is exported */
 #endif
 
 #ifdef __cplusplus
@@ -156,10 +154,10 @@ ZEBLDAPCFG_API int cfg_unbind(CFG* cfg);
  * is LDAP_AUTH_SIMPLE. The load may rewrite the file, when it moves lines that it cannot understand into the
  * attribute zeb-slapdInvalidLine.
  *
- * 0; 49 without further details for a refused login; 32 when a login finds no cn=Configuration; 86 for another
- * method; 80 without a default file; 91 when the file cannot be found or read; 65 for an attribute outside an entry;
- * 34 for a bad DN; 162 for text that the locale cannot convert. After a failure a handle that was bound stays bound
- * to what it had.
+ * 0; 49 without further details for a refused login; 21 for a password of more than 46 bytes; 32 when a login finds no
+ * cn=Configuration; 86 for another method; 80 without a default file; 91 when the file cannot be found or read; 65 for
+ * an attribute outside an entry; 34 for a bad DN; 162 for text that the locale cannot convert; 50 when a repaired file
+ * cannot be written back. After a failure a handle that was bound stays bound to what it had.
  */
 ZEBLDAPCFG_API int cfg_bind_s(CFG* cfg, const char* dn, const char* password, int method);
 
@@ -312,9 +310,9 @@ ZEBLDAPCFG_API void cfg_memfree(void* memory);
 /*
  * Each update reads the file again if it has changed, applies the change, and writes the file back as a whole, after
  * moving the old one to the backup name if CFG_OPT_BACKUP_FILE was set at the bind. All give 0; 89 for a handle that
- * is not bound; 34 for a bad DN; 80 for a null dn; what a load gives (cfg_bind_s); 50 when the file cannot be moved
- * or opened for writing, and then the change stays in memory and reaches the file with the next successful write. A
- * disk that is full while the text is written is not noticed.
+ * is not bound; 34 for a bad DN; 80 for a null dn or mod_type; what a load gives (cfg_bind_s); 50 when the file cannot
+ * be moved or opened for writing, and then the change stays in memory and reaches the file with the next successful
+ * write. A disk that is full while the text is written is not noticed.
  *
  * An LDAPMod gives its values as texts, or with LDAP_MOD_BVALUES as berval records; of these the text up to the first
  * NUL byte counts and bv_len is not read. A value that its syntax refuses gives 21 or, for a DN, 34.

@@ -5,7 +5,7 @@
 #include <cerrno>
 #include <climits>
 #include <cstring>
-#include <new>
+#include <exception>
 #include <unistd.h>
 
 namespace {
@@ -52,7 +52,7 @@ try {
         return static_cast<DWORD>(path.size() + 1);
     std::memcpy(buffer, path.c_str(), path.size() + 1);
     return static_cast<DWORD>(path.size());
-} catch (const std::bad_alloc&) {
+} catch (const std::exception&) {
     setLastError(ERROR_NOT_ENOUGH_MEMORY);
     return 0;
 }

@@ -97,6 +97,8 @@ void releaseRegion(void* region) noexcept;
 // Whether the build checks each block of memory, so that none may be handed out as a part of another.
 #if defined(__SANITIZE_ADDRESS__)
 constexpr bool checksMemory = true;
+#elif defined(__has_feature)
+constexpr bool checksMemory = __has_feature(address_sanitizer);
 #else
 constexpr bool checksMemory = false;
 #endif

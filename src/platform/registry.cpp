@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <exception>
 #include <memory>
-#include <new>
 
 struct RegistryKey {
     std::string directory;
@@ -66,7 +66,7 @@ LONG queryValue(const RegistryKey& key, const char* name, unsigned char* data, D
 LONG RegOpenKeyExA(HKEY key, const char* subKey, DWORD /*options*/, DWORD /*access*/, HKEY* result)
 try {
     return key == HKEY_LOCAL_MACHINE ? openKey(subKey, result) : static_cast<LONG>(ERROR_INVALID_HANDLE);
-} catch (const std::bad_alloc&) {
+} catch (const std::exception&) {
     return ERROR_NOT_ENOUGH_MEMORY;
 }
 
@@ -74,7 +74,7 @@ LONG RegQueryValueExA(HKEY key, const char* name, DWORD* /*reserved*/, DWORD* /*
                       DWORD* size)
 try {
     return key != nullptr ? queryValue(*key, name, data, size) : static_cast<LONG>(ERROR_INVALID_HANDLE);
-} catch (const std::bad_alloc&) {
+} catch (const std::exception&) {
     return ERROR_NOT_ENOUGH_MEMORY;
 }
 

@@ -1,6 +1,7 @@
 #include "LDIF_Attribute.h"
 
 #include "LDIF_Exception.h"
+#include "LDIF_Util.h"
 
 #include <algorithm>
 
@@ -69,6 +70,11 @@ void LDIF_Attributes::appendTo(std::string& out) const
 // The first attribute that does not sort before name. Names mostly come in ascending order, so the end comes first.
 LDIF_Attributes::iterator LDIF_Attributes::placeOf(const std::string& name)
 {
+    if (!isPlain(name)) {  // its place depends on the locale, which may have changed
+        const auto present = std::find(begin(), end(), name);
+        if (present != end())
+            return present;
+    }
     if (empty() || back().compare(name) < 0)
         return end();
     return std::lower_bound(begin(), end(), name, [](const LDIF_Attribute& attribute, const std::string& wanted) {
@@ -99,8 +105,10 @@ void LDIF_Attributes::add(const LDIF_Line& line, LDIF_Comment& before)
         std::swap(place->comment, before);
         return;
     }
+    place->comment.lines.reserve(place->comment.lines.size() + before.lines.size());
     *place += line.value;
-    *place += before;
+    for (LDIF_Line& each : before.lines)
+        place->comment.lines.push_back(std::move(each));
     before.clear();
 }
 

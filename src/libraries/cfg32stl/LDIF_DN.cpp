@@ -6,6 +6,12 @@
 #include <algorithm>
 #include <ostream>
 
+namespace {
+
+constexpr LDIF_DN::size_type usualLevels = 3;
+
+}  // namespace
+
 LDIF_DN::LDIF_DN(const cisString& text)
 {
     *this = text;
@@ -18,7 +24,6 @@ LDIF_DN& LDIF_DN::operator=(const cisString& text)
     reader.skipEdges();
     if (reader.atEnd())
         return *this;
-    reserve(size() + 1 + static_cast<size_type>(std::count(text.begin(), text.end(), ',')));
     std::reverse(begin(), end());
     try {
         parse(reader);
@@ -33,6 +38,7 @@ LDIF_DN& LDIF_DN::operator=(const cisString& text)
 // DN = RDN *( ( "," / ";" ) RDN )
 void LDIF_DN::parse(LDIF_DnReader& reader)
 {
+    reserve(size() + usualLevels);
     emplace_back(reader);
     while (!reader.atEnd()) {
         reader.advance();

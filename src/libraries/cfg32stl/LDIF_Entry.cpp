@@ -5,6 +5,8 @@
 #include "zebldapcfg.h"
 
 #include <algorithm>
+#include <functional>
+#include <new>
 #include <ostream>
 
 namespace {
@@ -67,29 +69,63 @@ LDIF_Entry& LDIF_Entry::placeBelow(LDIF_Entry& child, Transfer transfer)
     const auto above = findChild(child.relativeDn, 0);
     if (above != children.end())
         return above->place(child, transfer);
-    children.reserve(children.size() < children.capacity() ? 0 : 2 * children.size() + 1);  // what follows cannot fail
+    if (children.size() == children.capacity())
+        children.reserve(2 * children.size() + 1);
     adoptInto(child);
-    children.push_back(transfer == Transfer::copy ? child : std::move(child));
-    if (*childIndex != nullptr)
-        (*childIndex)->add(children.back());
+    if (transfer == Transfer::copy)
+        children.push_back(child);
+    else
+        children.push_back(std::move(child));
+    indexLast();
     return *this;
 }
 
-// Moves the children that belong below child there.
+// Moves the children that belong below child there. Either all of them go, or memory is exhausted and none does.
 void LDIF_Entry::adoptInto(LDIF_Entry& child)
 {
     const ChildIndex* const known = index();
     if (known != nullptr && known->deepest <= child.relativeDn.size())
         return;
     const auto staysHere = [&](const LDIF_Entry& each) { return !isAtOrAbove(child.relativeDn, each.relativeDn); };
-    if (std::all_of(children.begin(), children.end(), staysHere))
+    const auto count = std::count_if(children.begin(), children.end(), std::not_fn(staysHere));
+    if (count == 0)
         return;
+    if (!child.children.empty())
+        return adoptOneByOne(child, staysHere);
+    child.children.reserve(static_cast<std::size_t>(count));
     childIndex->reset();
     const auto adopted = std::stable_partition(children.begin(), children.end(), staysHere);
-    child.children.reserve(child.children.size() + static_cast<std::size_t>(children.end() - adopted));
-    for (auto each = adopted; each != children.end(); ++each)
-        child.place(std::move(*each));
+    for (auto each = adopted; each != children.end(); ++each) {
+        each->relativeDn.removeLeading(child.relativeDn.size());
+        child.children.push_back(std::move(*each));  // they are no relations of each other
+    }
     children.erase(adopted, children.end());
+}
+
+// A child that has children already may have relations of the adopted ones among them.
+template <typename StaysHere>
+void LDIF_Entry::adoptOneByOne(LDIF_Entry& child, StaysHere staysHere)
+{
+    for (auto each = children.begin(); each != children.end();) {
+        if (staysHere(*each)) {
+            ++each;
+            continue;
+        }
+        child.place(LDIF_Entry(*each));
+        childIndex->reset();
+        each = children.erase(each);
+    }
+}
+
+// Takes the last child into the index. Without memory for that, the index is made anew when it is needed.
+void LDIF_Entry::indexLast() noexcept
+{
+    try {
+        if (*childIndex != nullptr)
+            (*childIndex)->add(children.back());
+    } catch (const std::bad_alloc&) {
+        childIndex->reset();
+    }
 }
 
 void LDIF_Entry::eraseChild(std::vector<LDIF_Entry>::iterator child)

@@ -88,6 +88,9 @@ private:
     LDIF_Entry& placeBelow(LDIF_Entry& child, Transfer transfer);
     LDIF_Entry& merge(LDIF_Entry& other, Transfer transfer);
     void adoptInto(LDIF_Entry& child);
+    template <typename StaysHere>
+    void adoptOneByOne(LDIF_Entry& child, StaysHere staysHere);
+    void indexLast() noexcept;
     bool needsClosingLine() const;
     ChildIndex* index();
 

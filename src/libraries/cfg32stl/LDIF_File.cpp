@@ -58,15 +58,22 @@ bool LDIF_File::refresh()
     if (status.st_mtime == fileStat.st_mtime)
         return false;
     renderer.clear();  // now, so that its text and the new one are not held at once
-    std::string text;
-    if (!readFile(fileName, text))
-        throw fileFailure(CFG_CONNECT_ERROR, CFG_ERR_CONFIG_OPEN, "ifstream()", fileName);
     bool needsRewrite = false;
-    readTree(std::move(text), needsRewrite);
+    readTree(readText(), needsRewrite);
     fileStat = status;
     if (needsRewrite)
         flush();
     return true;
+}
+
+std::string LDIF_File::readText() const
+try {
+    std::string text;
+    if (!readFile(fileName, text))
+        throw fileFailure(CFG_CONNECT_ERROR, CFG_ERR_CONFIG_OPEN, "ifstream()", fileName);
+    return text;
+} catch (...) {
+    completeAndThrow("System error reading file", [&](LDIF_Exception& failure) { failure.configFile = fileName; });
 }
 
 void LDIF_File::readTree(std::string&& text, bool& needsRewrite)

@@ -4,6 +4,7 @@
 
 #include "LDIF_Comment.h"
 #include "LDIF_Entry.h"
+#include "LDIF_Exception.h"
 #include "LDIF_Renderer.h"
 #include "LDIF_Search.h"
 #include "platform.h"
@@ -45,7 +46,8 @@ public:
     // Applies the records in order; those before a failing one stay applied. 32 without the entry, 16 for the delete
     // of an attribute that is not there, 89 for an unknown operation.
     void modify(const LDIF_DN& dn, LDAPMod** mods);
-    // Adds an entry, or its attributes to the one that has the DN. After a failure the tree is unchanged.
+    // Adds an entry, or its attributes to the one that has the DN. A refused value leaves the tree unchanged; a merge
+    // that fails midway keeps what it has merged.
     void add(const LDIF_DN& dn, LDAPMod** mods);
     // Removes an entry. 32 without the entry, 66 for one with children unless deleteNonLeaves is set.
     void erase(const LDIF_DN& dn, bool deleteNonLeaves);
@@ -82,6 +84,7 @@ private:
     void removeEntry(const LDIF_DN& dn, bool deleteNonLeaves);
     LDIF_Entry& nearestParent(const LDIF_DN& dn);
     Authentication checkLogin(const char* dn, const char* password);
+    std::string readText() const;
     void readTree(std::string&& text, bool& needsRewrite);
     void moveToBackup();
     void readStatus(FileStatus& status) const;
@@ -94,5 +97,14 @@ private:
     LDIF_Renderer renderer;
     Authentication authentication = noAccess;
 };
+
+// What a failed operation on an entry of a file knows. The report of a DN that cannot be printed does without it.
+inline auto fieldsOf(const LDIF_DN& dn, const std::string& fileName)
+{
+    return [&](LDIF_Exception& failure) {
+        failure.entryDn = printable(dn);
+        failure.configFile = fileName;
+    };
+}
 
 #endif

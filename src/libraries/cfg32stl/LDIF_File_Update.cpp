@@ -13,8 +13,8 @@ namespace {
 class Modification {
 public:
     explicit Modification(const LDAPMod& record)
-        : operation(record.mod_op & ~LDAP_MOD_BVALUES), name(requireText(record.mod_type)),
-          isBinary((record.mod_op & LDAP_MOD_BVALUES) != 0)
+        : operation(record.mod_op & ~LDAP_MOD_BVALUES), isBinary((record.mod_op & LDAP_MOD_BVALUES) != 0),
+          type(record.mod_type)
     {
         if (isBinary) {
             for (berval** value = record.mod_bvalues; value != nullptr && *value != nullptr; ++value)
@@ -25,10 +25,13 @@ public:
         }
     }
 
+    // Throws std::invalid_argument for a record without a name.
+    cisString name() const { return cisString(requireText(type)); }
+
     // A new attribute with the values, each once. Throws LDIF_Exception for one that the syntax refuses.
     LDIF_Attribute attribute() const
     {
-        LDIF_Attribute made(name, std::string());
+        LDIF_Attribute made(name(), std::string());
         for (const std::string& value : values)
             made += value;
         return made;
@@ -43,9 +46,11 @@ public:
     }
 
     const int operation;  // without LDAP_MOD_BVALUES
-    const cisString name;
     const bool isBinary;
     std::vector<std::string> values;  // a binary value up to its first NUL
+
+private:
+    const char* type;
 };
 
 LDIF_Exception notFound(SourcePos pos = SourcePos::here())
@@ -68,7 +73,7 @@ void addValues(LDIF_Entry& entry, const Modification& mod)
 void replaceValues(LDIF_Entry& entry, const Modification& mod)
 {
     LDIF_Attributes& attributes = entry.attributes;
-    LDIF_Attribute* const present = attributes.find(mod.name);
+    LDIF_Attribute* const present = attributes.find(mod.name());
     if (present == attributes.data() + attributes.size())
         return addValues(entry, mod);
     if (mod.values.empty())
@@ -81,11 +86,11 @@ void replaceValues(LDIF_Entry& entry, const Modification& mod)
 void deleteValues(LDIF_Entry& entry, const Modification& mod)
 {
     LDIF_Attributes& attributes = entry.attributes;
-    LDIF_Attribute* const present = attributes.find(mod.name);
+    LDIF_Attribute* const present = attributes.find(mod.name());
     if (present == attributes.data() + attributes.size()) {
         LDIF_Exception failure(LDAP_NO_SUCH_ATTRIBUTE, LDAP_NO_SUCH_ATTRIBUTE,
                                "Target attribute of MOD_DELETE not found");
-        failure.attribute = mod.name;
+        failure.attribute = mod.name();
         failure.value = mod.shownValue();
         throw failure;
     }
@@ -109,15 +114,6 @@ void apply(LDIF_Entry& entry, const LDAPMod& record)
         throw LDIF_Exception(CFG_PARAM_ERROR, CFG_ERR_MOD_OP,
                              "Unknown mod_op: " + std::to_string(static_cast<unsigned int>(record.mod_op)));
     }
-}
-
-// What a failed update knows. The report of a DN that cannot be printed does without it.
-auto fieldsOf(const LDIF_DN& dn, const std::string& fileName)
-{
-    return [&](LDIF_Exception& failure) {
-        failure.entryDn = printable(dn);
-        failure.configFile = fileName;
-    };
 }
 
 }  // namespace

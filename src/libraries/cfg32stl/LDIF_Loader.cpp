@@ -4,6 +4,7 @@
 #include "LDIF_LineSource.h"
 #include "zebldapcfg.h"
 
+#include <new>
 #include <utility>
 
 namespace {
@@ -21,11 +22,10 @@ LDIF_Exception headFailure(int ldapErr, int extErr, const std::string& text, con
 }
 
 // Whether it is the line that is at fault. An attribute where none may stand is at fault too, but ends the load; and
-// what fails for want of memory says nothing about the line.
+// what fails inside the library, for want of memory say, tells nothing about the line.
 bool canBeQuarantined(const LDIF_Exception& failure)
 {
-    return failure.ldapErr != LDAP_OBJECT_CLASS_VIOLATION && failure.ldapErr != LDAP_OTHER &&
-           failure.ldapErr != CFG_NO_MEMORY;
+    return failure.ldapErr != LDAP_OBJECT_CLASS_VIOLATION && failure.extErr != CFG_ERR_UNEXPECTED;
 }
 
 }  // namespace
@@ -36,11 +36,21 @@ void LDIF_Loader::load(std::string&& text)
         LDIF_TextSource lines(text);
         readLines(lines);
     } catch (...) {
-        tree.finish();
+        finishQuietly();
         throw;
     }
     text = std::string();
     tree.finish();
+}
+
+// The tree so far, for a load that has failed. Without memory for it the failure goes on all the same.
+void LDIF_Loader::finishQuietly() noexcept
+{
+    try {
+        tree.finish();
+    } catch (const std::bad_alloc&) {
+        root.children.clear();
+    }
 }
 
 void LDIF_Loader::readLines(LDIF_LineSource& in)

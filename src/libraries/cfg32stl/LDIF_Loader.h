@@ -33,6 +33,7 @@ public:
     std::string currentDn() const;
 
 private:
+    void finishQuietly() noexcept;
     void readLines(LDIF_LineSource& in);
     bool readLine(LDIF_LineSource& in, LDIF_Line& line);
     void take(LDIF_Line& line);

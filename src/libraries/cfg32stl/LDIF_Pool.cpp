@@ -98,6 +98,18 @@ void giveBack(Slab& slab) noexcept
     --regions;
 }
 
+// Gives the last region back when the library is unloaded, unless somebody still holds a part of it.
+struct LastRegion {
+    LastRegion() = default;
+    LastRegion(const LastRegion&) = delete;
+    LastRegion& operator=(const LastRegion&) = delete;
+    ~LastRegion()
+    {
+        if (regions == 1 && unused != nullptr && aligned<regionSize>(unused).taken == 0)
+            releaseRegion(&aligned<regionSize>(unused));
+    }
+} const lastRegion;
+
 std::size_t granulesFor(std::size_t bytes) noexcept
 {
     return (bytes + granule - 1) / granule;

@@ -6,8 +6,8 @@
 #include <new>
 #include <type_traits>
 
-// Hands out blocks of one size from slabs, side by side and without a header for each: half the time and nine tenths of
-// the memory of the C heap, and a large tree in few large pages. A slab whose blocks have all come back serves any
+// Hands out blocks of one size from slabs, side by side and without a header for each, and a large tree in large pages,
+// which saves time and memory over the C heap. A slab whose blocks have all come back serves any
 // size; a region whose slabs have all come back is given back, but for the last. For one thread at a time, as all of
 // the library.
 class LDIF_Pool {

@@ -2,8 +2,8 @@
 //
 // Each class parses itself from the front of a text, either a cisString, from which it removes what it has understood
 // with the white space and parentheses behind it, or an LDIF_DnReader, which it advances over the same. A syntax
-// failure is an LDIF_Exception (34), wrapped once by each class that it passes; a text that the locale cannot convert
-// is one too (162).
+// failure is an LDIF_Exception (34), wrapped once by each class that it passes. A text that the locale cannot convert
+// is refused as a whole before it is parsed (162).
 //
 // compare gives 0 for equals; its sign, and with it <, >, <= and >=, is that of the text for the parts of an RDN. For
 // the pairs, RDNs and DNs the operators turn it round: a < b when a.compare(b) is positive.

@@ -113,8 +113,10 @@ bool LDIF_Filter::match(const LDIF_Entry& entry) const
     if (found->values.empty())
         return false;
     auto& wanted = memory->value;
-    if (wanted == nullptr)
+    if (wanted == nullptr || memory->text != value) {
         wanted = std::make_unique<LDIF_Value>(found->values.attrType, value);
+        memory->text = value;
+    }
     return found->values.contains(*wanted);
 }
 
@@ -128,6 +130,8 @@ bool LDIF_Filter::isWanted(const LDIF_Attribute& attribute) const
 
 const LDIF_Attribute* LDIF_Filter::find(const LDIF_Attributes& attributes) const
 {
+    if (memory->attr != attr.c_str())
+        *memory = Memory();
     if (memory->type != nullptr && memory->place < attributes.size() && isWanted(attributes[memory->place]))
         return &attributes[memory->place];
     const LDIF_Attribute* const found = attributes.find(attr);
@@ -135,6 +139,7 @@ const LDIF_Attribute* LDIF_Filter::find(const LDIF_Attributes& attributes) const
         return nullptr;
     memory->place = static_cast<std::size_t>(found - attributes.data());
     memory->type = found->values.attrType;
+    memory->attr = attr;
     return found;
 }
 
@@ -196,17 +201,19 @@ try {
         throw LDIF_Exception(LDAP_NO_SUCH_OBJECT, LDAP_NO_SUCH_OBJECT, "Base entry not found");
     return findMatches(*entry, scope, filter);
 } catch (...) {
-    wrapAndThrow("System error in LDIF_File::search()", [&](LDIF_Exception& failure) {
-        failure.entryDn = printable(base);
-        failure.configFile = fileName;
-    });
+    wrapAndThrow("System error in LDIF_File::search()", fieldsOf(base, fileName));
 }
 
 LDIF_Search_Results LDIF_File::search(const LDIF_DN& base, const LDIF_Search_Results::Scope& scope,
                                       const LDIF_Filter& filter, const LDIF_AttrFilter& attrs, bool attrsOnly)
 {
-    LDIF_Search_Results results(scope, filter, attrs, attrsOnly);
-    for (const LDIF_Entry* entry : findEntries(base, scope, filter))
-        results.take(*entry);
-    return results;
+    const std::vector<const LDIF_Entry*> found = findEntries(base, scope, filter);
+    try {
+        LDIF_Search_Results results(scope, filter, attrs, attrsOnly);
+        for (const LDIF_Entry* entry : found)
+            results.take(*entry);
+        return results;
+    } catch (...) {
+        wrapAndThrow("System error in LDIF_File::search()", fieldsOf(base, fileName));
+    }
 }

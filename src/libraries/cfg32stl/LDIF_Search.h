@@ -31,6 +31,8 @@ public:
 private:
     // What one entry's test leaves for the next: entries of one kind are alike, and so are the values of one type.
     struct Memory {
+        std::string attr;       // for which this was kept
+        std::string text;       // of value
         std::size_t place = 0;  // of the attribute, in the entry before
         std::unique_ptr<LDIF_Value> value;
         const _AttrType* type = nullptr;  // of the attribute

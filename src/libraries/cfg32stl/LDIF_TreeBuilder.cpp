@@ -1,7 +1,5 @@
 #include "LDIF_TreeBuilder.h"
 
-#include <algorithm>
-
 namespace {
 
 void assignRelative(LDIF_Entry& entry, std::size_t levelsAbove)
@@ -21,14 +19,15 @@ void LDIF_TreeBuilder::add(LDIF_Entry&& entry)
     hashLevels(taken.dn);
     const Number node = nodeOf(taken.dn, taken.dn.size(), number);
     if (node == 0 || nodes[node].entry != undefined) {
-        const LDIF_Entry duplicate = std::move(taken);
+        entry = std::move(taken);
         entries.pop_back();
         LDIF_Entry& present = entryOf(node);
-        present.comment += duplicate.comment;
-        present.attributes += duplicate.attributes;
+        present.comment += entry.comment;
+        present.attributes += entry.attributes;
         return;
     }
     const Number parent = nodes[node].parent;
+    nodeOfEntry.push_back(node);
     parents.push_back(parent);
     nodes[node].entry = number;
     if (parent == 0 || nodes[parent].entry != undefined)
@@ -84,48 +83,38 @@ LDIF_TreeBuilder::Number LDIF_TreeBuilder::definedAncestor(Number node)
     return end;
 }
 
-// Finds the parents, gives each entry its place, and each parent room for its children.
-void LDIF_TreeBuilder::makeRoom()
+// Finds the parents and what each entry is to be called below them, and makes room for the children.
+void LDIF_TreeBuilder::prepare()
 {
+    entries.resize(parents.size());  // one more is there when memory ran out in add
     std::vector<Number> counts(nodes.size());
-    places.reserve(entries.size());
-    for (Number& parent : parents) {
-        parent = definedAncestor(parent);
-        places.push_back(counts[parent]++);
+    for (Number number = 0; number < entries.size(); ++number) {
+        parents[number] = definedAncestor(parents[number]);
+        ++counts[parents[number]];
+        LDIF_Entry& entry = entries[number];
+        const std::size_t levelsAbove = nodes[parents[number]].levels;
+        if (entry.relativeDn.size() + levelsAbove != entry.dn.size())
+            assignRelative(entry, levelsAbove);
     }
     for (Number node = 0; node < nodes.size(); ++node) {
         if (counts[node] != 0)
-            entryOf(node).children.resize(counts[node]);
+            entryOf(node).children.reserve(counts[node]);
+    }
+    homes.assign(nodes.size(), &root);
+    for (Number node = 1; node < nodes.size(); ++node) {
+        if (nodes[node].entry != undefined)
+            homes[node] = &entries[nodes[node].entry];
     }
 }
 
-// The numbers of the entries, those with the longest DNs first, so that a subtree is whole before it is moved.
-std::vector<LDIF_TreeBuilder::Number> LDIF_TreeBuilder::deepestFirst() const
-{
-    std::size_t deepest = 0;
-    for (const LDIF_Entry& entry : entries)
-        deepest = std::max(deepest, entry.dn.size());
-    std::vector<std::size_t> starts(deepest + 2);  // by distance from the deepest level: where its entries begin
-    for (const LDIF_Entry& entry : entries)
-        ++starts[deepest - entry.dn.size() + 1];
-    for (std::size_t distance = 1; distance < starts.size(); ++distance)
-        starts[distance] += starts[distance - 1];
-    std::vector<Number> order(entries.size());
-    for (Number number = 0; number < entries.size(); ++number)
-        order[starts[deepest - entries[number].dn.size()]++] = number;
-    return order;
-}
-
+// An entry moves below its parent, wherever that stands by then, and its own children's room moves with it.
 void LDIF_TreeBuilder::finish()
 {
-    entries.resize(parents.size());  // one more is there when memory ran out in add
-    makeRoom();
-    for (const Number number : deepestFirst()) {
-        LDIF_Entry& entry = entries[number];
-        LDIF_Entry& parent = entryOf(parents[number]);
-        if (entry.relativeDn.size() + parent.dn.size() != entry.dn.size())
-            assignRelative(entry, parent.dn.size());
-        parent.children[places[number]] = std::move(entry);
+    prepare();
+    for (Number number = 0; number < entries.size(); ++number) {
+        auto& siblings = homes[parents[number]]->children;
+        siblings.push_back(std::move(entries[number]));
+        homes[nodeOfEntry[number]] = &siblings.back();
     }
     entries.clear();
 }

@@ -16,9 +16,11 @@ class LDIF_TreeBuilder {
 public:
     explicit LDIF_TreeBuilder(LDIF_Entry& treeRoot);
 
-    // Takes an entry whose DN is set, and whose relativeDn and children are not.
+    // Takes an entry whose DN is set, and whose relativeDn and children are not. Throws LDIF_Exception when it cannot
+    // merge the entry with the one that has its DN; the entry then is what it was.
     void add(LDIF_Entry&& entry);
-    // Hangs all entries below the root, which has no children. Nothing may be added behind it.
+    // Hangs all entries below the root, which has no children. Nothing may be added behind it. When memory is
+    // exhausted, the root has none of them.
     void finish();
 
 private:
@@ -38,13 +40,13 @@ private:
     Number definedAncestor(Number node);
     LDIF_Entry& entryOf(Number node) { return node == 0 ? root : entries[nodes[node].entry]; }
     void hashLevels(const LDIF_DN& dn);
-    void makeRoom();
-    std::vector<Number> deepestFirst() const;
+    void prepare();
 
     LDIF_Entry& root;
     std::deque<LDIF_Entry, LDIF_PoolAllocator<LDIF_Entry>> entries;  // in order of arrival
     std::vector<Number> parents;  // by entry: the node above it, in the end that of its parent in the tree
-    std::vector<Number> places;   // by entry: its place among the children of its parent
+    std::vector<Number> nodeOfEntry;
+    std::vector<LDIF_Entry*> homes;  // by node: where its entry stands while the tree is put together
     std::vector<Node> nodes;
     LDIF_HashIndex nodesByDn;
     std::vector<std::size_t> hashes;  // of the DN at hand: [n] is that of its n RDNs nearest the root

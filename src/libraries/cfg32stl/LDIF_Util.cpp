@@ -99,7 +99,7 @@ bool isPlain(std::string_view text) noexcept
         found |= bytes | (bytes - ones);
     }
     for (; pos < text.size(); ++pos)
-        found |= text[pos] > 0 ? 0 : highBits;
+        found |= static_cast<signed char>(text[pos]) > 0 ? 0 : highBits;
     return (found & highBits) == 0 && localeHasAscii();
 }
 

@@ -2,9 +2,9 @@
 //
 // Narrow text is in the multibyte encoding of the C locale of the process. Wide text has one unit for each character,
 // or on Windows for each 16-bit half of one; what has to look at characters rather than bytes works on it. A function
-// w_name takes wide text, and its twin without the prefix narrow text. All but the w_ functions throw LDIF_Exception
-// when the locale cannot convert the text: 162 from narrow to wide, 163 from wide to narrow. An embedded NUL ends a
-// text that is converted.
+// w_name takes wide text, and its twin without the prefix narrow text. What converts a text (multibyte2wide,
+// wide2multibyte, isBlank, hex2byte and the trimming of narrow text) throws LDIF_Exception when the locale cannot: 162
+// from narrow to wide, 163 from wide to narrow. An embedded NUL ends a text that is converted.
 #ifndef LDIF_UTIL_H
 #define LDIF_UTIL_H
 

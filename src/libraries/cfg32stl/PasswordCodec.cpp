@@ -1,5 +1,7 @@
 #include "PasswordCodec.h"
 
+#include <ldap.h>
+
 int decodePassword(const std::string& encoded, ClearText& clear)
 {
     std::string workingCopy = encoded;  // The codec may write into it.
@@ -14,8 +16,8 @@ int encodePassword(const std::string& clear, std::string& encoded)
 {
     char* text = nullptr;
     const int status = _pwcodec_encode_buffer(clear.c_str(), &text);
-    if (status != 0)
-        return status;
+    if (status != 0 || text == nullptr)
+        return status != 0 ? status : LDAP_OTHER;
     const auto release = [](char* buffer) { _pwcodec_encode_buffer_free(&buffer); };
     const std::unique_ptr<char, decltype(release)> owner(text, release);
     encoded = text;

@@ -14,10 +14,10 @@
 #ifndef PWCODEC_H
 #define PWCODEC_H
 
-#ifdef _WIN32
-#define PWCODEC_API
-#else
+#ifdef __GNUC__
 #define PWCODEC_API __attribute__((visibility("default")))
+#else
+#define PWCODEC_API /* the linker's list of names says what is exported */
 #endif
 
 #ifdef __cplusplus
