@@ -1,92 +1,8 @@
 #include "platform.h"
 
-#include <array>
-#include <cctype>
 #include <cstdlib>
 #include <cstring>
-#include <langinfo.h>
 #include <sys/mman.h>
-
-namespace {
-
-constexpr int asciiEnd = 0x80;
-
-constexpr std::array<unsigned char, asciiEnd> lowerAscii = [] {
-    std::array<unsigned char, asciiEnd> table = {};
-    for (int byte = 0; byte < asciiEnd; ++byte)
-        table[static_cast<std::size_t>(byte)] =
-            static_cast<unsigned char>(byte >= 'A' && byte <= 'Z' ? byte + 32 : byte);
-    return table;
-}();
-
-// strcmp, but inline: the texts are short and mostly equal.
-bool isSameText(const char* left, const char* right) noexcept
-{
-    while (*left == *right && *left != '\0') {
-        ++left;
-        ++right;
-    }
-    return *left == *right;
-}
-
-bool convertsAscii() noexcept
-{
-    for (int byte = 1; byte < asciiEnd; ++byte) {
-        const char narrow = static_cast<char>(byte);
-        wchar_t wide = 0;
-        if (std::mbtowc(&wide, &narrow, 1) != 1 || wide != byte)
-            return false;
-    }
-    return true;
-}
-
-std::size_t foldingNumber() noexcept
-{
-    std::size_t number = 0;
-    for (int byte = asciiEnd; byte < 2 * asciiEnd; ++byte)
-        number = number * 31 + static_cast<std::size_t>(std::tolower(byte));
-    return number;
-}
-
-// What is known of the encoding of the current locale. Locales of one encoding fold its bytes beyond ASCII alike.
-struct Encoding {
-    char name[32];
-    bool hasAscii;
-    std::size_t folding;
-};
-
-// Asked for with each text, so the answer is kept as long as the encoding stays the same.
-const Encoding& currentEncoding() noexcept
-{
-    static Encoding last = {"", false, 0};
-    const char* const name = nl_langinfo(CODESET);
-    if (!isSameText(name, last.name)) {
-        last = {"", convertsAscii(), foldingNumber()};
-        std::strncat(last.name, name, sizeof last.name - 1);
-    }
-    return last;
-}
-
-}  // namespace
-
-unsigned char foldCase(char character) noexcept
-{
-    const auto byte = static_cast<unsigned char>(character);
-    if (byte < asciiEnd)
-        return lowerAscii[byte];
-    const int lower = std::tolower(byte);
-    return lower < asciiEnd ? byte : static_cast<unsigned char>(lower);
-}
-
-std::size_t caseFolding() noexcept
-{
-    return currentEncoding().folding;
-}
-
-bool localeHasAscii() noexcept
-{
-    return currentEncoding().hasAscii;
-}
 
 int _stricmp(const char* left, const char* right) noexcept
 {
@@ -105,8 +21,10 @@ int _stricmp(const char* left, const char* right) noexcept
 void* allocateRegion(std::size_t size, bool isLarge) noexcept
 {
     void* const region = std::aligned_alloc(size, size);
+#ifdef MADV_HUGEPAGE
     if (region != nullptr && isLarge)
         (void)madvise(region, size, MADV_HUGEPAGE);
+#endif
     return region;
 }
 

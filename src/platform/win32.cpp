@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <fstream>
 #include <iterator>
+#include <malloc.h>
 
 bool readFile(const std::string& name, std::string& content)
 {
@@ -39,6 +40,16 @@ bool isSameFile(const std::string& name, const std::string& other)
     const DWORD otherLength = GetFullPathNameA(other.c_str(), MAX_PATH, fullOther, nullptr);
     return nameLength != 0 && nameLength < MAX_PATH && otherLength != 0 && otherLength < MAX_PATH &&
            _stricmp(fullName, fullOther) == 0;
+}
+
+void* allocateRegion(std::size_t size, bool /*isLarge*/) noexcept
+{
+    return _aligned_malloc(size, size);
+}
+
+void releaseRegion(void* region) noexcept
+{
+    _aligned_free(region);
 }
 
 BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, void* /*reserved*/)

@@ -2,30 +2,23 @@
 
 #include "LDIF_Util.h"
 
-#include <cwchar>
-
 LDIF_CharacterSet::LDIF_CharacterSet(const std::string& characters)
 {
     for (const char character : characters)
         members[static_cast<unsigned char>(character)] = true;
 }
 
-LDIF_DnReader::LDIF_DnReader(const std::string& text) : plain(::isPlain(text))
+LDIF_DnReader::LDIF_DnReader(const std::string& text) : narrow(text), plain(::isPlain(text))
 {
     if (!plain)
-        converted = wide2multibyte(multibyte2wide(text));
-    narrow = plain ? text : converted;
+        wide = multibyte2wide(text);
 }
 
-// The text has been converted once, so every character of it can be.
-LDIF_DnReader::Character LDIF_DnReader::decode() const noexcept
+wchar_t LDIF_DnReader::peek() const noexcept
 {
     if (atEnd())
-        return {L'\0', 0};
-    std::mbstate_t state = {};
-    wchar_t unit = 0;
-    const std::size_t length = std::mbrtowc(&unit, narrow.data() + current, narrow.size() - current, &state);
-    return length <= narrow.size() - current ? Character{unit, length} : Character{L'\0', 1};
+        return L'\0';
+    return plain ? static_cast<wchar_t>(narrow[current]) : wide[current];
 }
 
 void LDIF_DnReader::skipEdges() noexcept
@@ -36,13 +29,18 @@ void LDIF_DnReader::skipEdges() noexcept
 
 bool LDIF_DnReader::takeHexPair(char& byte) noexcept
 {
-    if (!hexPair(narrow, current, byte))
+    if (plain ? !hexPair(narrow, current, byte) : !w_hexPair(wide, current, byte))
         return false;
     current += 2;
     return true;
 }
 
-std::string_view LDIF_DnReader::takeWhile(const LDIF_CharacterSet& characters, bool isMember) noexcept
+std::string LDIF_DnReader::narrowed(std::size_t from, std::size_t length) const
+{
+    return plain ? std::string(narrow.substr(from, length)) : wide2multibyte(wide.substr(from, length));
+}
+
+std::string_view LDIF_DnReader::takeWhile(const LDIF_CharacterSet& characters, bool isMember)
 {
     const std::size_t start = current;
     if (plain) {
@@ -50,7 +48,8 @@ std::string_view LDIF_DnReader::takeWhile(const LDIF_CharacterSet& characters, b
             ++current;
         return narrow.substr(start, current - start);
     }
-    while (!atEnd() && characters.has(peek()) == isMember)
-        advance();
-    return narrow.substr(start, current - start);
+    while (!atEnd() && characters.has(wide[current]) == isMember)
+        ++current;
+    taken = narrowed(start, current - start);
+    return taken;
 }

@@ -16,7 +16,8 @@ private:
     bool members[size] = {};
 };
 
-// Narrow text, taken character by character. A position counts bytes.
+// Text, taken character by character: bytes where each is an ASCII character, wide units elsewhere. A position counts
+// these.
 class LDIF_DnReader {
 public:
     // Borrows the text. Throws LDIF_Exception (162) when the locale cannot convert it.
@@ -28,37 +29,33 @@ public:
     // Whether each byte is a character, in ASCII.
     bool isPlain() const noexcept { return plain; }
     std::size_t position() const noexcept { return current; }
-    bool atEnd() const noexcept { return current == narrow.size(); }
+    bool atEnd() const noexcept { return current == size(); }
     // The next character; 0 at the end.
-    wchar_t peek() const noexcept { return plain ? plainUnit() : decode().unit; }
+    wchar_t peek() const noexcept;
     // Whether the next character is that one.
     bool isAt(wchar_t character) const noexcept { return peek() == character; }
     // Advances over one character.
-    void advance() noexcept { current += plain ? 1 : decode().length; }
+    void advance() noexcept { ++current; }
     // Advances over white space and parentheses.
     void skipEdges() noexcept;
-    // Advances over characters of that set, or up to the first of that set, and gives them.
-    std::string_view take(const LDIF_CharacterSet& characters) noexcept { return takeWhile(characters, true); }
-    std::string_view takeUntil(const LDIF_CharacterSet& characters) noexcept { return takeWhile(characters, false); }
+    // Advances over characters of that set, or up to the first of that set, and gives them, until the next call.
+    std::string_view take(const LDIF_CharacterSet& characters) { return takeWhile(characters, true); }
+    std::string_view takeUntil(const LDIF_CharacterSet& characters) { return takeWhile(characters, false); }
     // Takes two hex digits. False, with nothing changed, when there are none.
     bool takeHexPair(char& byte) noexcept;
 
-    // The text from a position on.
-    std::string rest(std::size_t from) const { return std::string(narrow.substr(from)); }
+    // The narrow text from a position on.
+    std::string rest(std::size_t from) const { return narrowed(from, size() - from); }
     std::string rest() const { return rest(current); }
 
 private:
-    struct Character {
-        wchar_t unit;
-        std::size_t length;  // in bytes
-    };
+    std::size_t size() const noexcept { return plain ? narrow.size() : wide.size(); }
+    std::string narrowed(std::size_t from, std::size_t length) const;
+    std::string_view takeWhile(const LDIF_CharacterSet& characters, bool isMember);
 
-    wchar_t plainUnit() const noexcept { return atEnd() ? L'\0' : static_cast<wchar_t>(narrow[current]); }
-    Character decode() const noexcept;
-    std::string_view takeWhile(const LDIF_CharacterSet& characters, bool isMember) noexcept;
-
-    std::string converted;    // the text as the locale gives it back, unless it is plain
-    std::string_view narrow;  // all of the text
+    std::string_view narrow;  // the text, when it is plain
+    std::wstring wide;        // the text, when it is not
+    std::string taken;        // what was taken last from wide
     std::size_t current = 0;
     bool plain;
 };
