@@ -8,7 +8,8 @@
 #include <string>
 
 // The text of a tree as appendTreeTo gives it. The entries that have not changed since the last text are copied from
-// that, so that a small change costs little more than the copy: a tree of many entries is slow to walk to its leaves.
+// that, so that a small change costs little more than the copy: a tree of many entries is slow to walk to its leaves. A
+// DN that the locale can no longer convert is so still written, as it was read.
 class LDIF_Renderer {
 public:
     // The text of the tree and what stands behind it. Lives until the next call. After an exception nothing is copied
