@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <future>
 #include <gtest/gtest.h>
+#include <random>
 #include <sstream>
 
 static const ScopedLocale utf8;
@@ -177,6 +178,32 @@ TEST(Values, StayAsTheyWereBeforeTheFailure)
     others.attrType = list.attrType;
     EXPECT_EQ(outcomeOf([&] { return (list = others).str(); }), range + "[5]");
     EXPECT_EQ(list.str(), "cn: 1\n");
+}
+
+TEST(Values, FindTheSameInLongListsAsOneByOne)
+{
+    for (const char* name : {"x", "zeb-slapdReferral", "zeb-slapdSizeLimit", "zeb-slapdSuffix"}) {
+        std::mt19937 random(1);
+        LDIF_Values list(name);
+        std::vector<std::string> plain;
+        for (int step = 0; step < 3000; ++step) {
+            const auto number = std::to_string(random() % (step % 600 < 300 ? 90 : 40));
+            const std::string text = name == std::string("zeb-slapdSizeLimit") ? "0" + number : "cn=" + number;
+            const std::string kept = name == std::string("zeb-slapdSizeLimit") ? number : text;
+            const auto present = std::find(plain.begin(), plain.end(), kept);
+            ASSERT_EQ(list.find(text) == list.data() + (present - plain.begin()), true) << name << step;
+            if (random() % 2 == 0) {
+                list += text;
+                if (present == plain.end())
+                    plain.push_back(kept);
+            } else {
+                list -= text;
+                if (present != plain.end())
+                    plain.erase(present);
+            }
+            ASSERT_EQ(list.size(), plain.size()) << name << step;
+        }
+    }
 }
 
 TEST(Password, IsComparedInClearAndDecodedOnlyAsItWasEncoded)

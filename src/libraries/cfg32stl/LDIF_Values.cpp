@@ -105,7 +105,8 @@ LDIF_Values& LDIF_Values::operator-=(const std::string& text)
         const auto found = find(text) - data();
         if (static_cast<size_type>(found) < size()) {
             erase(begin() + found);
-            index->reset();
+            if (*index != nullptr && static_cast<size_type>(found) < (*index)->positions.size())
+                (*index)->positions.erase(static_cast<size_type>(found));
         }
         return *this;
     } catch (...) {
@@ -133,7 +134,7 @@ const LDIF_Value* LDIF_Values::findEqual(const LDIF_Value& value) const
     return std::find_if(data(), data() + size(), [&](const LDIF_Value& each) { return each.equals(value); });
 }
 
-// The index takes in what the list has got since the last call.
+// The index knows the first values of the list, and takes in those that have come since the last call.
 std::size_t LDIF_Values::findByHash(const LDIF_Value& value) const
 {
     const std::size_t folding = foldsCase(value) ? caseFolding() : 0;
