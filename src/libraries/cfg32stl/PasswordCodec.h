@@ -13,6 +13,8 @@ struct ClearTextDeleter {
 };
 using ClearText = std::unique_ptr<char, ClearTextDeleter>;
 
+// Both throw std::bad_alloc when memory is exhausted, in the codec too.
+//
 // Decodes a text of any length, from a copy. 0, with clear null where the codec gives no text, or the codec's status.
 int decodePassword(const std::string& encoded, ClearText& clear);
 
