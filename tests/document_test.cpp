@@ -194,3 +194,85 @@ TEST_F(Document, OutlineShowsEachEntryUnderItsNearestAncestor)
               "    \xC3\xC4 cn=w, ou=y, o=b *\n    \xB3    \xC0\xC4 l=v\n    \xC0\xC4 o=a\n"
               "         \xC0\xC4 ou=x\n\n* the following entries are undefined:\no=b, c=us\nou=y, o=b, c=us\n");
 }
+
+TEST(Objects, AreMadeOfTheirOwnKindOfLine)
+{
+    const struct {
+        LDIF_Line::Type type;
+        std::string word;
+    } cases[] = {{LDIF_Line::endOfFile, "endOfFile"},
+                 {LDIF_Line::blankLine, "blankLine"},
+                 {LDIF_Line::comment, "comment"},
+                 {LDIF_Line::dn, "dn"},
+                 {LDIF_Line::attribute, "attribute"}};
+    for (const auto& row : cases) {
+        LDIF_Line line;
+        line.type = row.type;
+        line.name = "cn";
+        line.value = "cn=a";
+        const auto refused = [&](const std::string& object) {
+            return std::tuple(80, 1000, "Illegal constructor " + object + "( LDIF_Line::" + row.word + " );");
+        };
+        const auto accepted = std::tuple(0, 0, std::string());
+        EXPECT_EQ(codesOf([&] { LDIF_Attribute(line, LDIF_Comment()); }),
+                  row.type == LDIF_Line::attribute ? accepted : refused("LDIF_Attribute"));
+        EXPECT_EQ(codesOf([&] { LDIF_Entry(line, LDIF_Comment()); }),
+                  row.type == LDIF_Line::dn ? accepted : refused("LDIF_Entry"));
+        LDIF_Comment comment;
+        comment += line;
+        EXPECT_EQ(comment.lines.size(), row.type == LDIF_Line::comment || row.type == LDIF_Line::blankLine ? 1U : 0U)
+            << row.word;
+    }
+}
+
+TEST(Objects, KeepAttributesFoundAndRemovedByName)
+{
+    LDIF_Attributes list;
+    const auto namesOf = [&] {
+        std::string names;
+        for (const LDIF_Attribute& each : list)
+            names += each.name + ' ';
+        return names;
+    };
+    EXPECT_EQ(list.find(cisString("a")), list.data());
+    for (const char* name : {"b", "D", "a", "_", "B", "\u00e9"})
+        list += LDIF_Attribute(name, std::string("1") + name);
+    EXPECT_EQ(namesOf(), "_ a b D \u00e9 ");
+    for (const char* name : {"_", "A", "b", "d", "\u00e9"})
+        EXPECT_TRUE(*list.find(cisString(name)) == name) << name;
+    for (const char* name : {"", "ab", "c", "z", "\u00ea"})
+        EXPECT_EQ(list.find(cisString(name)), list.data() + list.size()) << name;
+    EXPECT_EQ(list.find(cisString("b"))->str(), "b: 1b\nb: 1B\n");
+    LDIF_Attributes other;
+    other += LDIF_Attribute("B", "2");
+    other += LDIF_Attribute("c", "3");
+    list += other;
+    list += list;
+    for (const char* name : {"A", "missing", "\u00e9"})
+        list -= LDIF_Attribute(name, "any");
+    EXPECT_EQ(list.str(), "_: 1_\nb: 1b\nb: 1B\nb: 2\nc: 3\nD: 1D\n");
+}
+
+TEST(Objects, EntriesTakeOverOrCopyWhatTheyAreGiven)
+{
+    const auto entry = [](const char* dn) { return LDIF_Entry(LDIF_DN(cisString(dn))); };
+    LDIF_Entry root;
+    LDIF_Entry child = entry("cn=a, o=b");
+    EXPECT_EQ(&(root += child), &root);
+    child.attributes += LDIF_Attribute("x", "1");
+    EXPECT_EQ(root.children.front().str(), "dn: cn=a, o=b\n\n");
+    LDIF_Entry parent = entry("O=B");
+    parent += LDIF_Attribute("o", "B");
+    EXPECT_EQ(&root.place(std::move(parent)), &root);
+    LDIF_Entry again = entry("CN=A, o=b");
+    again += LDIF_Attribute("y", "2");
+    EXPECT_EQ(&(root += again), root.find(LDIF_DN(cisString("cn=a,o=b"))));
+    std::ostringstream text;
+    text << root;
+    EXPECT_EQ(text.str(), "\ndn: O=B\no: B\n\ndn: cn=a, o=b\ny: 2\n\n");
+    LDIF_Entry stranger = entry("cn=z, o=y");
+    EXPECT_EQ(codesOf([&] { root.children.front() += stranger; }),
+              std::tuple(80, 1000, std::string("[cn=z, o=y] is not child of [O=B]")));
+    EXPECT_EQ(root.clear().str(), "");
+    EXPECT_TRUE(root.children.empty());
+}

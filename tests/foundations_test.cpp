@@ -127,11 +127,25 @@ TEST(Platform, NamesReadsAndComparesFiles)
     EXPECT_EQ(GetFullPathNameA("../f", length, buffer, nullptr), length + 1);  // no room for the NUL
     EXPECT_TRUE(GetFullPathNameA("../f", length + 1, buffer, nullptr) == length && buffer == content);
     EXPECT_TRUE(GetFullPathNameA("/x/../y", 8, buffer, nullptr) == 7 && buffer == std::string("/x/../y"));
+    FileStatus status = {};
+    for (const mode_t mode : {mode_t{0640}, mode_t{0600}, mode_t{0644}, mode_t{0604}}) {
+        status.st_uid = ::getuid();
+        status.st_gid = ::getgid();
+        status.st_mode = S_IFREG | mode;
+        FileStatus made = {};
+        removeFile(directory / "file");
+        EXPECT_TRUE(writeFile(directory / "file", "x", status) && _stat((directory / "file").c_str(), &made) == 0);
+        EXPECT_EQ(made.st_mode, status.st_mode);
+        status.st_mode = S_IFREG | 0666;
+        EXPECT_TRUE(writeFile(directory / "file", "y", status) && _stat((directory / "file").c_str(), &made) == 0);
+        EXPECT_EQ(made.st_mode, S_IFREG | mode) << "a file that is there keeps its mode";
+    }
     for (const std::string& text : {std::string(100000, 'x'), std::string("a\r\n\0b", 5), std::string()})
-        EXPECT_TRUE(writeFile(directory / "file", text) && readFile(directory / "file", content) && content == text);
+        EXPECT_TRUE(writeFile(directory / "file", text, status) && readFile(directory / "file", content) &&
+                    content == text);
     ASSERT_EQ(::mkfifo((directory / "fifo").c_str(), 0600), 0);
     for (const char* name : {"", "fifo", "gone/file"})
-        EXPECT_FALSE(readFile(directory / name, content) || writeFile(directory / name, "x")) << name;
+        EXPECT_FALSE(readFile(directory / name, content) || writeFile(directory / name, "x", status)) << name;
     std::filesystem::create_symlink("file", directory / "link");
     const auto same = [&](auto name, auto other) { return isSameFile(directory / name, directory / other); };
     EXPECT_TRUE(same("file", "./file") && same("link", "file") && same("link", "link"));

@@ -23,10 +23,33 @@ private:
     int number;
 };
 
+constexpr mode_t permissions = 07777;
+constexpr mode_t ownerOnly = 0700;
+constexpr mode_t groupPermissions = 0070;
+
 // O_NONBLOCK keeps a FIFO without a peer from holding the call up; on regular files it means nothing.
-int openFile(const std::string& name, int flags) noexcept
+int openFile(const std::string& name, int flags, mode_t mode = 0) noexcept
 {
-    return ::open(name.c_str(), flags | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0666);
+    return ::open(name.c_str(), flags | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, mode);
+}
+
+// Without the old group, the permissions of a group would be another's.
+void takeOver(int file, const FileStatus& before) noexcept
+{
+    const bool hasGroup =
+        ::fchown(file, before.st_uid, before.st_gid) == 0 || ::fchown(file, static_cast<uid_t>(-1), before.st_gid) == 0;
+    const mode_t mode = before.st_mode & permissions;
+    (void)::fchmod(file, hasGroup ? mode : mode & ~groupPermissions);
+}
+
+// A new file like the one before, or the one that is there, cut to length 0; negative when neither can be opened.
+int openForWriting(const std::string& name, const FileStatus& before) noexcept
+{
+    const int created = openFile(name, O_WRONLY | O_CREAT | O_EXCL, before.st_mode & ownerOnly);
+    if (created < 0)
+        return openFile(name, O_WRONLY | O_TRUNC);
+    takeOver(created, before);
+    return created;
 }
 
 bool isSameInode(const FileStatus& left, const FileStatus& right) noexcept
@@ -80,9 +103,9 @@ bool readFile(const std::string& name, std::string& content)
     return true;
 }
 
-bool writeFile(const std::string& name, const std::string& text)
+bool writeFile(const std::string& name, const std::string& text, const FileStatus& before)
 {
-    const Descriptor file(openFile(name, O_WRONLY | O_CREAT | O_TRUNC));
+    const Descriptor file(openForWriting(name, before));
     if (file.get() < 0)
         return false;
     for (std::size_t done = 0; done < text.size();) {

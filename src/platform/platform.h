@@ -106,9 +106,10 @@ constexpr bool checksMemory = false;
 // Reads a whole file, byte for byte. False when it cannot be opened or read, or is no regular file; never waits.
 bool readFile(const std::string& name, std::string& content);
 
-// Creates a file or cuts it to length 0, and writes the text with the platform's line ends, all at once. False when
-// the file cannot be opened; a write that fails behind that is not reported.
-bool writeFile(const std::string& name, const std::string& text);
+// Creates a file or cuts it to length 0, and writes the text with the platform's line ends, all at once. A file that is
+// created gets the mode of the one before and, where the process may set them, its owner and group; it is never more
+// widely open, not for a moment. False when the file cannot be opened; a write that fails behind that is not reported.
+bool writeFile(const std::string& name, const std::string& text, const FileStatus& before);
 
 // Removes a file, and never a directory. A failure is not reported.
 void removeFile(const std::string& name) noexcept;

@@ -18,7 +18,7 @@ bool readFile(const std::string& name, std::string& content)
     return !file.bad();
 }
 
-bool writeFile(const std::string& name, const std::string& text)
+bool writeFile(const std::string& name, const std::string& text, const FileStatus& /*before*/)
 {
     std::ofstream file(name);
     if (!file)

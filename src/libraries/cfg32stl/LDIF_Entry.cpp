@@ -69,13 +69,14 @@ LDIF_Entry& LDIF_Entry::placeBelow(LDIF_Entry& child, Transfer transfer)
     const auto above = findChild(child.relativeDn, 0);
     if (above != children.end())
         return above->place(child, transfer);
+    if (transfer == Transfer::copy) {
+        LDIF_Entry copy = child;
+        return placeBelow(copy, Transfer::move);
+    }
     if (children.size() == children.capacity())
         children.reserve(2 * children.size() + 1);
     adoptInto(child);
-    if (transfer == Transfer::copy)
-        children.push_back(child);
-    else
-        children.push_back(std::move(child));
+    children.push_back(std::move(child));
     indexLast();
     return *this;
 }

@@ -102,7 +102,7 @@ try {
     const std::string& text = renderer.render(root, comment);
     if (!backupFileName.empty())
         moveToBackup();
-    if (!writeFile(fileName, text))
+    if (!writeFile(fileName, text, fileStat))
         throw LDIF_Exception(LDAP_INSUFFICIENT_ACCESS, CFG_ERR_CONFIG_OPEN, "Unable to open: \"" + fileName + '"');
     readStatus(fileStat);
 } catch (...) {

@@ -104,9 +104,9 @@ LDIF_Values& LDIF_Values::operator-=(const std::string& text)
     try {
         const auto found = find(text) - data();
         if (static_cast<size_type>(found) < size()) {
-            erase(begin() + found);
             if (*index != nullptr && static_cast<size_type>(found) < (*index)->positions.size())
                 (*index)->positions.erase(static_cast<size_type>(found));
+            erase(begin() + found);
         }
         return *this;
     } catch (...) {
