@@ -38,9 +38,8 @@ public:
     explicit LDIF_Entry(LDIF_DN entryDn);
 
     // Places a copy of child in the subtree of this entry, and gives the entry that took it. An entry of the same DN
-    // takes on comment, attributes and children; entries that belong below child are hung there. child.relativeDn changes
-    // on the way. Throws LDIF_Exception (80) for a child that does not
-    // belong here.
+    // takes on comment, attributes and children; entries that belong below child are hung there. child.relativeDn
+    // changes on the way. Throws LDIF_Exception (80) for a child that does not belong here.
     virtual LDIF_Entry& operator+=(LDIF_Entry& child);
     virtual LDIF_Entry& operator+=(const LDIF_Attribute& attribute);
     virtual LDIF_Entry& operator+=(const LDIF_Comment& lines);
