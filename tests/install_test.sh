@@ -24,7 +24,7 @@ find_package(zebldapcfg 1.0 REQUIRED)
 add_executable(with_cmake example.c)
 target_link_libraries(with_cmake PRIVATE zebldapcfg::zebldapcfg)
 END
-cmake -S . -B build -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
+cmake -G Ninja -S . -B build -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
 cmake --build build >/dev/null
 build/with_cmake zebslapd.conf >with_cmake.out
 
