@@ -103,6 +103,9 @@ constexpr bool checksMemory = __has_feature(address_sanitizer);
 constexpr bool checksMemory = false;
 #endif
 
+// Overwrites a clear text that is about to be released; no compiler leaves it out.
+void wipe(void* memory, std::size_t size) noexcept;
+
 // Reads a whole file, byte for byte. False when it cannot be opened or read, or is no regular file; never waits.
 bool readFile(const std::string& name, std::string& content);
 

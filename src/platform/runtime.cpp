@@ -33,6 +33,11 @@ void releaseRegion(void* region) noexcept
     std::free(region);
 }
 
+void wipe(void* memory, std::size_t size) noexcept
+{
+    ::explicit_bzero(memory, size);
+}
+
 char* _strdup(const char* text) noexcept
 {
     return ::strdup(text);

@@ -52,6 +52,11 @@ void releaseRegion(void* region) noexcept
     _aligned_free(region);
 }
 
+void wipe(void* memory, std::size_t size) noexcept
+{
+    SecureZeroMemory(memory, size);
+}
+
 BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, void* /*reserved*/)
 {
     if (reason == DLL_PROCESS_ATTACH)

@@ -1,8 +1,11 @@
 #include "PasswordCodec.h"
 
+#include <cstring>
+#include <new>
+
 #include <ldap.h>
 
-#include <new>
+#include "platform.h"
 
 namespace {
 
@@ -15,6 +18,12 @@ int checkedStatus(int status)
 }
 
 }  // namespace
+
+void ClearTextDeleter::operator()(char* text) const noexcept
+{
+    wipe(text, std::strlen(text));
+    _pwcodec_decode_buffer_free(&text);
+}
 
 int decodePassword(const std::string& encoded, ClearText& clear)
 {

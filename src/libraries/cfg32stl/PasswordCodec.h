@@ -7,9 +7,9 @@
 #include <memory>
 #include <string>
 
-// Gives a clear text back to the codec.
+// Wipes a clear text and gives it back to the codec.
 struct ClearTextDeleter {
-    void operator()(char* text) const noexcept { _pwcodec_decode_buffer_free(&text); }
+    void operator()(char* text) const noexcept;
 };
 using ClearText = std::unique_ptr<char, ClearTextDeleter>;
 

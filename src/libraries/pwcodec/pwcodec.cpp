@@ -12,6 +12,19 @@ namespace {
 
 using Bytes = std::basic_string<unsigned char>;
 
+// Bytes of a clear text, overwritten before their memory is released.
+struct Secret {
+    Secret(const void* text, std::size_t size) : bytes(static_cast<const unsigned char*>(text), size) {}
+    Secret(const Secret&) = delete;
+    Secret& operator=(const Secret&) = delete;
+    ~Secret()
+    {
+        for (volatile unsigned char& byte : bytes)  // volatile: no compiler leaves it out
+            byte = 0;
+    }
+    Bytes bytes;
+};
+
 constexpr char opening = '>';
 constexpr char version = '1';
 constexpr char closing = '<';
@@ -49,8 +62,10 @@ void mask(Bytes& text, const Bytes& salt)
 Bytes checksum(const Bytes& salt, const Bytes& clear)
 {
     std::uint32_t hash = 0x811C9DC5U;
-    for (const unsigned char byte : salt + clear)
-        hash = (hash ^ byte) * 0x01000193U;
+    for (const Bytes* part : {&salt, &clear}) {
+        for (const unsigned char byte : *part)
+            hash = (hash ^ byte) * 0x01000193U;
+    }
     Bytes sum;
     for (int shift = 24; shift >= 0; shift -= 8)
         sum += static_cast<unsigned char>(hash >> shift);
@@ -107,11 +122,11 @@ int handOut(const void* text, std::size_t size, char** copy)
 
 int encode(const char* clearText, char** encoded)
 {
-    const Bytes clear(reinterpret_cast<const unsigned char*>(clearText), std::strlen(clearText));
+    const Secret clear(clearText, std::strlen(clearText));
     const Bytes salt = makeSalt();
-    Bytes masked = clear;
+    Bytes masked = clear.bytes;
     mask(masked, salt);
-    const std::string text = opening + (version + toBase64(salt + masked + checksum(salt, clear))) + closing;
+    const std::string text = opening + (version + toBase64(salt + masked + checksum(salt, clear.bytes))) + closing;
     return handOut(text.data(), text.size(), encoded);
 }
 
@@ -123,11 +138,11 @@ int decode(const std::string& text, char** clearText)
     if (!bytes || bytes->size() < saltSize + checksumSize)
         return PWCODEC_FORMAT;
     const Bytes salt = bytes->substr(0, saltSize);
-    Bytes clear = bytes->substr(saltSize, bytes->size() - saltSize - checksumSize);
-    mask(clear, salt);
-    if (checksum(salt, clear) != bytes->substr(bytes->size() - checksumSize))
+    Secret clear(bytes->data() + saltSize, bytes->size() - saltSize - checksumSize);
+    mask(clear.bytes, salt);
+    if (checksum(salt, clear.bytes) != bytes->substr(bytes->size() - checksumSize))
         return PWCODEC_CHECKSUM;
-    return handOut(clear.data(), clear.size(), clearText);
+    return handOut(clear.bytes.data(), clear.bytes.size(), clearText);
 }
 
 int release(char** text) noexcept
