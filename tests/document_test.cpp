@@ -253,6 +253,21 @@ TEST(Objects, KeepAttributesFoundAndRemovedByName)
     EXPECT_EQ(list.str(), "_: 1_\nb: 1b\nb: 1B\nb: 2\nc: 3\nD: 1D\n");
 }
 
+TEST(Objects, FilesKeepTheModeThatTheyHaveNow)
+{
+    const TempDirectory directory;
+    const std::string name = directory / "f";
+    writeText(name, a);
+    LDIF_File file(name, name + ".bak");
+    ASSERT_EQ(::chmod(name.c_str(), 0600), 0);
+    file.flush();
+    for (const std::string& each : {name, name + ".bak"}) {
+        FileStatus status = {};
+        ASSERT_EQ(_stat(each.c_str(), &status), 0);
+        EXPECT_EQ(status.st_mode, S_IFREG | mode_t{0600}) << each;
+    }
+}
+
 TEST(Objects, EntriesTakeOverOrCopyWhatTheyAreGiven)
 {
     const auto entry = [](const char* dn) { return LDIF_Entry(LDIF_DN(cisString(dn))); };

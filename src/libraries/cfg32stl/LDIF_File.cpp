@@ -100,9 +100,11 @@ void LDIF_File::readTree(std::string&& text, bool& needsRewrite)
 void LDIF_File::flush()
 try {
     const std::string& text = renderer.render(root, comment);
+    FileStatus before = fileStat;
+    (void)_stat(fileName.c_str(), &before);  // Its mode may have changed without its time.
     if (!backupFileName.empty())
         moveToBackup();
-    if (!writeFile(fileName, text, fileStat))
+    if (!writeFile(fileName, text, before))
         throw LDIF_Exception(LDAP_INSUFFICIENT_ACCESS, CFG_ERR_CONFIG_OPEN, "Unable to open: \"" + fileName + '"');
     readStatus(fileStat);
 } catch (...) {

@@ -4,7 +4,6 @@
 #include "LDIF_LineSource.h"
 #include "zebldapcfg.h"
 
-#include <new>
 #include <utility>
 
 namespace {
@@ -48,7 +47,7 @@ void LDIF_Loader::finishQuietly() noexcept
 {
     try {
         tree.finish();
-    } catch (const std::bad_alloc&) {
+    } catch (...) {
         root.children.clear();
     }
 }

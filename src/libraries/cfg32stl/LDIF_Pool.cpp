@@ -105,8 +105,11 @@ struct LastRegion {
     LastRegion& operator=(const LastRegion&) = delete;
     ~LastRegion()
     {
-        if (regions == 1 && unused != nullptr && aligned<regionSize>(unused).taken == 0)
-            releaseRegion(&aligned<regionSize>(unused));
+        if (regions != 1 || unused == nullptr || aligned<regionSize>(unused).taken > 0)
+            return;
+        releaseRegion(&aligned<regionSize>(unused));
+        unused = nullptr;  // Objects that are destroyed later still may ask for memory.
+        regions = 0;
     }
 } const lastRegion;
 
