@@ -96,9 +96,9 @@ enum {
     CFG_ERR_CONFIG_NOT_FOUND = 1003, /* the configuration file is not there */
     CFG_ERR_CONFIG_OPEN = 1004,      /* the configuration file cannot be opened, or not moved to its backup */
     CFG_ERR_VALUE = 1005,            /* the value is not valid (reserved) */
-    CFG_ERR_SINGLE_VALUED = 1006,    /* a second charset or version attribute */
+    CFG_ERR_SINGLE_VALUED = 1006,    /* a second charset or version attribute (reserved) */
     CFG_ERR_NOT_IN_CLASS = 1007,     /* an attribute that may not stand outside an entry */
-    CFG_ERR_NO_BINARY_FORM = 1008,   /* the syntax has no binary form */
+    CFG_ERR_NO_BINARY_FORM = 1008,   /* the syntax has no binary form (reserved) */
     CFG_ERR_NO_STRING_FORM = 1009,   /* the syntax has no string form (reserved) */
     CFG_ERR_MOD_OP = 1010,           /* an unknown operation in an LDAPMod */
     CFG_ERR_DN_NO_ATTRIBUTE = 1011,  /* a DN lacks an attribute name */
