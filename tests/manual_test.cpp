@@ -14,12 +14,6 @@ const char* registryRoot() noexcept
     return "";
 }
 
-// A file of the project.
-static std::string textOf(const std::string& name)
-{
-    return readText(SOURCE_DIRECTORY "/" + name);
-}
-
 // What the page says that a value of this type is.
 static std::string valueOf(const _AttrType& type)
 {
@@ -44,7 +38,7 @@ static std::string valueOf(const _AttrType& type)
 
 TEST(Manual, ListsTheAttributeTypesWithTheirLimits)
 {
-    const std::string page = textOf("man/zebslapd.conf.5.scd");
+    const std::string page = readText(SOURCE_DIRECTORY "/man/zebslapd.conf.5.scd");
     std::string table = "```\n";
     getAttrType(nullptr);  // sorts the types
     for (const _AttrType* type = _attrMapArray; type->name != nullptr; ++type) {
@@ -60,14 +54,14 @@ TEST(Manual, ListsTheAttributeTypesWithTheirLimits)
 
 TEST(Manual, GivesTheTextOfEachCode)
 {
-    const std::string page = textOf("man/zebldapcfg.3.scd");
+    const std::string page = readText(SOURCE_DIRECTORY "/man/zebldapcfg.3.scd");
     std::set<int> codes;
     const std::regex row("\n\\*([0-9]+)\\* (.*)");
     for (std::sregex_iterator each(page.begin(), page.end(), row), end; each != end; ++each) {
         codes.insert(std::stoi((*each)[1]));
         EXPECT_EQ((*each)[2], cfg_err2string(std::stoi((*each)[1])));
     }
-    const std::string header = textOf("include/zebldapcfg.h");
+    const std::string header = readText(SOURCE_DIRECTORY "/include/zebldapcfg.h");
     const std::regex extended("CFG_ERR_[A-Z_]+ = ([0-9]+),? +/\\* (.*) \\*/");
     int count = 0;
     for (std::sregex_iterator each(header.begin(), header.end(), extended), end; each != end; ++each, ++count) {
