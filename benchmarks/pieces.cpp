@@ -43,7 +43,7 @@ LDIF_DN parsed(const std::string& text)
 void readLines(benchmark::State& state)
 {
     for (auto _ : state) {
-        LDIF_TextSource in(input().text);
+        LDIF_TextSource in{std::string(input().text)};
         LDIF_Line line;
         int last = 0;
         do

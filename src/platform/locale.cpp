@@ -54,16 +54,24 @@ struct Locale {
     std::size_t folding;
 };
 
-// Asked for with each text, so the answer is kept as long as the locale stays the same.
+Locale lastLocale = {"", false, 0};
+int holds = 0;  // the number of LocaleHold objects
+
+void askForLocale() noexcept
+{
+    const char* const name = std::setlocale(LC_CTYPE, nullptr);
+    if (isSameText(name, lastLocale.name))
+        return;
+    lastLocale = {"", convertsAscii(), foldingNumber()};
+    std::strncat(lastLocale.name, name, sizeof lastLocale.name - 1);
+}
+
+// Needed with each text, so the answer is kept as long as the locale stays the same.
 const Locale& currentLocale() noexcept
 {
-    static Locale last = {"", false, 0};
-    const char* const name = std::setlocale(LC_CTYPE, nullptr);
-    if (!isSameText(name, last.name)) {
-        last = {"", convertsAscii(), foldingNumber()};
-        std::strncat(last.name, name, sizeof last.name - 1);
-    }
-    return last;
+    if (holds == 0)
+        askForLocale();
+    return lastLocale;
 }
 
 }  // namespace
@@ -85,4 +93,15 @@ std::size_t caseFolding() noexcept
 bool localeHasAscii() noexcept
 {
     return currentLocale().hasAscii;
+}
+
+LocaleHold::LocaleHold() noexcept
+{
+    (void)currentLocale();
+    ++holds;
+}
+
+LocaleHold::~LocaleHold()
+{
+    --holds;
 }

@@ -89,10 +89,19 @@ std::size_t caseFolding() noexcept;
 // Whether the ASCII characters are the same bytes in narrow text and the same units in wide text, in this locale.
 bool localeHasAscii() noexcept;
 
+// While one lives, the locale of the process stays as it is, and is asked for only once.
+class LocaleHold {
+public:
+    LocaleHold() noexcept;
+    LocaleHold(const LocaleHold&) = delete;
+    LocaleHold& operator=(const LocaleHold&) = delete;
+    ~LocaleHold();
+};
+
 // A region of memory that begins at a multiple of its size, a power of two; isLarge asks for large pages. Null when
 // memory is exhausted.
 void* allocateRegion(std::size_t size, bool isLarge) noexcept;
-void releaseRegion(void* region) noexcept;
+void releaseRegion(void* region, std::size_t size) noexcept;
 
 // Whether the build checks each block of memory, so that none may be handed out as a part of another.
 #if defined(__SANITIZE_ADDRESS__)
@@ -105,6 +114,9 @@ constexpr bool checksMemory = false;
 
 // Overwrites a clear text that is about to be released; no compiler leaves it out.
 void wipe(void* memory, std::size_t size) noexcept;
+
+// Overwrites memory of the heap that is used no more, and gives its whole pages back to the system at once.
+void discard(void* memory, std::size_t size) noexcept;
 
 // Reads a whole file, byte for byte. False when it cannot be opened or read, or is no regular file; never waits.
 bool readFile(const std::string& name, std::string& content);

@@ -47,7 +47,7 @@ void* allocateRegion(std::size_t size, bool /*isLarge*/) noexcept
     return _aligned_malloc(size, size);
 }
 
-void releaseRegion(void* region) noexcept
+void releaseRegion(void* region, std::size_t /*size*/) noexcept
 {
     _aligned_free(region);
 }
@@ -55,6 +55,11 @@ void releaseRegion(void* region) noexcept
 void wipe(void* memory, std::size_t size) noexcept
 {
     SecureZeroMemory(memory, size);
+}
+
+void discard(void* memory, std::size_t size) noexcept
+{
+    wipe(memory, size);
 }
 
 BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, void* /*reserved*/)

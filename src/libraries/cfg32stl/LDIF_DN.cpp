@@ -8,7 +8,13 @@
 
 namespace {
 
-constexpr LDIF_DN::size_type usualLevels = 3;
+// As many RDNs as a usual text can have; an unusual one grows as it is read.
+std::size_t expectedLevels(const std::string& text)
+{
+    constexpr std::ptrdiff_t usual = 8;
+    const auto isSeparator = [](char byte) { return byte == ',' || byte == ';'; };
+    return static_cast<std::size_t>(std::min(std::count_if(text.begin(), text.end(), isSeparator) + 1, usual));
+}
 
 }  // namespace
 
@@ -24,6 +30,7 @@ LDIF_DN& LDIF_DN::operator=(const cisString& text)
     reader.skipEdges();
     if (reader.atEnd())
         return *this;
+    reserve(size() + expectedLevels(text));
     std::reverse(begin(), end());
     try {
         parse(reader);
@@ -38,7 +45,6 @@ LDIF_DN& LDIF_DN::operator=(const cisString& text)
 // DN = RDN *( ( "," / ";" ) RDN )
 void LDIF_DN::parse(LDIF_DnReader& reader)
 {
-    reserve(size() + usualLevels);
     emplace_back(reader);
     while (!reader.atEnd()) {
         reader.advance();

@@ -5,6 +5,7 @@
 #include "LDIF_Pool.h"
 #include "LDIF_RDN.h"
 
+#include <cstddef>
 #include <iosfwd>
 #include <string>
 #include <vector>
@@ -38,6 +39,11 @@ public:
     virtual bool operator!=(const LDIF_DN& other) const { return compare(other) != 0; }
     virtual bool operator<=(const LDIF_DN& other) const { return compare(other) >= 0; }
     virtual bool operator>=(const LDIF_DN& other) const { return compare(other) <= 0; }
+
+    // One on the heap is the parsed form of a value, of which a tree has many.
+    static void* operator new(std::size_t size) { return LDIF_Pool::allocate(size); }
+    static void operator delete(void* dn) noexcept { LDIF_Pool::release(dn, sizeof(LDIF_DN)); }
+    static void* operator new(std::size_t /*size*/, void* place) noexcept { return place; }
 
     // How many leading RDNs equal those of other from index start on.
     size_type commonLevels(const LDIF_DN& other, size_type start = 0) const;

@@ -61,15 +61,16 @@ public:
     // This entry and, in preorder, all below it.
     void appendTreeTo(std::string& out) const;
 
-    // Where the text of an entry stands in the text of a file that was written before.
-    struct WrittenText {
+    // Where the text of an entry stands in the file's text as it was read or written last.
+    struct FileText {
         std::size_t offset = 0;
         std::uint32_t length = 0;
-        std::uint32_t version = 0;  // of the file's text; 0 when the entry has changed since, or was never written
+        std::uint32_t version = 0;  // of the text written; 0 when the entry has changed since, or was never written
+        std::uint64_t hash = 0;     // of the text that gives this entry when it is read; 0 when there is none
     };
-    WrittenText& writtenText() noexcept { return *written; }
+    FileText& fileText() noexcept { return *inFile; }
     // To be called before the attributes are changed other than by an operator of this class.
-    void forgetText() noexcept { written->version = 0; }
+    void forgetText() noexcept { *inFile = FileText(); }
 
 private:
     enum class Transfer { copy, move };
@@ -94,7 +95,7 @@ private:
     ChildIndex* index();
 
     LDIF_Aid<std::unique_ptr<ChildIndex>> childIndex;
-    LDIF_Aid<WrittenText> written;
+    LDIF_Aid<FileText> inFile;
 };
 
 // Writes the entry and, in preorder, all below it.

@@ -1,11 +1,14 @@
 #include "LDIF_File.h"
 
 #include "LDIF_Exception.h"
+#include "LDIF_FormerTree.h"
 #include "LDIF_Loader.h"
 #include "zebldapcfg.h"
 
 #include <cerrno>
+#include <clocale>
 #include <cstdio>
+#include <utility>
 
 namespace {
 
@@ -34,6 +37,11 @@ std::string fullPathOf(const std::string& name)
 }
 
 }  // namespace
+
+LDIF_File::~LDIF_File()
+{
+    release(std::move(root));
+}
 
 LDIF_File::LDIF_File(const std::string& name, const std::string& backupName)
     : fileName(fullPathOf(name)), backupFileName(backupName)
@@ -76,17 +84,28 @@ try {
     completeAndThrow("System error reading file", [&](LDIF_Exception& failure) { failure.configFile = fileName; });
 }
 
+// Leaves an empty tree. Text that is not ASCII may read otherwise in another locale.
+LDIF_FormerTree LDIF_File::giveUpTree(const std::string& newText)
+{
+    const char* const locale = std::setlocale(LC_CTYPE, nullptr);
+    const std::size_t oldSize = std::exchange(textSize, newText.size());
+    if (std::exchange(textLocale, locale) == locale)
+        return {std::exchange(root, LDIF_Entry()), oldSize, newText};
+    release(std::exchange(root, LDIF_Entry()));
+    return {};
+}
+
 void LDIF_File::readTree(std::string&& text, bool& needsRewrite)
 {
     comment.clear();
-    root.clear();
     LDIF_Loader loader(root, comment);
     const auto addPosition = [&](LDIF_Exception& failure) {
         failure.configLine = loader.lineCount();
         failure.configFile = fileName;
     };
     try {
-        loader.load(std::move(text));
+        LDIF_FormerTree former = giveUpTree(text);
+        loader.load(std::move(text), std::move(former));
     } catch (LDIF_Exception& failure) {
         addPosition(failure);
         failure.entryDn = loader.currentDn();
@@ -100,6 +119,7 @@ void LDIF_File::readTree(std::string&& text, bool& needsRewrite)
 void LDIF_File::flush()
 try {
     const std::string& text = renderer.render(root, comment);
+    textSize = text.size();
     FileStatus before = fileStat;
     (void)_stat(fileName.c_str(), &before);  // Its mode may have changed without its time.
     if (!backupFileName.empty())

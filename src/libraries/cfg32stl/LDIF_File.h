@@ -16,6 +16,8 @@
 #include <string>
 #include <vector>
 
+class LDIF_FormerTree;
+
 // The configuration file as a tree of entries. An object that is made holds a loaded file, and nothing stays open.
 //
 // Loading is forgiving inside entries: a line that cannot be understood, or a value that its syntax refuses, becomes a
@@ -30,6 +32,9 @@ public:
     // Loads the file. name may be relative and its full path takes up to 1022 bytes; an empty backup name means no
     // backup. Throws LDIF_Exception: 91 when the file cannot be found or read, else what refresh throws.
     LDIF_File(const std::string& name, const std::string& backupName);
+    LDIF_File(const LDIF_File&) = delete;
+    LDIF_File& operator=(const LDIF_File&) = delete;
+    ~LDIF_File();
 
     // Loads the file again if its modification time has changed; says whether it did. Throws LDIF_Exception: 91 when
     // the file cannot be found or read; then the tree stays. 65, 34 or 162 for a file that breaks the rules above;
@@ -85,6 +90,7 @@ private:
     LDIF_Entry& nearestParent(const LDIF_DN& dn);
     Authentication checkLogin(const char* dn, const char* password);
     std::string readText() const;
+    LDIF_FormerTree giveUpTree(const std::string& newText);
     void readTree(std::string&& text, bool& needsRewrite);
     void moveToBackup();
     void readStatus(FileStatus& status) const;
@@ -95,6 +101,8 @@ private:
     LDIF_Comment comment;      // the lines behind the last entry
     LDIF_Entry root;
     LDIF_Renderer renderer;
+    std::size_t textSize = 0;  // in bytes, of the text that the places of the entries refer to
+    std::string textLocale;    // in which it was read
     Authentication authentication = noAccess;
 };
 

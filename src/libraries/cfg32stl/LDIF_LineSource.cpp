@@ -1,9 +1,11 @@
 #include "LDIF_LineSource.h"
 
 #include "LDIF_Util.h"
+#include "platform.h"
 
 #include <algorithm>
 #include <istream>
+#include <utility>
 
 void w_stripCarriageReturn(std::wstring& text)
 {
@@ -45,9 +47,30 @@ void LDIF_LineSource::set(LDIF_PhysicalLine& line, std::string_view bytes)
     line.text = stored;
 }
 
-LDIF_TextSource::LDIF_TextSource(std::string_view wholeText)
-    : LDIF_LineSource(wholeText.find('\r') != std::string_view::npos), text(wholeText)
+LDIF_TextSource::LDIF_TextSource(std::string&& wholeText)
+    : LDIF_LineSource(wholeText.find('\r') != std::string::npos), text(std::move(wholeText))
 {}
+
+LDIF_TextSource::~LDIF_TextSource()
+{
+    discard(&text[forgotten], text.size() - forgotten);
+}
+
+int LDIF_TextSource::skip(std::size_t bytes) noexcept
+{
+    const auto start = text.begin() + static_cast<std::ptrdiff_t>(next);
+    next += bytes;
+    return static_cast<int>(std::count(start, start + static_cast<std::ptrdiff_t>(bytes), '\n'));
+}
+
+void LDIF_TextSource::forgetBefore(std::size_t end) noexcept
+{
+    constexpr std::size_t piece = std::size_t{64} << 10;
+    if (end < forgotten + piece)
+        return;
+    discard(&text[forgotten], end - forgotten);
+    forgotten = end;
+}
 
 const LDIF_PhysicalLine& LDIF_TextSource::read()
 {
@@ -55,12 +78,12 @@ const LDIF_PhysicalLine& LDIF_TextSource::read()
         pending = false;
         return line;
     }
-    leftNothing = position == text.size();
-    const std::size_t end = text.find('\n', position);
-    metEnd = end == std::string_view::npos;
-    const std::size_t start = position;
-    position = metEnd ? text.size() : end + 1;
-    set(line, text.substr(start, (metEnd ? text.size() : end) - start));
+    leftNothing = next == text.size();
+    const std::size_t end = text.find('\n', next);
+    metEnd = end == std::string::npos;
+    const std::size_t start = next;
+    next = metEnd ? text.size() : end + 1;
+    set(line, std::string_view(text).substr(start, (metEnd ? text.size() : end) - start));
     return line;
 }
 

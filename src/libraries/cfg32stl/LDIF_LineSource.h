@@ -42,17 +42,34 @@ private:
     std::string stored;
 };
 
-// The lines of a text in memory, which it borrows. A line that is taken back is not looked at again.
+// The lines of a text in memory, which it overwrites in the end, for it may hold clear passwords. A line that is taken
+// back is not looked at again.
 class LDIF_TextSource final : public LDIF_LineSource {
 public:
-    explicit LDIF_TextSource(std::string_view wholeText);
+    explicit LDIF_TextSource(std::string&& wholeText);
+    LDIF_TextSource(const LDIF_TextSource&) = delete;
+    LDIF_TextSource& operator=(const LDIF_TextSource&) = delete;
+    ~LDIF_TextSource() override;
     bool good() const override { return !metEnd || pending; }
     const LDIF_PhysicalLine& read() override;
     void unread() override { pending = !leftNothing; }
 
+    // In bytes, behind the last line that was read and not taken back.
+    std::size_t position() const noexcept { return next; }
+    // What stands from a position on, up to the last line that was read.
+    std::string_view textFrom(std::size_t start) const noexcept
+    {
+        return std::string_view(text).substr(start, next - start);
+    }
+    // Reads on over that many bytes, up to the beginning of a line; gives the number of lines.
+    int skip(std::size_t bytes) noexcept;
+    // Gives the memory of what stands before a position back to the system, in large pieces.
+    void forgetBefore(std::size_t end) noexcept;
+
 private:
-    std::string_view text;
-    std::size_t position = 0;
+    std::string text;
+    std::size_t next = 0;  // where the next line begins
+    std::size_t forgotten = 0;
     LDIF_PhysicalLine line;
     bool metEnd = false;
     bool leftNothing = false;

@@ -1,9 +1,12 @@
 #include "LDIF_Loader.h"
 
 #include "LDIF_Exception.h"
-#include "LDIF_LineSource.h"
+#include "LDIF_TextHash.h"
 #include "zebldapcfg.h"
 
+#include <cstdint>
+#include <limits>
+#include <string_view>
 #include <utility>
 
 namespace {
@@ -29,16 +32,17 @@ bool canBeQuarantined(const LDIF_Exception& failure)
 
 }  // namespace
 
-void LDIF_Loader::load(std::string&& text)
+void LDIF_Loader::load(std::string&& text, LDIF_FormerTree&& formerTree)
 {
+    former = std::move(formerTree);
+    source.emplace(std::move(text));
     try {
-        LDIF_TextSource lines(text);
-        readLines(lines);
+        readLines();
     } catch (...) {
         finishQuietly();
         throw;
     }
-    text = std::string();
+    source.reset();
     tree.finish();
 }
 
@@ -52,10 +56,10 @@ void LDIF_Loader::finishQuietly() noexcept
     }
 }
 
-void LDIF_Loader::readLines(LDIF_LineSource& in)
+void LDIF_Loader::readLines()
 {
     LDIF_Line line;
-    while (readLine(in, line))
+    while (readLine(line))
         take(line);
     closeEntry();
     dropTrailingBlankLines();
@@ -67,10 +71,10 @@ std::string LDIF_Loader::currentDn() const
 }
 
 // False at the end of the file.
-bool LDIF_Loader::readLine(LDIF_LineSource& in, LDIF_Line& line)
+bool LDIF_Loader::readLine(LDIF_Line& line)
 {
     try {
-        lastLine = line.next(in, lastLine);
+        lastLine = line.next(*source, lastLine);
     } catch (...) {
         ++lastLine;
         throw;
@@ -100,10 +104,43 @@ void LDIF_Loader::take(LDIF_Line& line)
 // The blank line that ends an entry is not kept: each entry is written with one behind it.
 void LDIF_Loader::takeBlankLine(const LDIF_Line& line)
 {
-    if (current)
-        closeEntry();
-    else
+    if (!current) {
         waiting += line;
+        return;
+    }
+    if (waiting.lines.empty()) {
+        noteText();
+        closeEntry();
+        beginBlock();
+    } else {
+        blockStart = undefined;
+        closeEntry();
+    }
+}
+
+// What the text of the current entry is, for the next load. It reads the same behind any entry that leaves no lines to
+// the next.
+void LDIF_Loader::noteText()
+{
+    if (blockStart == undefined)
+        return;
+    const std::string_view text = source->textFrom(blockStart);
+    if (text.back() == '\n' && text.size() <= std::numeric_limits<std::uint32_t>::max())
+        current->fileText() = {blockStart, static_cast<std::uint32_t>(text.size()), 0, textHash(text)};
+}
+
+// Takes over the entries that stand here as they stood in the text before.
+void LDIF_Loader::beginBlock()
+{
+    blockStart = source->position();
+    while ((current = former.takeAt(blockStart))) {
+        LDIF_Entry::FileText& text = current->fileText();
+        text.offset = blockStart;
+        lastLine += source->skip(text.length);
+        blockStart += text.length;
+        closeEntry();
+    }
+    source->forgetBefore(blockStart);
 }
 
 void LDIF_Loader::takeAttribute(LDIF_Line& line)
@@ -151,6 +188,8 @@ void LDIF_Loader::addOnce(const LDIF_Attribute& attribute, const char* name, boo
 // The first entry marks the head as complete.
 void LDIF_Loader::openEntry(const LDIF_Line& line)
 {
+    if (current)
+        blockStart = undefined;
     closeEntry();
     addDefault("charset", "ISO-8859-1", seenCharset);
     addDefault("version", "1", seenVersion);
@@ -189,6 +228,7 @@ void LDIF_Loader::quarantine(LDIF_Line& line)
 {
     line.changeToInvalidAttr();
     quarantined = true;
+    blockStart = undefined;
 }
 
 void LDIF_Loader::dropTrailingBlankLines()

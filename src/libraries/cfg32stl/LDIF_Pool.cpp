@@ -8,6 +8,7 @@ namespace {
 
 constexpr std::size_t slabSize = std::size_t{64} << 10;
 constexpr std::size_t regionSize = std::size_t{2} << 20;  // a large page of the usual machines
+constexpr std::size_t keptRegions = 4;                    // for the next tree, which is spared asking for them
 constexpr std::size_t granule = 16;                       // bytes: block sizes are its multiples
 
 // A piece of memory that serves one size at a time. Its own fields stand at its beginning.
@@ -61,7 +62,7 @@ bool hasRoom(const Slab& slab) noexcept
 
 void addRegion()
 {
-    constexpr std::size_t smallTree = 2;  // regions: below, a large page would mostly stand empty
+    constexpr std::size_t smallTree = 8;  // regions: below, a large page that is mostly empty would count
     char* const region = static_cast<char*>(allocateRegion(regionSize, regions >= smallTree));
     if (region == nullptr)
         throw std::bad_alloc();
@@ -85,33 +86,42 @@ Slab& addSlab(std::size_t granules)
     return slab;
 }
 
+// Gives a region back of which nothing is in use.
+void releaseSlabs(Slab& first) noexcept
+{
+    for (std::size_t offset = 0; offset < regionSize; offset += slabSize)
+        unlink(*reinterpret_cast<Slab*>(bytesOf(first) + offset));
+    releaseRegion(&first, regionSize);
+    --regions;
+}
+
 void giveBack(Slab& slab) noexcept
 {
     unlink(slab);
     link(unused, slab);
     Slab& first = aligned<regionSize>(&slab);
-    if (--first.taken > 0 || regions == 1)
+    if (--first.taken > 0 || regions <= keptRegions)
         return;
-    for (std::size_t offset = 0; offset < regionSize; offset += slabSize)
-        unlink(*reinterpret_cast<Slab*>(bytesOf(first) + offset));
-    releaseRegion(&first);
-    --regions;
+    releaseSlabs(first);
 }
 
-// Gives the last region back when the library is unloaded, unless somebody still holds a part of it.
-struct LastRegion {
-    LastRegion() = default;
-    LastRegion(const LastRegion&) = delete;
-    LastRegion& operator=(const LastRegion&) = delete;
-    ~LastRegion()
+// Gives the last regions back when the library is unloaded, but for those of which somebody still holds a part. Objects
+// that are destroyed later still may ask for memory.
+struct LastRegions {
+    LastRegions() = default;
+    LastRegions(const LastRegions&) = delete;
+    LastRegions& operator=(const LastRegions&) = delete;
+    ~LastRegions()
     {
-        if (regions != 1 || unused == nullptr || aligned<regionSize>(unused).taken > 0)
-            return;
-        releaseRegion(&aligned<regionSize>(unused));
-        unused = nullptr;  // Objects that are destroyed later still may ask for memory.
-        regions = 0;
+        for (Slab* slab = unused; slab != nullptr;) {
+            Slab& first = aligned<regionSize>(slab);
+            const bool isUsed = first.taken > 0;
+            if (!isUsed)
+                releaseSlabs(first);
+            slab = isUsed ? slab->next : unused;
+        }
     }
-} const lastRegion;
+} const lastRegions;
 
 std::size_t granulesFor(std::size_t bytes) noexcept
 {

@@ -151,7 +151,7 @@ void LDIF_RDN_value::readPlain(LDIF_DnReader& reader)
 {
     const std::string_view start = reader.takeUntil(specialCharacters());
     if (reader.isPlain() && !reader.isAt(backslash)) {
-        append(withoutTrailing(start));
+        std::string::operator=(compact(withoutTrailing(start)));
         return;
     }
     append(start);
@@ -222,7 +222,8 @@ void LDIF_RDN_value::appendQuotedTo(std::string& out) const
 // Most values need no escape at all.
 void LDIF_RDN_value::appendPlainTo(std::string& out) const
 {
-    const auto isSpecial = [](char byte) { return specialCharacters().has(static_cast<wchar_t>(byte)); };
+    const LDIF_CharacterSet& specials = specialCharacters();
+    const auto isSpecial = [&](char byte) { return specials.has(static_cast<wchar_t>(byte)); };
     if (isPlain(*this) && !w_my_isspace(static_cast<wchar_t>(front())) && !w_my_isspace(static_cast<wchar_t>(back())) &&
         std::none_of(begin(), end(), isSpecial)) {
         out += *this;

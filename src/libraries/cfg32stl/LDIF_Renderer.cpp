@@ -34,25 +34,33 @@ void LDIF_Renderer::clear() noexcept
 // What stands side by side in both texts is copied at once.
 void LDIF_Renderer::add(LDIF_Entry& entry)
 {
-    LDIF_Entry::WrittenText& written = entry.writtenText();
-    if (written.version == version) {
-        if (written.offset != runEnd) {
+    LDIF_Entry::FileText& known = entry.fileText();
+    if (known.version == version) {
+        if (known.offset != runEnd) {
             copyRun();
-            runStart = runEnd = written.offset;
+            runStart = runEnd = known.offset;
         }
-        written.offset = next.size() + (runEnd - runStart);
-        runEnd += written.length;
-        written.version = version + 1;
+        known.offset = next.size() + (runEnd - runStart);
+        runEnd += known.length;
+        known.version = version + 1;
     } else {
         copyRun();
-        const std::size_t start = next.size();
-        entry.appendTo(next);
-        const std::size_t length = next.size() - start;
-        const bool fits = length <= std::numeric_limits<std::uint32_t>::max();
-        written = {start, static_cast<std::uint32_t>(length), fits ? version + 1 : 0};
+        makeText(entry);
     }
     for (LDIF_Entry& child : entry.children)
         add(child);
+}
+
+void LDIF_Renderer::makeText(LDIF_Entry& entry)
+{
+    const std::size_t start = next.size();
+    entry.appendTo(next);
+    const std::size_t length = next.size() - start;
+    const bool fits = length <= std::numeric_limits<std::uint32_t>::max();
+    LDIF_Entry::FileText& known = entry.fileText();
+    known.offset = start;
+    known.length = static_cast<std::uint32_t>(length);
+    known.version = fits ? version + 1 : 0;
 }
 
 void LDIF_Renderer::copyRun()

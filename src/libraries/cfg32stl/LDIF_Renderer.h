@@ -20,6 +20,7 @@ public:
 
 private:
     void add(LDIF_Entry& entry);
+    void makeText(LDIF_Entry& entry);
     void copyRun();
 
     std::string text;           // of the last call

@@ -1,6 +1,7 @@
 #include "LDIF_Syntax.h"
 
 #include "LDIF_DN.h"
+#include "LDIF_Util.h"
 #include "LDIF_Value.h"
 
 #include <memory>
@@ -45,7 +46,8 @@ void dnFromStr(LDIF_Value& value, const std::string& text)
 {
     try {
         value.dnValue = std::make_unique<LDIF_DN>(cisString(text));
-        value.stringValue = value.dnValue->str();
+        const std::string printed = value.dnValue->str();
+        value.stringValue = compact(printed);
     } catch (const LDIF_Exception&) {
         throwWrapped(text, value.attrType);
     }

@@ -1,5 +1,6 @@
 #include "LDIF_Syntax.h"
 
+#include "LDIF_Util.h"
 #include "LDIF_Value.h"
 #include "PasswordCodec.h"
 #include "zebldapcfg.h"
@@ -60,7 +61,7 @@ try {
 void pwFromStr(LDIF_Value& value, const std::string& text)
 try {
     if (isEncoded(text)) {
-        value.stringValue = text;
+        value.stringValue = compact(text);
         return;
     }
     requireLength(text, value.attrType);

@@ -1,5 +1,6 @@
 #include "LDIF_Syntax.h"
 
+#include "LDIF_Util.h"
 #include "LDIF_Value.h"
 #include "platform.h"
 #include "zebldapcfg.h"
@@ -63,7 +64,7 @@ void cesFromStr(LDIF_Value& value, const std::string& text)
             throw syntaxFailure(LDAP_INVALID_SYNTAX, CFG_ERR_LENGTH, lengthMessage(*value.attrType, lower, upper), text,
                                 value.attrType);
     }
-    value.stringValue = text;
+    value.stringValue = compact(text);
 }
 
 void cesFromBin(LDIF_Value& value, const void* data, int length)

@@ -4,6 +4,8 @@ namespace {
 
 void assignRelative(LDIF_Entry& entry, std::size_t levelsAbove)
 {
+    if (entry.relativeDn.size() + levelsAbove == entry.dn.size())
+        return;
     entry.relativeDn.assign(entry.dn.begin() + static_cast<std::ptrdiff_t>(levelsAbove), entry.dn.end());
 }
 
@@ -14,14 +16,15 @@ LDIF_TreeBuilder::LDIF_TreeBuilder(LDIF_Entry& treeRoot) : root(treeRoot), nodes
 void LDIF_TreeBuilder::add(LDIF_Entry&& entry)
 {
     const auto number = static_cast<Number>(entries.size());
-    entries.push_back(std::move(entry));
+    entries.push(std::move(entry));
     LDIF_Entry& taken = entries.back();
     hashLevels(taken.dn);
     const Number node = nodeOf(taken.dn, taken.dn.size(), number);
     if (node == 0 || nodes[node].entry != undefined) {
         entry = std::move(taken);
-        entries.pop_back();
+        entries.popBack();
         LDIF_Entry& present = entryOf(node);
+        present.forgetText();
         present.comment += entry.comment;
         present.attributes += entry.attributes;
         return;
@@ -86,15 +89,14 @@ LDIF_TreeBuilder::Number LDIF_TreeBuilder::definedAncestor(Number node)
 // Finds the parents and what each entry is to be called below them, and makes room for the children.
 void LDIF_TreeBuilder::prepare()
 {
-    entries.resize(parents.size());  // one more is there when memory ran out in add
+    if (entries.size() > parents.size())
+        entries.popBack();  // for which memory ran out in add
     std::vector<Number> counts(nodes.size());
     for (Number number = 0; number < entries.size(); ++number) {
         parents[number] = definedAncestor(parents[number]);
         ++counts[parents[number]];
         LDIF_Entry& entry = entries[number];
-        const std::size_t levelsAbove = nodes[parents[number]].levels;
-        if (entry.relativeDn.size() + levelsAbove != entry.dn.size())
-            assignRelative(entry, levelsAbove);
+        assignRelative(entry, nodes[parents[number]].levels);
     }
     for (Number node = 0; node < nodes.size(); ++node) {
         if (counts[node] != 0)
@@ -111,10 +113,10 @@ void LDIF_TreeBuilder::prepare()
 void LDIF_TreeBuilder::finish()
 {
     prepare();
-    for (Number number = 0; number < entries.size(); ++number) {
+    for (Number number = 0; !entries.empty(); ++number) {
         auto& siblings = homes[parents[number]]->children;
-        siblings.push_back(std::move(entries[number]));
+        siblings.push_back(std::move(entries.front()));
         homes[nodeOfEntry[number]] = &siblings.back();
+        entries.popFront();
     }
-    entries.clear();
 }

@@ -4,9 +4,9 @@
 
 #include "LDIF_Entry.h"
 #include "LDIF_HashIndex.h"
+#include "LDIF_Queue.h"
 
 #include <cstdint>
-#include <deque>
 #include <vector>
 
 // Gathers entries in the order in which they come, and hangs them below a root as adding one by one with += would:
@@ -16,8 +16,9 @@ class LDIF_TreeBuilder {
 public:
     explicit LDIF_TreeBuilder(LDIF_Entry& treeRoot);
 
-    // Takes an entry whose DN is set, and whose relativeDn and children are not. Throws LDIF_Exception when it cannot
-    // merge the entry with the one that has its DN; the entry then is what it was.
+    // Takes an entry whose DN is set, and whose children are not. Its relativeDn is set anew where it has another
+    // length. Throws LDIF_Exception when it cannot merge the entry with the one that has its DN; the entry then is what
+    // it was.
     void add(LDIF_Entry&& entry);
     // Hangs all entries below the root, which has no children. Nothing may be added behind it. When memory is
     // exhausted, the root has none of them.
@@ -43,8 +44,8 @@ private:
     void prepare();
 
     LDIF_Entry& root;
-    std::deque<LDIF_Entry, LDIF_PoolAllocator<LDIF_Entry>> entries;  // in order of arrival
-    std::vector<Number> parents;  // by entry: the node above it, in the end that of its parent in the tree
+    LDIF_Queue<LDIF_Entry> entries;  // in order of arrival
+    std::vector<Number> parents;     // by entry: the node above it, in the end that of its parent in the tree
     std::vector<Number> nodeOfEntry;
     std::vector<LDIF_Entry*> homes;  // by node: where its entry stands while the tree is put together
     std::vector<Node> nodes;

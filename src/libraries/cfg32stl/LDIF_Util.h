@@ -24,6 +24,12 @@ extern const char* const empty_str;
 // Gives text back. Throws std::invalid_argument for null: a caller of the exported calls has left an argument out.
 const char* requireText(const char* text);
 
+// A copy that takes no more memory than it needs, as a string that is assigned to may do.
+inline std::string compact(std::string_view text)
+{
+    return std::string(text);
+}
+
 // Whether narrow and wide text are the same here, unit by unit: ASCII without NUL in a locale that knows ASCII.
 bool isPlain(std::string_view text) noexcept;
 

@@ -42,6 +42,7 @@ template <typename Body>
 int framed(CFG& cfg, const char* systemError, Body body, SourcePos pos) noexcept
 {
     try {
+        const LocaleHold hold;
         return cfg.lastError = body();
     } catch (...) {
         return keepFailure(cfg, systemError, pos);
