@@ -66,15 +66,15 @@ std::pair<std::string, std::string> splitName(const std::string& name)
     return {name.substr(0, slash + 1), name.substr(slash + 1)};
 }
 
-// Whether two names stand in the same directory under the same last part.
+// Whether two names stand in the same directory under the same last part, or it cannot be told.
 bool isSamePlace(const std::string& name, const std::string& other)
 {
     const auto [directory, last] = splitName(name);
     const auto [otherDirectory, otherLast] = splitName(other);
     FileStatus status = {};
     FileStatus otherStatus = {};
-    return last == otherLast && ::stat(directory.c_str(), &status) == 0 &&
-           ::stat(otherDirectory.c_str(), &otherStatus) == 0 && isSameInode(status, otherStatus);
+    return last == otherLast && (::stat(directory.c_str(), &status) != 0 ||
+                                 ::stat(otherDirectory.c_str(), &otherStatus) != 0 || isSameInode(status, otherStatus));
 }
 
 }  // namespace
@@ -130,7 +130,7 @@ bool isSameFile(const std::string& name, const std::string& other)
     FileStatus otherEntry = {};
     if (::stat(name.c_str(), &target) != 0 || ::lstat(name.c_str(), &entry) != 0 ||
         ::lstat(other.c_str(), &otherEntry) != 0)
-        return false;
+        return errno != ENOENT && errno != ENOTDIR;
     if (S_ISLNK(entry.st_mode) && isSameInode(target, otherEntry))
         return true;
     return isSameInode(entry, otherEntry) && (entry.st_nlink == 1 || isSamePlace(name, other));

@@ -130,7 +130,7 @@ bool writeFile(const std::string& name, const std::string& text, const FileStatu
 void removeFile(const std::string& name) noexcept;
 
 // Whether the directory entry other is the file itself, or what the file's symbolic link leads to: removing other
-// would remove the file's content. False when one of them is not there.
+// would remove the file's content. False when one of them is not there, true when it cannot be told.
 bool isSameFile(const std::string& name, const std::string& other);
 
 #endif
