@@ -4,8 +4,8 @@
 
 #include <cerrno>
 #include <climits>
+#include <cstdio>
 #include <cstring>
-#include <exception>
 #include <unistd.h>
 
 namespace {
@@ -27,32 +27,21 @@ DWORD win32Error(int error)
     }
 }
 
-// An absolute name for a relative one, or the empty text with the reason in errno.
-std::string behindCurrentDirectory(const char* name)
-{
-    char directory[PATH_MAX];
-    if (getcwd(directory, sizeof directory) == nullptr)
-        return {};
-    std::string path = directory;
-    if (path.back() != '/')
-        path += '/';
-    return path + name;
-}
-
 }  // namespace
 
+// Takes no memory, which could run out: a failure here is that of a name.
 DWORD GetFullPathNameA(const char* name, DWORD size, char* buffer, char** /*filePart*/)
-try {
-    const std::string path = name[0] == '/' ? name : behindCurrentDirectory(name);
-    if (path.empty()) {
+{
+    char directory[PATH_MAX] = "";
+    const bool isAbsolute = name[0] == '/';
+    if (!isAbsolute && getcwd(directory, sizeof directory) == nullptr) {
         setLastError(win32Error(errno));
         return 0;
     }
-    if (path.size() + 1 > size)
-        return static_cast<DWORD>(path.size() + 1);
-    std::memcpy(buffer, path.c_str(), path.size() + 1);
-    return static_cast<DWORD>(path.size());
-} catch (const std::exception&) {
-    setLastError(ERROR_NOT_ENOUGH_MEMORY);
-    return 0;
+    const char* const separator = isAbsolute || std::strcmp(directory, "/") == 0 ? "" : "/";
+    const std::size_t length = std::strlen(directory) + std::strlen(separator) + std::strlen(name);
+    if (length + 1 > size)
+        return static_cast<DWORD>(length + 1);
+    (void)std::snprintf(buffer, size, "%s%s%s", directory, separator, name);
+    return static_cast<DWORD>(length);
 }
