@@ -104,7 +104,7 @@ void* allocateRegion(std::size_t size, bool isLarge) noexcept;
 void releaseRegion(void* region, std::size_t size) noexcept;
 
 // Whether the build checks each block of memory, so that none may be handed out as a part of another.
-#if defined(__SANITIZE_ADDRESS__)
+#if defined(__SANITIZE_ADDRESS__) || defined(ZEBLDAPCFG_CHECK_MEMORY)
 constexpr bool checksMemory = true;
 #elif defined(__has_feature)
 constexpr bool checksMemory = __has_feature(address_sanitizer);

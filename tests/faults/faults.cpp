@@ -1,0 +1,244 @@
+#include "faults.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <clocale>
+#include <csignal>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+FaultPlan current = {};
+bool armed = false;
+long counted = 0;
+std::atomic<long> blocks = 0;
+
+// Counts a call, and says whether the plan meets it.
+bool isMet(FaultCalls call)
+{
+    if (!armed || (current.calls & call) == 0)
+        return false;
+    ++counted;
+    return counted == current.first || (current.lasts && current.first != 0 && counted > current.first);
+}
+
+[[noreturn]] void die()
+{
+    (void)::kill(::getpid(), SIGKILL);
+    std::abort();
+}
+
+// Makes a call of the C library as the plan has it. shortened makes it with half of its bytes.
+template <typename Call, typename Shortened>
+auto planned(FaultCalls kind, Call call, Shortened shortened) -> decltype(call())
+{
+    if (!isMet(kind))
+        return call();
+    if (current.fault == Fault::killBefore || (current.fault == Fault::killHalf && kind != faultWrite))
+        die();
+    if (current.fault == Fault::error) {
+        if (kind == faultClose)
+            (void)call();
+        errno = current.error;
+        return -1;
+    }
+    const auto result = current.fault == Fault::killAfter ? call() : shortened();
+    if (current.fault != Fault::half)
+        die();
+    return result;
+}
+
+template <typename Call>
+auto planned(FaultCalls kind, Call call) -> decltype(call())
+{
+    return planned(kind, call, call);
+}
+
+std::size_t halfOf(std::size_t size)
+{
+    return std::max(size / 2, std::min<std::size_t>(size, 1));
+}
+
+// The function that self stands in front of.
+template <auto self>
+auto behind(const char* name)
+{
+    static const auto next = reinterpret_cast<decltype(self)>(::dlsym(RTLD_NEXT, name));
+    return next;
+}
+
+}  // namespace
+
+void armFaults(const FaultPlan& plan)
+{
+    current = plan;
+    counted = 0;
+    armed = true;
+}
+
+long disarmFaults()
+{
+    armed = false;
+    return counted;
+}
+
+bool isMemoryMet()
+{
+    return isMet(faultMemory);
+}
+
+long liveBlocks()
+{
+    return blocks;
+}
+
+// NOLINTBEGIN(readability-inconsistent-declaration-parameter-name): the headers of the C library have reserved names.
+
+int open(const char* name, int flags, ...)
+{
+    va_list arguments;
+    va_start(arguments, flags);
+    const auto mode = (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;
+    va_end(arguments);
+    return planned(faultOpen, [&] { return behind<&open>("open")(name, flags, mode); });
+}
+
+ssize_t read(int file, void* data, std::size_t size)
+{
+    const auto take = [&](std::size_t count) { return behind<&read>("read")(file, data, count); };
+    return planned(
+        faultRead, [&] { return take(size); }, [&] { return take(halfOf(size)); });
+}
+
+ssize_t write(int file, const void* data, std::size_t size)
+{
+    const auto give = [&](std::size_t count) { return behind<&write>("write")(file, data, count); };
+    return planned(
+        faultWrite, [&] { return give(size); }, [&] { return give(halfOf(size)); });
+}
+
+int close(int file)
+{
+    return planned(faultClose, [&] { return behind<&close>("close")(file); });
+}
+
+int rename(const char* from, const char* to) noexcept
+{
+    return planned(faultRename, [&] { return behind<&rename>("rename")(from, to); });
+}
+
+int unlink(const char* name) noexcept
+{
+    return planned(faultUnlink, [&] { return behind<&unlink>("unlink")(name); });
+}
+
+int stat(const char* name, struct stat* status) noexcept
+{
+    return planned(faultStat, [&] { return behind<&stat>("stat")(name, status); });
+}
+
+int lstat(const char* name, struct stat* status) noexcept
+{
+    return planned(faultStat, [&] { return behind<&lstat>("lstat")(name, status); });
+}
+
+int fstat(int file, struct stat* status) noexcept
+{
+    return planned(faultStat, [&] { return behind<&fstat>("fstat")(file, status); });
+}
+
+int fchown(int file, uid_t owner, gid_t group) noexcept
+{
+    return planned(faultOwner, [&] { return behind<&fchown>("fchown")(file, owner, group); });
+}
+
+int fchmod(int file, mode_t mode) noexcept
+{
+    return planned(faultOwner, [&] { return behind<&fchmod>("fchmod")(file, mode); });
+}
+
+// What setlocale keeps is the C library's own, and it loses some of it when memory runs out: it does not count.
+char* setlocale(int category, const char* locale) noexcept
+{
+    const long before = blocks;
+    char* const name = behind<&setlocale>("setlocale")(category, locale);
+    blocks = before;
+    return name;
+}
+
+#ifndef __SANITIZE_ADDRESS__
+
+// The C library's own names for what stands behind malloc: dlsym allocates memory itself.
+extern "C" {
+void* __libc_malloc(std::size_t size);
+void* __libc_calloc(std::size_t count, std::size_t size);
+void* __libc_realloc(void* block, std::size_t size);
+void* __libc_memalign(std::size_t alignment, std::size_t size);
+void __libc_free(void* block);
+}
+
+namespace {
+
+template <typename Allocate>
+void* counting(Allocate allocate)
+{
+    if (isMet(faultMemory)) {
+        errno = ENOMEM;
+        return nullptr;
+    }
+    void* const block = allocate();
+    blocks += block != nullptr ? 1 : 0;
+    return block;
+}
+
+}  // namespace
+
+void* malloc(std::size_t size) noexcept
+{
+    return counting([&] { return __libc_malloc(size); });
+}
+
+void* calloc(std::size_t count, std::size_t size) noexcept
+{
+    return counting([&] { return __libc_calloc(count, size); });
+}
+
+void* aligned_alloc(std::size_t alignment, std::size_t size) noexcept
+{
+    return counting([&] { return __libc_memalign(alignment, size); });
+}
+
+int posix_memalign(void** block, std::size_t alignment, std::size_t size) noexcept
+{
+    *block = aligned_alloc(alignment, size);
+    return *block != nullptr ? 0 : ENOMEM;
+}
+
+// A failed call keeps the old block; one that goes well gives it up.
+void* realloc(void* block, std::size_t size) noexcept
+{
+    if (block != nullptr && size == 0) {
+        free(block);
+        return nullptr;
+    }
+    void* const moved = counting([&] { return __libc_realloc(block, size); });
+    blocks -= moved != nullptr && block != nullptr ? 1 : 0;
+    return moved;
+}
+
+void free(void* block) noexcept
+{
+    blocks -= block != nullptr ? 1 : 0;
+    __libc_free(block);
+}
+
+#endif
+
+// NOLINTEND(readability-inconsistent-declaration-parameter-name)
