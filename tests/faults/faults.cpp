@@ -29,29 +29,21 @@ bool isMet(FaultCalls call)
     return counted == current.first || (current.lasts && current.first != 0 && counted > current.first);
 }
 
-[[noreturn]] void die()
-{
-    (void)::kill(::getpid(), SIGKILL);
-    std::abort();
-}
-
 // Makes a call of the C library as the plan has it. shortened makes it with half of its bytes.
 template <typename Call, typename Shortened>
 auto planned(FaultCalls kind, Call call, Shortened shortened) -> decltype(call())
 {
     if (!isMet(kind))
         return call();
-    if (current.fault == Fault::killBefore || (current.fault == Fault::killHalf && kind != faultWrite))
-        die();
     if (current.fault == Fault::error) {
         if (kind == faultClose)
             (void)call();
         errno = current.error;
         return -1;
     }
-    const auto result = current.fault == Fault::killAfter ? call() : shortened();
-    if (current.fault != Fault::half)
-        die();
+    const auto result = shortened();
+    if (current.fault == Fault::kill)
+        (void)::kill(::getpid(), SIGKILL);
     return result;
 }
 
@@ -213,12 +205,6 @@ void* calloc(std::size_t count, std::size_t size) noexcept
 void* aligned_alloc(std::size_t alignment, std::size_t size) noexcept
 {
     return counting([&] { return __libc_memalign(alignment, size); });
-}
-
-int posix_memalign(void** block, std::size_t alignment, std::size_t size) noexcept
-{
-    *block = aligned_alloc(alignment, size);
-    return *block != nullptr ? 0 : ENOMEM;
 }
 
 // A failed call keeps the old block; one that goes well gives it up.

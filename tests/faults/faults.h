@@ -6,7 +6,7 @@
 
 // The calls that a plan concerns: any of these, joined.
 enum FaultCalls : unsigned {
-    faultMemory = 1,  // malloc, calloc, realloc, aligned_alloc, posix_memalign
+    faultMemory = 1,  // malloc, calloc, realloc, aligned_alloc
     faultOpen = 2,
     faultRead = 4,
     faultWrite = 8,
@@ -19,11 +19,9 @@ enum FaultCalls : unsigned {
 };
 
 enum class Fault {
-    error,       // the call does nothing (close closes) and fails with the plan's error; memory fails with ENOMEM
-    half,        // a read or write takes half of its bytes, at least one; other calls go well
-    killBefore,  // the process ends by SIGKILL before the call,
-    killHalf,    // in the middle of it, which is the same but for a write,
-    killAfter    // or behind it
+    error,  // the call does nothing (close closes) and fails with the plan's error; memory fails with ENOMEM
+    half,   // a read or write takes half of its bytes, at least one; other calls go well
+    kill    // behind the same, the process ends by SIGKILL
 };
 
 struct FaultPlan {
