@@ -1,5 +1,6 @@
 // The tree with its indexes and kept texts, held against the plain walk that they save.
 #include "LDIF_Entry.h"
+#include "LDIF_Loader.h"
 #include "LDIF_Renderer.h"
 #include "LDIF_TreeBuilder.h"
 
@@ -167,4 +168,28 @@ TEST(Tree, IsTheSameBuiltAtOnceAsEntryByEntry)
         other << placed;
         ASSERT_EQ(one.str(), other.str()) << "seed " << seed;
     }
+}
+
+// Names in any order and case, some of them again, with comments: the loader keeps those of a large entry apart.
+TEST(Tree, TakesTheAttributesOfALargeEntryInAnyOrder)
+{
+    std::mt19937 random(4);
+    std::string text;
+    for (int number = 0; number < 3000; ++number)
+        text += "# " + std::to_string(number) + (number % 2 != 0 ? "\nX" : "\nx") + std::to_string(random() % 1500) +
+                ": " + std::to_string(random() % 3) + '\n';
+    std::istringstream lines(text);
+    LDIF_Attributes plain;
+    LDIF_Comment before;
+    for (LDIF_Line line; line.next(lines, 0) > 0 && line.type != LDIF_Line::endOfFile;) {
+        if (line.type == LDIF_Line::attribute)
+            plain.add(line, before);
+        else
+            before += line;
+    }
+    LDIF_Entry root;
+    LDIF_Loader(root, before).load("dn: cn=a\n" + text);
+    ASSERT_EQ(root.children.size(), 1U);
+    EXPECT_GT(plain.size(), 1000U);
+    EXPECT_EQ(root.children.front().attributes.str(), plain.str());
 }

@@ -54,6 +54,15 @@ LDIF_Attribute& LDIF_Attribute::operator+=(const std::string& value)
     return *this;
 }
 
+void LDIF_Attribute::add(const LDIF_Line& line, LDIF_Comment& before)
+{
+    comment.lines.reserve(comment.lines.size() + before.lines.size());
+    values += line.value;
+    for (LDIF_Line& each : before.lines)
+        comment.lines.push_back(std::move(each));
+    before.clear();
+}
+
 std::string LDIF_Attributes::str() const
 {
     std::string text;
@@ -105,11 +114,7 @@ void LDIF_Attributes::add(const LDIF_Line& line, LDIF_Comment& before)
         std::swap(place->comment, before);
         return;
     }
-    place->comment.lines.reserve(place->comment.lines.size() + before.lines.size());
-    *place += line.value;
-    for (LDIF_Line& each : before.lines)
-        place->comment.lines.push_back(std::move(each));
-    before.clear();
+    place->add(line, before);
 }
 
 LDIF_Attributes& LDIF_Attributes::operator-=(const LDIF_Attribute& attribute)

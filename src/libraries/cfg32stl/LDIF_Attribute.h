@@ -42,6 +42,9 @@ public:
     LDIF_Attribute& operator+=(const LDIF_Comment& lines);
     // Throws LDIF_Exception for a value that the syntax refuses.
     LDIF_Attribute& operator+=(const std::string& value);
+    // Adds the value of a line of this name, and moves the lines that stand before it to the comment. After a failure
+    // nothing has changed.
+    void add(const LDIF_Line& line, LDIF_Comment& before);
 };
 
 // The attributes of one entry in ascending order of name, no two of the same name.

@@ -4,6 +4,7 @@
 #include "LDIF_TextHash.h"
 #include "zebldapcfg.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <limits>
 #include <string_view>
@@ -159,10 +160,37 @@ void LDIF_Loader::takeAttribute(LDIF_Line& line)
 void LDIF_Loader::addAttribute(const LDIF_Line& line)
 {
     if (current)
-        return current->attributes.add(line, waiting);
+        return addToEntry(line);
     LDIF_Attribute attribute(line, LDIF_Comment());
     std::swap(attribute.comment, waiting);
     addToHead(attribute);
+}
+
+void LDIF_Loader::addToEntry(const LDIF_Line& line)
+{
+    constexpr std::size_t largeEntry = 256;
+    LDIF_Attributes& attributes = current->attributes;
+    const auto hasPlace = [&](const cisString& name) {
+        return attributes.back().compare(name) < 0 || attributes.find(name) != attributes.data() + attributes.size();
+    };
+    if (attributes.size() < largeEntry || hasPlace(cisString(line.name)))
+        return attributes.add(line, waiting);
+    const auto known = late.find(cisString(line.name));
+    if (known != late.end())
+        return known->second.add(line, waiting);
+    LDIF_Attribute& added = late.emplace(line.name, LDIF_Attribute(line, LDIF_Comment())).first->second;
+    std::swap(added.comment, waiting);
+}
+
+void LDIF_Loader::takeInLate()
+{
+    LDIF_Attributes& attributes = current->attributes;
+    const auto inPlace = static_cast<std::ptrdiff_t>(attributes.size());
+    attributes.reserve(attributes.size() + late.size());
+    for (auto& each : late)
+        attributes.push_back(std::move(each.second));
+    late.clear();
+    std::inplace_merge(attributes.begin(), attributes.begin() + inPlace, attributes.end());
 }
 
 void LDIF_Loader::addToHead(const LDIF_Attribute& attribute)
@@ -209,6 +237,8 @@ void LDIF_Loader::closeEntry()
 {
     if (!current)
         return;
+    if (!late.empty())
+        takeInLate();
     attributeCount = current->attributes.size();
     tree.add(std::move(*current));
     current.reset();

@@ -9,6 +9,7 @@
 #include "LDIF_LineSource.h"
 #include "LDIF_TreeBuilder.h"
 
+#include <map>
 #include <optional>
 #include <string>
 
@@ -40,6 +41,8 @@ private:
     void takeBlankLine(const LDIF_Line& line);
     void takeAttribute(LDIF_Line& line);
     void addAttribute(const LDIF_Line& line);
+    void addToEntry(const LDIF_Line& line);
+    void takeInLate();
     void addToHead(const LDIF_Attribute& attribute);
     void addOnce(const LDIF_Attribute& attribute, const char* name, bool& seen);
     void openEntry(const LDIF_Line& line);
@@ -61,6 +64,8 @@ private:
     // Where the text of the current entry begins: right behind the blank line of an entry that left no lines to this
     // one. Without such an entry, and for an entry that is not all that its text says, undefined.
     std::size_t blockStart = undefined;
+    // What sorts before others of a large entry: it waits for the end of the entry, so that it does not move them all.
+    std::map<cisString, LDIF_Attribute> late;
     std::size_t attributeCount = 0;  // of the entry before: most entries of a file are alike
     int lastLine = 0;
     bool seenVersion = false;
