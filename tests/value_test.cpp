@@ -203,6 +203,15 @@ TEST(Values, FindTheSameInLongListsAsOneByOne)
             }
             ASSERT_EQ(list.size(), plain.size()) << name << step;
         }
+        std::vector<std::string> gone = {"cn=0", "7", "cn=5", "07", "7", "cn=0", "no, DN", "cn=8", "9"};
+        LDIF_Values atOnce = list;
+        const std::string refused = outcomeOf([&] { return (atOnce -= gone).str(); });
+        EXPECT_EQ(refused, outcomeOf([&] {
+                      for (const std::string& text : gone)
+                          list -= text;
+                      return list.str();
+                  }));
+        EXPECT_EQ(atOnce.str(), list.str());
     }
 }
 

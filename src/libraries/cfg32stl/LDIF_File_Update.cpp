@@ -94,8 +94,7 @@ void deleteValues(LDIF_Entry& entry, const Modification& mod)
         failure.value = mod.shownValue();
         throw failure;
     }
-    for (auto value = mod.values.begin(); value != mod.values.end() && !present->values.empty(); ++value)
-        present->values -= *value;
+    present->values -= mod.values;
     if (mod.values.empty() || present->values.empty())
         removeAttribute(attributes, present);
 }

@@ -6,6 +6,7 @@
 #include "platform.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -112,6 +113,42 @@ LDIF_Values& LDIF_Values::operator-=(const std::string& text)
     } catch (...) {
         wrapAndThrow("System error in LDIF_Values::operator -=", fieldsOf(*this, text));
     }
+}
+
+LDIF_Values& LDIF_Values::operator-=(const std::vector<std::string>& texts)
+{
+    std::vector<bool> isGone(size());
+    size_type left = size();
+    for (auto text = texts.begin(); text != texts.end() && left > 0; ++text) {
+        try {
+            const auto found = static_cast<size_type>(find(*text) - data());
+            if (found == size() || isGone[found])
+                continue;
+            isGone[found] = true;
+            --left;
+        } catch (...) {
+            removeMarked(isGone);
+            wrapAndThrow("System error in LDIF_Values::operator -=", fieldsOf(*this, *text));
+        }
+    }
+    removeMarked(isGone);
+    return *this;
+}
+
+void LDIF_Values::removeMarked(const std::vector<bool>& isGone) noexcept
+{
+    if (std::find(isGone.begin(), isGone.end(), true) == isGone.end())
+        return;
+    index->reset();
+    size_type kept = 0;
+    for (size_type at = 0; at < size(); ++at) {
+        if (isGone[at])
+            continue;
+        if (kept != at)
+            (*this)[kept] = std::move((*this)[at]);
+        ++kept;
+    }
+    erase(begin() + static_cast<difference_type>(kept), end());
 }
 
 const LDIF_Value* LDIF_Values::find(const std::string& text) const

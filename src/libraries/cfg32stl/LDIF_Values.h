@@ -38,6 +38,9 @@ public:
     LDIF_Values& operator+=(const LDIF_Values& other);
     // Removes the value equal to text, if there is one. An empty list takes any text.
     LDIF_Values& operator-=(const std::string& text);
+    // Removes the values equal to these texts, one after the other up to the one that leaves nothing, but moves the
+    // others only once. After a failure those before the failing one are gone.
+    LDIF_Values& operator-=(const std::vector<std::string>& texts);
 
     // The value equal to text, or the end: data() + size(). An empty list takes any text.
     const LDIF_Value* find(const std::string& text) const;
@@ -52,6 +55,7 @@ private:
         std::size_t folding = 0;  // of the locale under which the hashes were made
     };
 
+    void removeMarked(const std::vector<bool>& isGone) noexcept;
     const LDIF_Value* findEqual(const LDIF_Value& value) const;
     std::size_t findByHash(const LDIF_Value& value) const;
 
