@@ -7,6 +7,7 @@
 #include <fstream>
 #include <memory>
 #include <random>
+#include <sstream>
 #include <string>
 #include <tuple>
 
@@ -37,8 +38,9 @@ inline void writeText(const std::string& name, const std::string& text)
 
 inline std::string readText(const std::string& name)
 {
-    std::ifstream file(name, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
+    std::ostringstream text;
+    text << std::ifstream(name, std::ios::binary).rdbuf();
+    return text.str();
 }
 
 // The failure that a call throws, or null; codesOf gives its codes and msg. Who uses them includes LDIF_Exception.h.
