@@ -20,7 +20,7 @@ void* operator new(std::size_t size)
     return block != nullptr ? block : throw std::bad_alloc();
 }
 
-extern "C" const char* __asan_default_options()
+extern "C" [[gnu::visibility("default")]] const char* __asan_default_options()
 {
     return "alloc_dealloc_mismatch=0";
 }
