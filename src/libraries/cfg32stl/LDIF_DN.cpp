@@ -95,7 +95,9 @@ LDIF_DN& LDIF_DN::operator-=(const LDIF_DN& other)
 
 std::string LDIF_DN::str() const
 {
+    constexpr size_type usualLength = 32;  // of an RDN
     std::string text;
+    text.reserve(size() * usualLength);
     appendTo(text);
     return text;
 }

@@ -159,7 +159,7 @@ std::vector<LDIF_Entry>::iterator LDIF_Entry::findChild(const LDIF_DN& path, std
 // The index of the children, made anew where they or the locale have changed without it; null for a small family.
 LDIF_Entry::ChildIndex* LDIF_Entry::index()
 {
-    constexpr std::size_t largeFamily = 32;
+    constexpr std::size_t largeFamily = 8;
     if (children.size() < largeFamily) {
         childIndex->reset();
         return nullptr;

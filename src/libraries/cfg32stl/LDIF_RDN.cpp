@@ -301,7 +301,10 @@ LDIF_RDN::LDIF_RDN(LDIF_DnReader& reader)
     const std::size_t start = reader.position();
     try {
         for (;;) {
-            add(LDIF_RDN_pair(reader));
+            if (empty())
+                emplace_back(reader);
+            else
+                add(LDIF_RDN_pair(reader));
             if (reader.atEnd() || reader.isAt(L',') || reader.isAt(L';'))
                 return;
             if (!reader.isAt(L'+'))

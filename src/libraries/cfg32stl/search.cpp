@@ -32,10 +32,10 @@ public:
 
     CFGMessage& append()
     {
-        auto* const record = static_cast<CFGMessage*>(std::calloc(1, sizeof(CFGMessage)));
+        auto* const record = static_cast<CFGMessage*>(std::malloc(sizeof(CFGMessage)));
         if (record == nullptr)
             throw static_cast<char*>(outOfMemory);
-        record->type = type;
+        *record = {type, nullptr, nullptr, nullptr};
         *end = record;
         end = &record->next;
         return *record;
