@@ -28,7 +28,8 @@
  * memory or on the file: one thread at a time may be inside it, and the later of two writing processes wins.
  *
  * Passwords. They are stored encoded and handed out in clear by cfg_search_s; the failure of a refused password
- * holds its clear text (cfg_get_value, cfg_dump_exception).
+ * holds its clear text (cfg_get_value, cfg_dump_exception). Other copies of a clear text are overwritten before their
+ * memory is released.
  */
 #ifndef ZEBLDAPCFG_H
 #define ZEBLDAPCFG_H

@@ -8,8 +8,10 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <malloc.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -19,6 +21,8 @@ FaultPlan current = {};
 bool armed = false;
 long counted = 0;
 std::atomic<long> blocks = 0;
+const char* watched = nullptr;
+long found = 0;
 
 // Counts a call, and says whether the plan meets it.
 bool isMet(FaultCalls call)
@@ -91,13 +95,20 @@ long liveBlocks()
     return blocks;
 }
 
+long watchReleases(const char* text)
+{
+    watched = text;
+    return found;
+}
+
 // NOLINTBEGIN(readability-inconsistent-declaration-parameter-name): the headers of the C library have reserved names.
 
 int open(const char* name, int flags, ...)
 {
     va_list arguments;
     va_start(arguments, flags);
-    const auto mode = (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;
+    const auto mode = (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t)
+                                             : 0;  // NOLINT(clang-analyzer-valist.Uninitialized): it is started above
     va_end(arguments);
     return planned(faultOpen, [&] { return behind<&open>("open")(name, flags, mode); });
 }
@@ -190,6 +201,13 @@ void* counting(Allocate allocate)
     return block;
 }
 
+void lookAt(void* block)
+{
+    if (watched != nullptr && block != nullptr &&
+        ::memmem(block, ::malloc_usable_size(block), watched, std::strlen(watched)) != nullptr)
+        ++found;
+}
+
 }  // namespace
 
 void* malloc(std::size_t size) noexcept
@@ -214,6 +232,7 @@ void* realloc(void* block, std::size_t size) noexcept
         free(block);
         return nullptr;
     }
+    lookAt(block);  // It may move, and then is released.
     void* const moved = counting([&] { return __libc_realloc(block, size); });
     blocks -= moved != nullptr && block != nullptr ? 1 : 0;
     return moved;
@@ -221,6 +240,7 @@ void* realloc(void* block, std::size_t size) noexcept
 
 void free(void* block) noexcept
 {
+    lookAt(block);
     blocks -= block != nullptr ? 1 : 0;
     __libc_free(block);
 }

@@ -44,4 +44,8 @@ bool isMemoryMet();
 // with it this is always 0, and only the plan of a program that asks isMemoryMet concerns memory.
 long liveBlocks();
 
+// Looks for a text, which the caller keeps, in each block that is released from now on; null ends it. Gives how many
+// had it so far.
+long watchReleases(const char* text);
+
 #endif

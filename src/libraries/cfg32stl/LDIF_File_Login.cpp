@@ -1,6 +1,7 @@
 // The login against the entry that holds the administrator's name and password.
 #include "LDIF_Exception.h"
 #include "LDIF_File.h"
+#include "LDIF_Util.h"
 
 namespace {
 
@@ -21,7 +22,9 @@ bool matchesFirstValue(LDIF_Entry& entry, const char* name, const char* text)
     const LDIF_Attribute* const attribute = entry.attributes.find(cisString(name));
     if (attribute == entry.attributes.data() + entry.attributes.size() || attribute->values.empty())
         return false;
-    return attribute->values.front() == std::string(text);
+    std::string wanted = text;
+    const Wiper wiper(wanted);
+    return attribute->values.front() == wanted;
 }
 
 }  // namespace

@@ -9,6 +9,18 @@
 
 namespace {
 
+// The number of values.
+std::size_t countOf(const LDAPMod& record)
+{
+    const auto count = [](auto** values) {
+        std::size_t number = 0;
+        while (values != nullptr && values[number] != nullptr)
+            ++number;
+        return number;
+    };
+    return (record.mod_op & LDAP_MOD_BVALUES) != 0 ? count(record.mod_bvalues) : count(record.mod_values);
+}
+
 // One record of an update, as the library reads it.
 class Modification {
 public:
@@ -16,6 +28,7 @@ public:
         : operation(record.mod_op & ~LDAP_MOD_BVALUES), isBinary((record.mod_op & LDAP_MOD_BVALUES) != 0),
           type(record.mod_type)
     {
+        values.reserve(countOf(record));
         if (isBinary) {
             for (berval** value = record.mod_bvalues; value != nullptr && *value != nullptr; ++value)
                 values.emplace_back((*value)->bv_val != nullptr ? (*value)->bv_val : empty_str);
@@ -23,6 +36,13 @@ public:
             for (char** value = record.mod_values; value != nullptr && *value != nullptr; ++value)
                 values.emplace_back(*value);
         }
+    }
+
+    Modification(const Modification&) = delete;
+    Modification& operator=(const Modification&) = delete;
+    ~Modification()
+    {
+        std::for_each(values.begin(), values.end(), [](std::string& value) { wipe(value); });
     }
 
     // Throws std::invalid_argument for a record without a name.

@@ -17,6 +17,16 @@ bool isDn(std::string_view name)
     return name.size() == 2 && foldCase(name[0]) == 'd' && foldCase(name[1]) == 'n';
 }
 
+// All but the first character, in text that is not plain.
+void appendWithoutFirst(std::string_view text, std::string& out)
+{
+    WideText wide(text);
+    wide.units.erase(0, 1);
+    std::string narrow = wide2multibyte(wide.units);
+    const Wiper wiper(narrow);
+    out += narrow;
+}
+
 // continuation = a white space, then text that goes behind the value as it is
 int readContinuations(LDIF_LineSource& in, int lastLine, std::string& value, bool& isPlain)
 {
@@ -27,10 +37,11 @@ int readContinuations(LDIF_LineSource& in, int lastLine, std::string& value, boo
             break;
         }
         isPlain = isPlain && line.isPlain;
+        reserveWiping(value, value.size() + line.text.size());
         if (line.isPlain)
             value += line.text.substr(1);
         else
-            value += wide2multibyte(multibyte2wide(std::string(line.text)).substr(1));
+            appendWithoutFirst(line.text, value);
     }
     return lastLine;
 }
@@ -90,6 +101,7 @@ int LDIF_Line::next(LDIF_LineSource& in, int lastLine)
     readName(line, colon);
     const std::size_t start = wellFormed ? line.text.find_first_not_of(':', colon) : std::string_view::npos;
     bool isPlain = line.isPlain;
+    reserveWiping(value, line.text.size());
     value = line.text.substr(std::min(start, line.text.size()));
     if (isPlain)
         value.erase(0, value.size() - withoutLeading(value).size());
@@ -126,6 +138,7 @@ void LDIF_Line::appendTo(std::string& out) const
 
 void LDIF_Line::changeToInvalidAttr()
 {
+    reserveWiping(value, name.size() + 2 + value.size());
     value.insert(0, name + ": ");
     name = invalidLine;
 }

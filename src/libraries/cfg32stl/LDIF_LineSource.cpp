@@ -15,7 +15,7 @@ void w_stripCarriageReturn(std::wstring& text)
 bool LDIF_PhysicalLine::isBlank() const
 {
     if (!isPlain)
-        return ::isBlank(std::string(text));
+        return w_isBlank(WideText(text).units);
     return std::all_of(text.begin(), text.end(), [](char byte) { return w_my_isspace(static_cast<wchar_t>(byte)); });
 }
 
@@ -23,16 +23,16 @@ bool LDIF_PhysicalLine::isContinuation() const
 {
     if (text.empty())
         return false;
-    return w_my_isspace(isPlain ? static_cast<wchar_t>(text[0]) : multibyte2wide(std::string(text))[0]);
+    return w_my_isspace(isPlain ? static_cast<wchar_t>(text[0]) : WideText(text).units[0]);
 }
 
 std::size_t LDIF_PhysicalLine::findColon() const
 {
     if (isPlain)
         return text.find(':');
-    const std::wstring wide = multibyte2wide(std::string(text));
-    const std::size_t colon = wide.find(L':');
-    return colon == std::wstring::npos ? std::string::npos : wide2multibyte(wide.substr(0, colon)).size();
+    const WideText wide(text);
+    const std::size_t colon = wide.units.find(L':');
+    return colon == std::wstring::npos ? std::string::npos : wide2multibyte(wide.units.substr(0, colon)).size();
 }
 
 void LDIF_LineSource::set(LDIF_PhysicalLine& line, std::string_view bytes)
@@ -41,10 +41,16 @@ void LDIF_LineSource::set(LDIF_PhysicalLine& line, std::string_view bytes)
     line.text = bytes;
     if (line.isPlain && (!mayHoldReturns || bytes.find('\r') == std::string_view::npos))
         return;
-    std::wstring wide = multibyte2wide(std::string(bytes));
-    w_stripCarriageReturn(wide);
-    stored = wide2multibyte(wide);
+    WideText wide(bytes);
+    w_stripCarriageReturn(wide.units);
+    wipe(stored);
+    stored = wide2multibyte(wide.units);
     line.text = stored;
+}
+
+LDIF_LineSource::~LDIF_LineSource()
+{
+    wipe(stored);
 }
 
 LDIF_TextSource::LDIF_TextSource(std::string&& wholeText)

@@ -23,7 +23,7 @@ class LDIF_LineSource {
 public:
     LDIF_LineSource(const LDIF_LineSource&) = delete;
     LDIF_LineSource& operator=(const LDIF_LineSource&) = delete;
-    virtual ~LDIF_LineSource() = default;
+    virtual ~LDIF_LineSource();
 
     // Whether there is something to read: false once a read has met the end.
     virtual bool good() const = 0;

@@ -2,6 +2,7 @@
 
 #include "LDIF_Exception.h"
 #include "LDIF_TextHash.h"
+#include "LDIF_Util.h"
 #include "zebldapcfg.h"
 
 #include <algorithm>
@@ -60,6 +61,7 @@ void LDIF_Loader::finishQuietly() noexcept
 void LDIF_Loader::readLines()
 {
     LDIF_Line line;
+    const Wiper wiper(line.value);
     while (readLine(line))
         take(line);
     closeEntry();

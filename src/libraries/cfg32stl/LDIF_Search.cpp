@@ -59,6 +59,12 @@ private:
 
 }  // namespace
 
+LDIF_Filter::~LDIF_Filter()
+{
+    wipe(value);
+    wipe(memory->text);
+}
+
 LDIF_Filter::LDIF_Filter(const std::string& text)
 {
     *this = text;
@@ -68,6 +74,7 @@ LDIF_Filter::LDIF_Filter(const std::string& text)
 LDIF_Filter& LDIF_Filter::operator=(const std::string& text)
 {
     std::string rest = text;
+    const Wiper wiper(rest);
     *this = LDIF_Filter();
     stripLeading(rest);
     const auto equals = rest.find('=');
@@ -92,6 +99,7 @@ LDIF_Filter& LDIF_Filter::operator=(const std::string& text)
 // value = *( backslash 2hexChar / any other byte ); a bad escape ends it
 void LDIF_Filter::readValue(const std::string& text)
 {
+    value.reserve(text.size());
     for (std::size_t pos = 0; pos < text.size();) {
         char byte = text[pos];
         if (byte != '\\') {

@@ -23,6 +23,11 @@ public:
     LDIF_Filter() = default;
     // Throws LDIF_Exception (162) for text that the locale cannot convert.
     explicit LDIF_Filter(const std::string& text);
+    LDIF_Filter(const LDIF_Filter& other) = default;
+    LDIF_Filter(LDIF_Filter&& other) noexcept = default;
+    LDIF_Filter& operator=(const LDIF_Filter& other) = default;
+    LDIF_Filter& operator=(LDIF_Filter&& other) noexcept = default;
+    ~LDIF_Filter();
     LDIF_Filter& operator=(const std::string& text);
 
     // Throws LDIF_Exception for a value that the attribute's syntax refuses.

@@ -55,6 +55,12 @@ std::size_t lengthWithoutTrailing(const Text& text) noexcept
     return w_my_isspace(text[last]) ? last : last + 1;
 }
 
+std::string& replace(std::string& text, std::string&& other) noexcept
+{
+    wipe(text);
+    return text = std::move(other);
+}
+
 // The value of a hex digit, or -1.
 int hexValue(wchar_t unit) noexcept
 {
@@ -127,7 +133,7 @@ bool w_isBlank(const std::wstring& text) noexcept
 
 bool isBlank(const std::string& text)
 {
-    return w_isBlank(multibyte2wide(text));
+    return w_isBlank(WideText(text).units);
 }
 
 std::string_view withoutLeading(std::string_view plainText) noexcept
@@ -152,8 +158,8 @@ std::string& stripLeading(std::string& text)
         text.erase(0, leadingEdges(text));
         return text;
     }
-    std::wstring wide = multibyte2wide(text);
-    return text = wide2multibyte(w_stripLeading(wide));
+    WideText wide(text);
+    return replace(text, wide2multibyte(w_stripLeading(wide.units)));
 }
 
 std::wstring& w_stripTrailing(std::wstring& text) noexcept
@@ -168,8 +174,8 @@ std::string& stripTrailing(std::string& text)
         text.resize(lengthWithoutTrailing(text));
         return text;
     }
-    std::wstring wide = multibyte2wide(text);
-    return text = wide2multibyte(w_stripTrailing(wide));
+    WideText wide(text);
+    return replace(text, wide2multibyte(w_stripTrailing(wide.units)));
 }
 
 bool w_hexPair(const std::wstring& text, std::size_t pos, char& byte) noexcept
@@ -239,4 +245,36 @@ std::string wide2multibyte(const std::wstring& text)
             return narrow;
     }
     throw LDIF_Exception(narrowFailure, narrowFailure, "wcstombs()");
+}
+
+void wipe(std::string& text) noexcept
+{
+    text.resize(text.capacity());
+    wipe(text.data(), text.size());
+    text.clear();
+}
+
+void wipe(std::wstring& text) noexcept
+{
+    text.resize(text.capacity());
+    wipe(text.data(), text.size() * sizeof(wchar_t));
+    text.clear();
+}
+
+void reserveWiping(std::string& text, std::size_t size)
+{
+    if (size <= text.capacity())
+        return;
+    std::string larger;
+    larger.reserve(std::max(size, 2 * text.capacity()));
+    larger = text;
+    text.swap(larger);
+    wipe(larger);
+}
+
+WideText::WideText(std::string_view narrow)
+{
+    std::string text(narrow);
+    const Wiper wiper(text);
+    units = multibyte2wide(text);
 }

@@ -68,4 +68,39 @@ std::string& byte2hex(unsigned int byte, std::string& out);
 std::wstring multibyte2wide(const std::string& text);
 std::string wide2multibyte(const std::wstring& text);
 
+// What follows is for texts that may hold a clear password: no memory that held one is released before it is
+// overwritten.
+//
+// Overwrites a text with all the memory that it has, and empties it.
+void wipe(std::string& text) noexcept;
+void wipe(std::wstring& text) noexcept;
+
+// Wipes a text at the end of its own life, which is over before that of the text.
+template <typename Text>
+class Wiper {
+public:
+    explicit Wiper(Text& wiped) noexcept : text(wiped) {}
+    Wiper(const Wiper&) = delete;
+    Wiper& operator=(const Wiper&) = delete;
+    ~Wiper() { wipe(text); }
+
+private:
+    Text& text;
+};
+
+// Makes room for that many bytes, and wipes what the text stood in before.
+void reserveWiping(std::string& text, std::size_t size);
+
+// The wide form of a text, wiped at the end.
+class WideText {
+public:
+    // Throws LDIF_Exception (162) for text that the locale cannot convert.
+    explicit WideText(std::string_view narrow);
+    WideText(const WideText&) = delete;
+    WideText& operator=(const WideText&) = delete;
+    ~WideText() { wipe(units); }
+
+    std::wstring units;
+};
+
 #endif

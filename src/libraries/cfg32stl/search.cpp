@@ -163,7 +163,9 @@ int cfg_search_s(CFG* cfg, const char* base, int scope, const char* filter, char
         LDIF_File& file = *cfg->file;
         file.refresh();
         const LDIF_DN dn = dnOf(base);
-        const LDIF_Filter test{std::string(requireText(filter))};
+        std::string filterText = requireText(filter);
+        const Wiper wiper(filterText);
+        const LDIF_Filter test(filterText);
         const LDIF_AttrFilter selection = selectionOf(attrs);
         return buildChain(ChainBuilder(file, selection), file.findEntries(dn, scopeOf(scope), test), *result);
     };
