@@ -14,6 +14,7 @@ char text[] = "cn";
 CFGMessage attribute = {CFG_MSG_ATTRIBUTE, text, nullptr, nullptr};
 CFGMessage entry = {CFG_MSG_ENTRY, text, &attribute, nullptr};
 CFGMessage* found = nullptr;
+BerElement* noWalk = nullptr;
 
 // One record of an update.
 struct Mod {
@@ -101,9 +102,15 @@ TEST_F(Api, EveryCallTakesANullAndAnUnboundHandle)
         {[](CFG* c) { return std::to_string(cfg_count_entries(c, &entry)); }, "89", "1", 0},
         {[](CFG* c) { return std::to_string(cfg_count_attributes(c, &entry)); }, "89", "1", 0},
         {[](CFG* c) { return taken(cfg_get_dn(c, &entry)); }, "cn", "cn", 0},
+        {[](CFG* c) { return std::to_string(cfg_count_attributes(c, nullptr)); }, "89", "0", 0},
+        {[](CFG* c) { return taken(cfg_get_dn(c, nullptr)); }, "null", "null", 89},
         {[](CFG* c) { return taken(cfg_get_dn(c, &attribute)); }, "null", "null", 89},
         {[](CFG* c) { return taken(cfg_first_attribute(c, &entry, nullptr)); }, "null", "null", 89},
+        {[](CFG* c) { return taken(cfg_first_attribute(c, nullptr, &noWalk)); }, "null", "null", 89},
         {[](CFG* c) { return taken(cfg_next_attribute(c, &entry, nullptr)); }, "null", "null", 89},
+        {[](CFG* c) { return std::to_string(cfg_get_values(c, nullptr, text) == nullptr); }, "1", "1", 89},
+        {[](CFG* c) { return std::to_string(cfg_get_values(c, &entry, nullptr) == nullptr); }, "1", "1", 89},
+        {[](CFG* c) { return std::to_string(cfg_get_values(c, &entry, "CN") == nullptr); }, "1", "1", 0},
         {[](CFG* c) { return std::to_string(cfg_get_values(c, &entry, "sn") == nullptr); }, "1", "1", 16},
         {report, "89/89 0 [null|null|null] ", "86/86 0 [|null|] Bind method must be one of { LDAP_AUTH_SIMPLE }", 86},
         {[](CFG* c) { return shown(cfg_tree_view(c, 0)); }, "null", "null", 86},
@@ -229,6 +236,14 @@ TEST_F(Api, UpdatesChangeTheTreeAsFarAsTheyGo)
     std::filesystem::last_write_time(name, std::filesystem::file_time_type::clock::now() - std::chrono::hours(1));
     EXPECT_EQ(cfg_add_s(cfg, "cn=\U0001F600", nullptr), 0);
     EXPECT_EQ(readText(name), head + "\ndn: cn=b\n\ndn: cn=\U0001F600\n\n");
+    berval noText = {0, nullptr};
+    berval* blocks[] = {&noText, nullptr};
+    LDAPMod empty = {add | binary, text, {reinterpret_cast<char**>(blocks)}};
+    LDAPMod noTexts = {add, text, {nullptr}}, noBlocks = {add | binary, text, {nullptr}};
+    LDAPMod* records[] = {&empty, &noTexts, &noBlocks, nullptr};
+    EXPECT_EQ(cfg_add_s(cfg, "cn=b", records), 0);
+    EXPECT_EQ(readText(name), head + "\ndn: cn=b\ncn: \n\ndn: cn=\U0001F600\n\n");
+    EXPECT_EQ(shown(cfg_get_file_name(cfg)) + shown(cfg_get_file_name(nullptr)), name + "null");
     EXPECT_EQ(cfg_delete_s(cfg, "cn=a"), 32);
     const std::string chain = shown(cfg_dump_exception(cfg));
     cfg_set_option(cfg, CFG_OPT_SHOW_STACK, nullptr);

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 #include <random>
+#include <sstream>
 
 static const ScopedLocale utf8;
 
@@ -58,11 +59,55 @@ TEST(Dn, RefusesWhatIsNone)
         EXPECT_EQ(outcomeOf([&] { return dn(empty).str(); }), "34/1013 Missing RDN attribute value [1]") << empty;
 }
 
+// What a part takes from the front of a text, and what it leaves.
+template <typename Part>
+static std::string taken(const std::string& text)
+{
+    return outcomeOf([&] {
+        cisString rest(text);
+        const std::string part = Part(rest).str();
+        return part + '|' + rest;
+    });
+}
+
 TEST(Rdn, LeavesTheRestToItsCaller)
 {
-    cisString rest("cn=(a )+ou=b ) ;x"), bad("\xFF");
-    EXPECT_TRUE(LDIF_RDN(rest).str() == "cn=a + ou=b" && rest == ";x") << rest;
-    EXPECT_EQ(outcomeOf([&] { return LDIF_RDN_value(bad).str(); }), "162/162 mbstowcs( \xFF ) [2]");
+    const std::tuple<std::string (*)(const std::string&), const char*, const char*> cases[] = {
+        {taken<LDIF_RDN>, "cn=(a )+ou=b ) ;x", "cn=a + ou=b|;x"},
+        {taken<LDIF_RDN>, "", "34/1011 Missing RDN attribute [1]"},
+        {taken<LDIF_RDN_pair>, "CN = (a)+b", "CN=a|+b"},
+        {taken<LDIF_RDN_pair>, "", "34/1011 Missing RDN attribute [1]"},
+        {taken<LDIF_RDN_pair>, "cn", "34/1013 Missing RDN value: cn [2]"},
+        {taken<LDIF_RDN_attribute>, "CN (=a", "CN|=a"},
+        {taken<LDIF_RDN_attribute>, "2-5=a", "2|-5=a"},
+        {taken<LDIF_RDN_attribute>, "", "34/1011 Missing RDN attribute [1]"},
+        {taken<LDIF_RDN_value>, "\"a\"  ,b", "\"a\"|,b"},
+        {taken<LDIF_RDN_value>, "\xFF", "162/162 mbstowcs( \xFF ) [2]"},
+    };
+    for (const auto& [take, text, expected] : cases)
+        EXPECT_EQ(take(text), expected) << text;
+}
+
+// As DNs do: what stands first by its text is the greater, but a leading part is less than the whole.
+TEST(Rdn, ComparesByPairsInTheirOrder)
+{
+    using Row = std::tuple<const char*, const char*, const char*>;
+    for (const auto& [one, other, digits] : {Row{"cn=a", "CN=A", "100011"},
+                                             {"cn=a", "cn=b", "010101"},
+                                             {"o=a", "cn=b", "011010"},
+                                             {"cn=a", "cn=a+o=b", "011010"},
+                                             {"cn=a+o=b", "cn=a", "010101"}}) {
+        const LDIF_RDN left = dn(one).front(), right = dn(other).front();
+        EXPECT_EQ(relationsOf(left, right), digits) << one;
+        const bool isPair = left.size() == right.size();
+        EXPECT_EQ(isPair ? relationsOf(left.front(), right.front()) : digits, digits) << one;
+    }
+    LDIF_RDN sum = dn("cn=b").front();
+    for (const char* pair : {"ou=x", "CN=B", "cn=A"})
+        sum += dn(pair).front().front();
+    std::ostringstream text;
+    text << sum << '|' << sum.front();
+    EXPECT_EQ(text.str(), "cn=A + cn=b + ou=x|cn=A");
 }
 
 TEST(Dn, SortsAncestorsFirstAndSiblingsDescending)
@@ -71,9 +116,8 @@ TEST(Dn, SortsAncestorsFirstAndSiblingsDescending)
     const char* const spelt[] = {"", "O=D", "o=C", "CN=\u00e9,O=c", "cn=A,O=c", "OU=a+cn=A,o=c", "cn=_,O=C"};
     for (int i = 0; i < 7; ++i)
         for (int j = 0; j < 7; ++j) {
-            const LDIF_DN a = dn(ascending[i]), b = dn(spelt[j]);
-            EXPECT_EQ(std::tuple(a == b, (a < b), a <= b), std::tuple(i == j, (i < j), i <= j)) << i << j;
-            EXPECT_EQ(std::tuple(a != b, (a > b), a >= b), std::tuple(i != j, (i > j), i >= j)) << i << j;
+            const char* const digits = i < j ? "011010" : i > j ? "010101" : "100011";
+            EXPECT_EQ(relationsOf(dn(ascending[i]), dn(spelt[j])), digits) << i << j;
         }
 }
 

@@ -195,6 +195,24 @@ TEST_F(Document, OutlineShowsEachEntryUnderItsNearestAncestor)
               "         \xC0\xC4 ou=x\n\n* the following entries are undefined:\no=b, c=us\nou=y, o=b, c=us\n");
 }
 
+TEST_F(Document, LoginDependsOnItsMethod)
+{
+    LDIF_File file = load("dn: cn=Configuration\nobjectclass: t\nzeb-slapdAdminDN: o=x\nzeb-slapdAdminPW: s\n");
+    const int simple = LDAP_AUTH_SIMPLE;
+    using Case = std::tuple<const char*, const char*, int, LDIF_File::Authentication>;
+    for (const auto& [dn, password, method, level] : {Case{nullptr, nullptr, simple, LDIF_File::anonymous},
+                                                      {"o=x", "s", simple, LDIF_File::administrator},
+                                                      {"o=x", "s", 0, LDIF_File::anonymous},
+                                                      {"o=x", "s", simple + 1, LDIF_File::noAccess},
+                                                      {nullptr, nullptr, simple + 1, LDIF_File::noAccess},
+                                                      {"o=x", nullptr, simple, LDIF_File::noAccess},
+                                                      {"", "s", simple, LDIF_File::noAccess},
+                                                      {"o=x", "S", simple, LDIF_File::noAccess}}) {
+        EXPECT_EQ(file.setAuthentication(dn, password, method), level) << method;
+        EXPECT_EQ(file.getAuthentication(), level) << method;
+    }
+}
+
 TEST(Objects, AreMadeOfTheirOwnKindOfLine)
 {
     const struct {
@@ -285,7 +303,22 @@ TEST(Objects, EntriesTakeOverOrCopyWhatTheyAreGiven)
     std::ostringstream text;
     text << root;
     EXPECT_EQ(text.str(), "\ndn: O=B\no: B\n\ndn: cn=a, o=b\ny: 2\n\n");
-    LDIF_Entry stranger = entry("cn=z, o=y");
+    LDIF_Entry family = entry("o=y"), stranger = entry("cn=z, o=y");
+    LDIF_Line line;
+    line.type = LDIF_Line::comment;
+    line.value = "# c";
+    LDIF_Comment comment;
+    comment += line;
+    root.place(entry("ou=x, cn=w, o=y"));
+    family.relativeDn.clear();
+    LDIF_Entry inner = entry("cn=w, o=y");
+    inner.relativeDn = LDIF_DN(cisString("cn=w"));
+    (family += comment).children.push_back(inner);
+    family.relativeDn = family.dn;
+    text.str("");
+    root += family;
+    text << root.children.back();
+    EXPECT_EQ(text.str(), "# c\ndn: o=y\n\ndn: cn=w, o=y\n\ndn: ou=x, cn=w, o=y\n\n") << "adopts below a child";
     EXPECT_EQ(codesOf([&] { root.children.front() += stranger; }),
               std::tuple(80, 1000, std::string("[cn=z, o=y] is not child of [O=B]")));
     EXPECT_EQ(root.clear().str(), "");

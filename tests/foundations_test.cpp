@@ -87,8 +87,14 @@ TEST(Strings, AreComparedTrimmedAndConverted)
         EXPECT_EQ(stripLeading(text), expected);
     for (auto [text, expected] : {Row{"()", "("}, {" (", ""}, {"", ""}, {" a b\u00e9)\u3000", " a b\u00e9"}})
         EXPECT_EQ(stripTrailing(text), expected);
-    EXPECT_TRUE(cisString("_") < "A" && cisString("CN") == "cN" && cisString("\u00e9") != "\u00c9" &&
-                cisString("b") > "A");
+    EXPECT_TRUE(cisString("\u00e9") != "\u00c9");
+    using Pair = std::tuple<const char*, const char*, const char*>;
+    for (const auto& [left, right, digits] : {Pair{"aB", "Ab", "100011"}, {"_", "A", "011010"}, {"b", "A", "010101"}}) {
+        EXPECT_EQ(relationsOf(cisString(left), cisString(right)), digits) << left;
+        EXPECT_EQ(relationsOf(cisString(left), std::string(right)), digits) << left;
+        EXPECT_EQ(relationsOf(cisString(left), right), digits) << left;
+    }
+    EXPECT_EQ(cisString("a").append(L"xb\u00e9y", 1, 2), "ab\u00e9");
     EXPECT_TRUE(isBlank("") && isBlank(" \t\u3000") && !isBlank("(") && !isBlank(" x"));
     EXPECT_EQ(multibyte2wide("a\u00e9\U0001F600" + std::string("\0b", 2)), L"a\u00e9\U0001F600");
     EXPECT_EQ(wide2multibyte(L"a\u00e9\U0001F600" + std::wstring(L"\0b", 2)), "a\u00e9\U0001F600");

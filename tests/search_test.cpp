@@ -66,3 +66,15 @@ TEST(Search, ScopeFilterAndSelectionDecideTheResults)
         EXPECT_EQ(found.str(), expected);
     }
 }
+
+TEST(Search, ResultsTakeInWhatLiesBelowAnEntry)
+{
+    LDIF_Entry root(LDIF_DN(cisString("o=a")));
+    LDIF_Entry child(LDIF_DN(cisString("cn=b, o=a")));
+    child += LDIF_Attribute("x", "");  // without a value
+    root.place(std::move(child));
+    for (const auto& [filter, count] : {std::pair("x", 1U), {"x=1", 0U}, {"y", 0U}}) {
+        LDIF_Search_Results results(LDIF_Search_Results::subtree, LDIF_Filter(filter), LDIF_AttrFilter(), false);
+        EXPECT_EQ((results += root).size(), count) << filter;
+    }
+}

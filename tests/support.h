@@ -72,4 +72,14 @@ std::string outcomeOf(Call call)
     return failure ? code(failure->ldapErr) + '/' + code(failure->extErr) + ' ' + failure->msg + text : text;
 }
 
+// The six relations of two objects, a digit each: == != < > <= >=.
+template <typename Left, typename Right>
+std::string relationsOf(const Left& left, const Right& right)
+{
+    std::string digits;
+    for (const bool holds : {left == right, left != right, left<right, left> right, left <= right, left >= right})
+        digits += holds ? '1' : '0';
+    return digits;
+}
+
 #endif

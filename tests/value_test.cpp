@@ -131,6 +131,83 @@ TEST(Value, HoldsWhatItsSyntaxMakesOfTheText)
         EXPECT_EQ(outcomeOf([&] { return LDIF_Value(&free, number).str(); }), badRange);
 }
 
+// 0 means no limit, and so does a maximum below the minimum; a password keeps its own limits then.
+TEST(Value, KeepsTheLimitsOfItsType)
+{
+    using Row = std::tuple<const char*, const char*, int, int, int, const char*>;
+    for (const auto& [name, label, minimum, maximum, size, failure] :
+         {Row{"cn", nullptr, 3, 2, 2, "length must be 3 to 0 characters"},
+          {"cn", "x", 3, 2, 99, ""},
+          {"cn", "x", -1, 0, 0, ""},
+          {"cn", nullptr, 0, 2, 3, "length must be 0 to 2 characters"},
+          {"zeb-slapdPeerPW", "x", 0, 0, 47, "Password length must be 1 to 46 characters"},
+          {"zeb-slapdPeerPW", "x", 3, 2, 2, "Password length must be 3 to 46 characters"},
+          {"zeb-slapdPeerPW", "x", 3, 60, 60, ""}}) {
+        _AttrType type = *getAttrType(name);
+        std::tie(type.name, type.minimum, type.maximum) = std::tuple(label, minimum, maximum);
+        const std::string text(static_cast<std::size_t>(size), 'x');
+        EXPECT_EQ(std::get<2>(codesOf([&] { LDIF_Value(&type, text); })), failure) << size;
+    }
+    EXPECT_EQ(LDIF_Value(getAttrType("cn"), std::string("a\0b", 3)).str(), "a");
+}
+
+TEST(Value, HasABinaryFormWhenItIsANumber)
+{
+    const std::int32_t seven = 7, bits = 256, strange = 255;
+    const std::string noForm = "92/1008 Binary representation undefined for syntax: ces ";
+    const std::tuple<const char*, const void*, std::string> cases[] = {
+        {"Port", &seven, "7"},
+        {"Port", nullptr, "21/1015 Integer value out of range [2]"},
+        {"SizeLimit", nullptr, "0"},
+        {"SslCipherSpecs", &bits, "256"},
+        {"SslCipherSpecs", &strange, "21/1019 Bits in value are not within bitmask constraint [2]"},
+        {"DbName", "x", noForm + "[2]"},
+        {"DbName", nullptr, ""},
+        {"Suffix", "x", noForm + "[3]"},
+        {"Suffix", nullptr, ""},
+    };
+    for (const auto& [name, data, expected] : cases) {
+        const auto build = [block = data, type = getAttrType((std::string("zeb-slapd") + name).c_str())] {
+            return LDIF_Value(type, block, block != nullptr ? 4 : 0).str();
+        };
+        EXPECT_EQ(outcomeOf(build), expected) << name;
+    }
+    int length = 0;
+    const LDIF_Value port = slapdValue("Port", "7"), text = slapdValue("DbName", "x");
+    EXPECT_TRUE(*static_cast<const std::int32_t*>(port.attrType->toBin(port, length)) == 7 && length == 4);
+    EXPECT_EQ(outcomeOf([&]() -> std::string { return text.attrType->toBin(text, length), ""; }), noForm + "[1]");
+    EXPECT_EQ(outcomeOf([]() -> std::string { StringSyntaxNotImplemented("x", nullptr, ""); }),
+              "92/1009 String representation undefined for syntax: x [1]");
+}
+
+TEST(Value, TellsOfATypeThatLacksWhatItNeeds)
+{
+    const std::int32_t number = 7;
+    _AttrType type = *getAttrType("cn");
+    const auto built = [&] { return LDIF_Value(&type, "7").str(); };
+    const auto builtFrom = [&](const _AttrType* row) { return LDIF_Value(row, &number, 4).str(); };
+    type.fromStr = enumFromStr;
+    EXPECT_EQ(outcomeOf(built), "80/1000 Enumerated values undefined [2]");
+    type.fromStr = maskFromStr;
+    type.fromBin = maskFromBin;
+    EXPECT_EQ(outcomeOf(built), "80/1000 Bitmask undefined [2]");
+    EXPECT_EQ(outcomeOf([&] { return builtFrom(&type); }), "80/1000 Bitmask undefined [2]");
+    type.fromStr = cesFromStr;
+    type.match = intCompare;
+    const LDIF_Value value(&type, "7");
+    const auto compared = [&]() -> std::string { return value.compare(value), value.compare("7"), ""; };
+    EXPECT_EQ(outcomeOf(compared), "18/1000 integer compare on non-integer value [1]");
+    type.match = nullptr;
+    EXPECT_EQ(outcomeOf(compared), "80/1000 Invalid LDIF_Value detected: attrType->match == NULL [1]");
+    EXPECT_EQ(codesOf([&] { value.compare("7"); }), codesOf(compared));
+    type.toStr = nullptr;
+    EXPECT_EQ(outcomeOf(built), "80/1000 Invalid LDIF_Value detected: attrType->toStr == NULL [1]");
+    const std::string illegal = " ) constructor: attrType undefined [1]";
+    EXPECT_EQ(outcomeOf([&] { return LDIF_Value(nullptr, "7").str(); }),
+              "80/1000 Illegal LDIF_Value( string" + illegal);
+    EXPECT_EQ(outcomeOf([&] { return builtFrom(nullptr); }), "80/1000 Illegal LDIF_Value( binary" + illegal);
+}
+
 TEST(Value, SharesNothingWithItsCopiesAndCopiesNothingBroken)
 {
     LDIF_Value number = slapdValue("Port", "7"), dn = slapdValue("Suffix", "cn=a,o=c");

@@ -1,0 +1,136 @@
+// A configuration file, loaded and rendered three times.
+#include "LDIF_LineSource.h"
+#include "LDIF_Loader.h"
+#include "LDIF_Renderer.h"
+#include "LDIF_Syntax.h"
+#include "LDIF_Util.h"
+#include "fuzz.h"
+
+#include <sstream>
+
+namespace {
+
+// A text on its way through tree and renderer, perhaps with what it can take from a tree before.
+struct Round {
+    explicit Round(std::string text, LDIF_FormerTree&& former = LDIF_FormerTree())
+    {
+        LDIF_Loader loader(root, waiting);
+        loaded = resultOf([&] { loader.load(std::move(text), std::move(former)); });
+        if (loaded == success)
+            rendered = resultOf([&] { written = LDIF_Renderer().render(root, waiting); });
+    }
+
+    LDIF_Entry root;
+    LDIF_Comment waiting;
+    Codes loaded = success;
+    Codes rendered = success;
+    std::string written;
+};
+
+// Checks that the lines are the same from a stream as from memory, and says whether a line without a colon opens an
+// entry, as a line that begins with "dn" does.
+bool opensEntryWithoutColon(const std::string& text)
+{
+    std::istringstream stream(text);
+    LDIF_TextSource memory{std::string(text)};
+    LDIF_Line one, other;
+    one.type = LDIF_Line::blankLine;
+    bool found = false;
+    for (int last = 0, otherLast = 0; one.type != LDIF_Line::endOfFile;) {
+        const Codes result = resultOf([&] { last = one.next(stream, last); });
+        require(result == resultOf([&] { otherLast = other.next(memory, otherLast); }), "both sources fail", text);
+        if (result != success)
+            break;
+        require(last == otherLast && one.type == other.type && one.str() == other.str(), "lines are the same", text);
+        found = found || (one.type == LDIF_Line::dn && !one.wellFormed);
+    }
+    return found;
+}
+
+template <typename Test>
+bool anyEntry(const LDIF_Entry& entry, const Test& test)
+{
+    const auto below = [&](const LDIF_Entry& child) { return anyEntry(child, test); };
+    return test(entry) || std::any_of(entry.children.begin(), entry.children.end(), below);
+}
+
+template <typename Test>
+bool anyDn(const LDIF_Entry& root, const Test& test)
+{
+    return anyEntry(root, [&](const LDIF_Entry& entry) {
+        bool found = test(entry.dn);
+        for (const LDIF_Attribute& attribute : entry.attributes)
+            for (const LDIF_Value& value : attribute.values)
+                found = found || (value.dnValue != nullptr && test(*value.dnValue));
+        return found;
+    });
+}
+
+template <typename Test>
+bool anyAttribute(const LDIF_Entry& entry, const Test& test)
+{
+    return std::any_of(entry.attributes.begin(), entry.attributes.end(), test);
+}
+
+// Two values of a name that begins with a blank: the second line is read as a part of the first.
+bool joinsValues(const LDIF_Attribute& attribute)
+{
+    return attribute.values.size() > 1 && w_my_isspace(multibyte2wide(attribute.name)[0]);
+}
+
+// In the head, where the attributes of an entry with the empty DN come to stand, the next load refuses it.
+bool isStrangeInHead(const LDIF_Attribute& attribute)
+{
+    return attribute.values.size() != 1 || !(attribute == "charset" || attribute == "version");
+}
+
+// A clear password gets another form each time.
+bool hasPassword(const LDIF_Attribute& attribute)
+{
+    return attribute.values.attrType->match == pwCompare;
+}
+
+// Checks that a text which has lost a piece is the same whether it is loaded or reloaded.
+void requireSameReload(Round& before, const std::string& text)
+{
+    std::string cut = before.written;
+    cut.erase(cut.size() / 3, cut.size() / 7);
+    const Round fresh(cut);
+    const Round reloaded(cut, LDIF_FormerTree(std::move(before.root), before.written.size(), cut));
+    require(reloaded.loaded == fresh.loaded && reloaded.rendered == fresh.rendered, "it is reloaded", text);
+    const bool mayDiffer = anyEntry(fresh.root, [](const auto& entry) { return anyAttribute(entry, hasPassword); });
+    require(mayDiffer || reloaded.written == fresh.written, "a reload is a load", text);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    const std::string text = textOf(data, size);
+    const bool opensWithoutColon = opensEntryWithoutColon(text);
+    const Round first(text);
+    const auto [code, detail] = first.loaded;
+    require(first.loaded == success || first.loaded == Codes(65, 1007) || code == 162 || code == 202 || code == 203 ||
+                (code == 34 && detail >= 1011 && detail <= 1014),
+            "a load ends with a documented code", text);
+    // An escaped line end in a DN is written as it is, and breaks the line.
+    const auto holdsLineEnd = [](const LDIF_DN& dn) {
+        return printable(dn).find_first_of("\r\n") != std::string::npos;
+    };
+    if (first.loaded != success || anyDn(first.root, holdsLineEnd))
+        return 0;
+    const bool isNoText = first.rendered.first == 162 && text.find('\\') != std::string::npos;  // a quoted DN value
+    require(first.rendered == success || first.rendered == Codes(34, 1013) || isNoText, "a tree is rendered", text);
+    if (first.rendered != success)
+        return 0;
+    Round second(first.written);
+    const bool mayBeRefused = opensWithoutColon || anyAttribute(first.root, isStrangeInHead);
+    require(second.loaded == success || (mayBeRefused && second.loaded == Codes(65, 1007)), "it loads again", text);
+    const bool mayChange = anyEntry(first.root, [](const auto& entry) { return anyAttribute(entry, joinsValues); });
+    if (second.loaded != success || mayChange)
+        return 0;
+    require(second.rendered == success || anyDn(first.root, losesByPrinting), "it is rendered again", text);
+    require(second.rendered != success || Round(second.written).written == second.written, "it changes once", text);
+    requireSameReload(second, text);
+    return 0;
+}

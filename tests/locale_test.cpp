@@ -1,0 +1,111 @@
+// The locale of the process: text that it knows gives the same results in each, and other text is refused clearly. The
+// locales are made for this test, below LOCPATH.
+#include "LDIF_File.h"
+#include "LDIF_Util.h"
+#include "support.h"
+
+#include <gtest/gtest.h>
+#include <iconv.h>
+#include <langinfo.h>
+
+static const TempDirectory directory;
+static const std::string name = directory / "f";
+static const int path = setenv("LOCPATH", LOCALES, 1);
+
+const char* registryRoot() noexcept
+{
+    return "/dev/null";  // No test here reads the registry.
+}
+
+// Text in another encoding, or nothing where that lacks a character.
+static std::string converted(std::string text, const char* to, const char* from)
+{
+    std::string out(4 * text.size() + 1, '\0');
+    char *input = text.data(), *output = out.data();
+    std::size_t inputLeft = text.size(), outputLeft = out.size();
+    auto* const conversion = iconv_open(to, from);
+    const bool isWhole = iconv(conversion, &input, &inputLeft, &output, &outputLeft) == 0;
+    iconv_close(conversion);
+    return isWhole ? out.substr(0, out.size() - outputLeft) : "";
+}
+
+static LDIF_File load(const std::string& text)
+{
+    writeText(name, text);
+    return {name, ""};
+}
+
+// Goes red where case or white space is the locale's own: a Turkish "I" has another small letter.
+TEST(Locale, ChangesNoResult)
+{
+    int valid = 0;
+    for (const std::string locale : {"C.UTF-8", "de_CH.UTF-8", "tr_TR.UTF-8", "ja_JP.UTF-8", "de_CH.ISO-8859-1",
+                                     "tr_TR.ISO-8859-9", "ja_JP.EUC-JP"}) {
+        const ScopedLocale scoped(locale.c_str());
+        const char* const encoding = nl_langinfo(CODESET);
+        EXPECT_EQ(locale.substr(locale.find('.') + 1), encoding);
+        using Row = std::pair<std::string, std::string>;
+        for (const auto& [w, blank] : {Row{"Iris", " "}, {"Z\u00fcrich", "\t"}, {"\u6771\u4eac", "\u3000"}}) {
+            const std::string text = "# " + w + "\nDN:" + blank + "cn" + blank + "=" + w +
+                                     ";O=ISTANBUL\nTITLE:" + blank + "(" + w + ")" + blank + "\ntitle: " + w +
+                                     "\ntitle: I\nZEB-SLAPDIDLETIMEOUT: 07\n" +
+                                     "zeb-slapdIdleTimeOut: I\nzeb-slapdIdleTimeOut: 7\n" + blank +
+                                     "\nzeb-slapdDigestAdminUser: INGE\nZEB-SLAPDDIGESTADMINUSER: inge\n\n" +
+                                     "dn: CN=CONFIGURATION\nobjectclass: t\nzeb-slapdAdminDN: CN=" + w + "I\n" +
+                                     "zeb-slapdAdminPW: " + w + "\n";
+            const std::string expected = "# " + w + "\ncharset: ISO-8859-1\nversion: 1\n\nDN: cn=" + w +
+                                         ", O=ISTANBUL\nTITLE: " + w + "\nTITLE: I\nzeb-slapdDigestAdminUser: INGE\n" +
+                                         "ZEB-SLAPDIDLETIMEOUT: 7\nzeb-slapdInvalidLine: zeb-slapdIdleTimeOut: I\n";
+            const std::string own = converted(w, encoding, "UTF-8");
+            if (own.empty())
+                continue;
+            ++valid;
+            LDIF_File file = load(converted(text, encoding, "UTF-8"));
+            const std::string left = converted(readText(name), "UTF-8", encoding);
+            EXPECT_EQ(left.substr(0, left.find("\ndn: ")), expected) << locale;
+            const LDIF_DN base(cisString("CN=" + own + ",o=istanbul"));
+            EXPECT_EQ(file.findEntries(base, LDIF_Search_Results::base, LDIF_Filter("(title=" + own + ")")).size(), 1U)
+                << locale;
+            const std::string dn = "cn=" + own + "i";
+            EXPECT_EQ(file.setAuthentication(dn.c_str(), own.c_str(), LDAP_AUTH_SIMPLE), LDIF_File::administrator)
+                << locale;
+        }
+    }
+    EXPECT_EQ(valid, 19);
+}
+
+TEST(Locale, RefusesTextThatItDoesNotKnow)
+{
+    const std::tuple<const char*, std::string, int, int> cases[] = {
+        {"C", "dn: cn=a\n", 0, 0},
+        {"C", "dn: cn=a\nx: Z\u00fcrich\n", 162, 1},  // it may go on behind the dn line, which is named
+        {"tr_TR.UTF-8", "dn: cn=a\n\n# Z\xFC\n", 162, 3},
+        {"ja_JP.EUC-JP", "dn: cn=a\n\n# Z\xFC\n", 162, 3},
+        {"ja_JP.EUC-JP", "# \xA4\ndn: cn=a\n", 162, 1},  // half of a character
+        {"de_CH.ISO-8859-1", "dn: cn=a\nx: \xFC\xA4\x80\n", 0, 0},
+    };
+    for (const auto& [locale, text, code, line] : cases) {
+        const ScopedLocale scoped(locale);
+        const auto failure = failureOf([content = text] { load(content); });
+        EXPECT_EQ(failure ? failure->ldapErr : 0, code) << locale;
+        EXPECT_EQ(failure ? failure->configLine : 0, line) << locale;
+        EXPECT_EQ(readText(name), text) << locale;
+    }
+    const ScopedLocale scoped("de_CH.ISO-8859-1");
+    EXPECT_EQ(outcomeOf([] { return wide2multibyte(L"\u6771"); }), "163/163 wcstombs() [1]");
+    EXPECT_EQ(wide2multibyte(L"\u00fc"), "\xFC");
+}
+
+// What has not changed is written as it was read.
+TEST(Locale, MayChangeWhileAFileIsLoaded)
+{
+    const ScopedLocale utf8;
+    const std::string text = "charset: UTF-8\nversion: 1\n\ndn: cn=Z\u00fcrich\nx: \u00fc\n\n";
+    LDIF_File file = load(text);
+    file.flush();
+    const ScopedLocale other("C");
+    EXPECT_EQ(failureOf([] { LDIF_DN(cisString("cn=Z\u00fcrich")); })->ldapErr, 162);
+    file.add(LDIF_DN(cisString("cn=b")), nullptr);
+    file.flush();
+    EXPECT_EQ(readText(name), text + "dn: cn=b\n\n");
+}
