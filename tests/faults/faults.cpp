@@ -107,8 +107,8 @@ int open(const char* name, int flags, ...)
 {
     va_list arguments;
     va_start(arguments, flags);
-    const auto mode = (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t)
-                                             : 0;  // NOLINT(clang-analyzer-valist.Uninitialized): it is started above
+    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): it is started above
+    const auto mode = (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;
     va_end(arguments);
     return planned(faultOpen, [&] { return behind<&open>("open")(name, flags, mode); });
 }
