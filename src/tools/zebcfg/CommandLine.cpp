@@ -1,0 +1,172 @@
+// The one place that knows the library for command lines.
+#include "CommandLine.h"
+
+#include "Attributes.h"
+#include "Failure.h"
+
+#include <iostream>
+#include <iterator>
+#include <memory>
+#include <utility>
+
+#include <CLI/CLI.hpp>
+
+namespace {
+
+using Values = std::map<std::string, std::vector<std::string>>;
+
+// The rest of the help behind the list of options.
+std::string footerOf(const Command& command)
+{
+    return std::string("Example:\n  ") + command.example;
+}
+
+std::string usageOf(const Command& command)
+{
+    std::string usage = std::string("Usage: zebcfg [OPTIONS] ") + command.name;
+    for (const Operand& operand : command.operands) {
+        const std::string name = std::string(operand.name) + (operand.repeats ? "..." : "");
+        usage += operand.isRequired ? ' ' + name : " [" + name + ']';
+    }
+    return usage + '\n';
+}
+
+class HelpFormatter : public CLI::Formatter {
+public:
+    std::string make_usage(const CLI::App* app, std::string name) const override
+    {
+        const Command* const command = findCommand(app->get_name());
+        return command != nullptr ? usageOf(*command) : CLI::Formatter::make_usage(app, name);
+    }
+};
+
+// The table as a parser. The values that it reads live in its slots.
+class Parser {
+public:
+    Parser() : app("The command line tool for the configuration file of the directory server.", "zebcfg")
+    {
+        app.formatter(std::make_shared<HelpFormatter>());
+        app.set_help_flag();
+        app.fallthrough();
+        app.allow_extras();
+        app.footer("Each command has its own help: zebcfg COMMAND --help");
+        addOptions(app, globalOptions());
+        app.require_subcommand(0, 1);
+        for (const Command& command : commands())
+            addCommand(command);
+    }
+
+    Call parse(int argc, char** argv)
+    {
+        try {
+            app.parse(argc, argv);
+        } catch (const CLI::ParseError& error) {
+            throw Failure(0, std::string(error.what()) + "; see zebcfg --help");
+        }
+        const auto chosen = app.get_subcommands();
+        const CLI::App& used = chosen.empty() ? app : *chosen.front();
+        const Command* const command = chosen.empty() ? nullptr : findCommand(used.get_name());
+        Values given = valuesOf(used);
+        if (given.count("help") != 0 || given.count("version") != 0)
+            return told(used, std::move(given));
+        requireAllKnown(command);
+        requireOperands(command);
+        return {command, std::move(given), words};
+    }
+
+private:
+    struct Slot {
+        CLI::App* app;
+        std::string key;
+        std::vector<std::string> values;
+        CLI::Option* option = nullptr;
+    };
+
+    void addOptions(CLI::App& to, const std::vector<Option>& options)
+    {
+        for (const Option& option : options) {
+            Slot& slot = *slots.emplace_back(std::make_unique<Slot>(Slot{&to, keyOf(option), {}}));
+            if (option.value == nullptr) {
+                slot.option = to.add_flag(option.names, option.help);
+                continue;
+            }
+            slot.option = to.add_option(option.names, slot.values, option.help)->type_name(option.value);
+            slot.option->expected(1)->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)->type_size(1);
+        }
+    }
+
+    void addCommand(const Command& command)
+    {
+        const bool isHidden = std::string(command.name).rfind("__", 0) == 0;
+        CLI::App* const sub = app.add_subcommand(command.name, command.summary);
+        sub->set_help_flag();
+        sub->footer(footerOf(command));
+        if (isHidden)
+            sub->group("")->prefix_command();
+        addOptions(*sub, command.options);
+        if (!command.operands.empty())
+            sub->add_option("operands", words)->group("")->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+    }
+
+    // Options of the command come first where a key is used twice.
+    Values valuesOf(const CLI::App& used) const
+    {
+        Values given;
+        for (const auto& slot : slots) {
+            if (slot->option->count() == 0 || (slot->app != &app && slot->app != &used))
+                continue;
+            given[slot->key] = slot->option->get_items_expected_max() == 0
+                                   ? std::vector<std::string>(slot->option->count())
+                                   : slot->values;
+        }
+        return given;
+    }
+
+    Call told(const CLI::App& used, Values given) const
+    {
+        if (given.count("help") != 0)
+            std::cout << used.help();
+        else
+            std::cout << "zebcfg " ZEBCFG_VERSION "\n";
+        return {nullptr, std::move(given), {}};
+    }
+
+    void requireAllKnown(const Command* command) const
+    {
+        const auto extras = app.remaining(true);
+        std::vector<std::string> names;
+        for (const Command& known : commands())
+            names.emplace_back(known.name);
+        if (command == nullptr && (extras.empty() || extras.front().front() != '-')) {
+            const std::string hint = extras.empty() ? "" : nearest(extras.front(), names);
+            throw Failure(0, (extras.empty() ? "a command is missing" : "there is no command " + extras.front()) +
+                                 (hint.empty() ? "; see zebcfg --help" : " (did you mean " + hint + "?)"));
+        }
+        if (!extras.empty() && std::string(command != nullptr ? command->name : "").rfind("__", 0) != 0)
+            throw Failure(0, "there is no place for " + extras.front() + "; see zebcfg " +
+                                 (command != nullptr ? command->name + std::string(" --help") : "--help"));
+    }
+
+    void requireOperands(const Command* command) const
+    {
+        std::size_t most = 0;
+        for (const Operand& operand : command->operands) {
+            if (operand.isRequired && words.size() <= most)
+                throw Failure(0, std::string(operand.name) + " is missing; see zebcfg " + command->name + " --help");
+            most = operand.repeats ? words.size() : most + 1;
+        }
+        if (words.size() > most)
+            throw Failure(0, "there is no place for " + words[most] + "; see zebcfg " + command->name + " --help");
+    }
+
+    CLI::App app;
+    std::vector<std::unique_ptr<Slot>> slots;
+    std::vector<std::string> words;
+};
+
+}  // namespace
+
+Call readCommandLine(int argc, char** argv)
+{
+    return Parser().parse(argc, argv);
+}

@@ -1,0 +1,79 @@
+#include "Failure.h"
+
+#include "Attributes.h"
+
+#include <cerrno>
+#include <cstring>
+#include <utility>
+
+namespace {
+
+constexpr int otherCode = 80;
+bool passwordsAreShown = false;
+
+}  // namespace
+
+Failure::Failure(int resultCode, std::string message, std::string shownFile)
+    : code(resultCode), text(std::move(message)), file(std::move(shownFile))
+{}
+
+int Failure::exitStatus() const noexcept
+{
+    if (code == 0)
+        return 1;
+    return code > 0 && code <= 255 ? code : otherCode;
+}
+
+std::string Failure::codes() const
+{
+    if (code == 0)
+        return {};
+    return std::to_string(code) + (extended != 0 && extended != code ? ", " + std::to_string(extended) : "");
+}
+
+std::string Failure::line() const
+{
+    std::string result = attribute.empty() ? text : attribute + ": " + text;
+    if (code != 0)
+        result += " (" + codes() + ')';
+    if (!file.empty())
+        result += " at " + file + (fileLine > 0 ? ':' + std::to_string(fileLine) : "");
+    return result;
+}
+
+Failure systemFailure(int resultCode, const std::string& message, const std::string& shownFile)
+{
+    const int error = errno;
+    return {resultCode, message + ": " + std::strerror(error), shownFile};
+}
+
+void showPasswords(bool areShown)
+{
+    passwordsAreShown = areShown;
+}
+
+bool arePasswordsShown()
+{
+    return passwordsAreShown;
+}
+
+// A quarantined line may hold the password that was refused.
+std::string shownValue(const std::string& attribute, const std::string& value)
+{
+    if (passwordsAreShown)
+        return value;
+    if (isPassword(attribute))
+        return passwordMask;
+    const auto colon = value.find(':');
+    if (isSameName(attribute, invalidLine) && colon != std::string::npos && isPassword(value.substr(0, colon)))
+        return value.substr(0, colon) + ": " + passwordMask;
+    return value;
+}
+
+std::string replaced(std::string text, const std::string& word, const std::string& replacement)
+{
+    for (auto at = word.empty() ? std::string::npos : text.find(word); at != std::string::npos;
+         at = text.find(word, at + replacement.size()))
+        text.replace(at, word.size(), replacement);
+    return text;
+}

@@ -1,0 +1,17 @@
+// Entries and failures as JSON texts.
+#ifndef ZEBCFG_JSON_H
+#define ZEBCFG_JSON_H
+
+#include "Entry.h"
+
+#include <string>
+#include <vector>
+
+struct Failure;
+
+std::string toJson(const Failure& failure, bool withDump);
+// An array of {"dn": ..., "attributes": {NAME: [VALUE...]}}, with passwords masked.
+std::string toJson(const std::vector<Entry>& entries);
+std::string toJson(const std::vector<std::string>& values);
+
+#endif

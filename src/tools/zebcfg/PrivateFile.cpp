@@ -1,0 +1,197 @@
+#include "PrivateFile.h"
+
+#include "Failure.h"
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+
+#include <fcntl.h>
+#include <ldap.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr mode_t permissions = 07777;
+constexpr mode_t ownerOnly = 0700;
+
+// The names of the files that a signal handler removes; an empty one is a free place.
+using NameBuffer = std::array<char, 4096>;
+std::array<NameBuffer, 2> namesToRemove;
+
+extern "C" void removeAndEnd(int signal)
+{
+    for (const NameBuffer& name : namesToRemove) {
+        if (name[0] != '\0')
+            (void)::unlink(name.data());
+    }
+    (void)std::signal(signal, SIG_DFL);
+    (void)std::raise(signal);
+}
+
+// A name is there as a whole or not at all: its first character comes last.
+void rememberForSignals(const std::string& path)
+{
+    for (NameBuffer& name : namesToRemove) {
+        if (name[0] == '\0' && path.size() < name.size()) {
+            std::strcpy(&name[1], path.c_str() + 1);
+            name[0] = path[0];
+            return;
+        }
+    }
+}
+
+void forgetForSignals(const std::string& path)
+{
+    for (NameBuffer& name : namesToRemove) {
+        if (path == name.data())
+            name[0] = '\0';
+    }
+}
+
+int createLike(const std::string& path, const struct stat& like)
+{
+    (void)::unlink(path.c_str());
+    return ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, like.st_mode & ownerOnly);
+}
+
+void writeAll(int file, const char* data, std::size_t size, const std::string& shown)
+{
+    while (size > 0) {
+        const ssize_t count = ::write(file, data, size);
+        if (count < 0 && errno != EINTR)
+            throw systemFailure(LDAP_OTHER, "cannot write " + shown + ", and nothing is changed");
+        data += count > 0 ? count : 0;
+        size -= count > 0 ? static_cast<std::size_t>(count) : 0;
+    }
+}
+
+std::string readAll(int file, const std::string& shownName)
+{
+    std::string text;
+    std::array<char, 65536> buffer = {};
+    for (;;) {
+        const ssize_t count = ::read(file, buffer.data(), buffer.size());
+        if (count == 0)
+            return text;
+        if (count < 0 && errno != EINTR)
+            throw systemFailure(LDAP_OTHER, "cannot read", shownName);
+        text.append(buffer.data(), count > 0 ? static_cast<std::size_t>(count) : 0);
+    }
+}
+
+}  // namespace
+
+Descriptor::~Descriptor()
+{
+    if (number >= 0)
+        ::close(number);
+}
+
+// The owner comes before the mode: permissions of a group are not to be another's for a moment.
+PrivateFile::PrivateFile(const std::string& fileName, const struct stat& like)
+    : path(fileName), file(createLike(fileName, like))
+{
+    if (!file.isOpen())
+        throw systemFailure(LDAP_INSUFFICIENT_ACCESS, "cannot make the file " + path);
+    rememberForSignals(path);
+    struct stat own = {};
+    const bool isOwned = ::fstat(file.get(), &own) == 0 && own.st_uid == like.st_uid && own.st_gid == like.st_gid;
+    if ((isOwned || ::fchown(file.get(), like.st_uid, like.st_gid) == 0) &&
+        ::fchmod(file.get(), like.st_mode & permissions) == 0)
+        return;
+    const Failure failure =
+        systemFailure(LDAP_INSUFFICIENT_ACCESS, "cannot keep the owner and mode of the file, so nothing is changed");
+    (void)::unlink(path.c_str());
+    forgetForSignals(path);
+    throw failure;
+}
+
+PrivateFile::~PrivateFile()
+{
+    struct stat own = {};
+    struct stat there = {};
+    if (::fstat(file.get(), &own) == 0 && ::lstat(path.c_str(), &there) == 0 && own.st_ino == there.st_ino &&
+        own.st_dev == there.st_dev)
+        (void)::unlink(path.c_str());
+    forgetForSignals(path);
+}
+
+void PrivateFile::write(const std::string& text)
+{
+    if (::ftruncate(file.get(), 0) != 0 || ::lseek(file.get(), 0, SEEK_SET) != 0)
+        throw systemFailure(LDAP_OTHER, "cannot write " + path);
+    writeAll(file.get(), text.data(), text.size(), path);
+}
+
+void PrivateFile::requireRoomFor(std::size_t size)
+{
+    const off_t end = ::lseek(file.get(), 0, SEEK_END);
+    writeAll(file.get(), std::string(size, '\n').data(), size, path);
+    if (end < 0 || ::ftruncate(file.get(), end) != 0)
+        throw systemFailure(LDAP_OTHER, "cannot write " + path);
+}
+
+void PrivateFile::sync()
+{
+    if (::fsync(file.get()) != 0)
+        throw systemFailure(LDAP_OTHER, "cannot bring the new file to disk, and nothing is changed");
+}
+
+void PrivateFile::moveTo(const std::string& target)
+{
+    if (::rename(path.c_str(), target.c_str()) != 0)
+        throw systemFailure(LDAP_INSUFFICIENT_ACCESS, "cannot put a new file in the place of " + target);
+}
+
+MemoryFile::MemoryFile(const std::string& text) : file(::memfd_create("zebcfg", MFD_CLOEXEC))
+{
+    if (!file.isOpen())
+        throw systemFailure(LDAP_OTHER, "cannot make a file in memory");
+    writeAll(file.get(), text.data(), text.size(), "a file in memory");
+}
+
+std::string MemoryFile::name() const
+{
+    return "/proc/self/fd/" + std::to_string(file.get());
+}
+
+std::string readFile(const std::string& name, const std::string& shownName)
+{
+    const Descriptor file(::open(name.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
+    if (!file.isOpen())
+        throw systemFailure(LDAP_OTHER, "cannot open", shownName);
+    return readAll(file.get(), shownName);
+}
+
+std::string directoryOf(const std::string& name)
+{
+    return name.substr(0, name.find_last_of('/') + 1);  // npos + 1 is 0: no directory
+}
+
+void syncDirectoryOf(const std::string& name)
+{
+    const std::string directory = directoryOf(name);
+    const Descriptor opened(::open(directory.empty() ? "." : directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (opened.isOpen())
+        (void)::fsync(opened.get());  // Some file systems refuse it, and nothing can be done about that.
+}
+
+std::string siblingOf(const std::string& name)
+{
+    const std::string directory = directoryOf(name);
+    return directory + '.' + name.substr(directory.size()) + ".zebcfg-new";
+}
+
+void removePrivateFileOnSignals()
+{
+    for (const int signal : {SIGHUP, SIGINT, SIGTERM, SIGQUIT}) {
+        struct sigaction old = {};
+        struct sigaction action = {};
+        action.sa_handler = removeAndEnd;
+        if (::sigaction(signal, nullptr, &old) == 0 && old.sa_handler != SIG_IGN)
+            (void)::sigaction(signal, &action, nullptr);
+    }
+}

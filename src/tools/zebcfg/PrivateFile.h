@@ -1,0 +1,69 @@
+// Files of the tool's own: a named one beside the configuration file, which is to take its place, and one in memory.
+#ifndef ZEBCFG_PRIVATEFILE_H
+#define ZEBCFG_PRIVATEFILE_H
+
+#include <string>
+
+#include <sys/stat.h>
+
+// Closes a file at the end.
+class Descriptor {
+public:
+    explicit Descriptor(int descriptor) noexcept : number(descriptor) {}
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    ~Descriptor();
+    int get() const noexcept { return number; }
+    bool isOpen() const noexcept { return number >= 0; }
+
+private:
+    int number;
+};
+
+// A new file that is removed at the end unless it has been moved, also when a signal ends the process. It has owner,
+// group and mode of another file and at no moment wider permissions. Calls throw Failure.
+class PrivateFile {
+public:
+    // What an earlier process has left under that name is removed: the caller holds a lock.
+    PrivateFile(const std::string& fileName, const struct stat& like);
+    PrivateFile(const PrivateFile&) = delete;
+    PrivateFile& operator=(const PrivateFile&) = delete;
+    ~PrivateFile();
+
+    const std::string& name() const noexcept { return path; }
+    // Replaces the content.
+    void write(const std::string& text);
+    // Throws when there is no room for as many bytes more.
+    void requireRoomFor(std::size_t size);
+    void sync();
+    // Puts the file in the place of another in one step.
+    void moveTo(const std::string& target);
+
+private:
+    const std::string path;
+    const Descriptor file;
+};
+
+// A file without a place in a directory, which is gone with its last descriptor.
+class MemoryFile {
+public:
+    explicit MemoryFile(const std::string& text);
+    // A name under which this process can open it.
+    std::string name() const;
+
+private:
+    const Descriptor file;
+};
+
+// The content of a regular file. Throws Failure.
+std::string readFile(const std::string& name, const std::string& shownName);
+// Makes what happened in the directory of a file last.
+void syncDirectoryOf(const std::string& name);
+std::string directoryOf(const std::string& name);  // with its slash; empty for a plain name
+// A name in the same directory for what is to take the place of name.
+std::string siblingOf(const std::string& name);
+
+// The private file disappears when a signal ends the process.
+void removePrivateFileOnSignals();
+
+#endif
