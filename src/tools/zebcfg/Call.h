@@ -12,7 +12,7 @@
 
 class Call {
 public:
-    // options: the values of each option given, by its key; a flag has one empty value for each time.
+    // given: for each option that was given, by its key, its last value for each time; a flag has empty ones.
     Call(const Command* chosen, std::map<std::string, std::vector<std::string>> given, std::vector<std::string> words);
 
     const Command* command() const noexcept { return chosenCommand; }

@@ -78,7 +78,7 @@ private:
     struct Slot {
         CLI::App* app;
         std::string key;
-        std::vector<std::string> values;
+        std::string value;
         CLI::Option* option = nullptr;
     };
 
@@ -90,8 +90,8 @@ private:
                 slot.option = to.add_flag(option.names, option.help);
                 continue;
             }
-            slot.option = to.add_option(option.names, slot.values, option.help)->type_name(option.value);
-            slot.option->expected(1)->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)->type_size(1);
+            slot.option = to.add_option(option.names, slot.value, option.help)->type_name(option.value);
+            slot.option->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
         }
     }
 
@@ -115,9 +115,7 @@ private:
         for (const auto& slot : slots) {
             if (slot->option->count() == 0 || (slot->app != &app && slot->app != &used))
                 continue;
-            given[slot->key] = slot->option->get_items_expected_max() == 0
-                                   ? std::vector<std::string>(slot->option->count())
-                                   : slot->values;
+            given[slot->key].assign(slot->option->count(), slot->value);
         }
         return given;
     }

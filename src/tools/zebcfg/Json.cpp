@@ -1,6 +1,8 @@
 #include "Json.h"
 
+#include "Attributes.h"
 #include "Failure.h"
+#include "Outline.h"
 
 #include <nlohmann/json.hpp>
 
@@ -12,6 +14,22 @@ using Object = nlohmann::ordered_json;
 std::string textOf(const Object& object, int indentation)
 {
     return object.dump(indentation, ' ', false, Object::error_handler_t::replace);
+}
+
+const char* nameOf(Syntax syntax)
+{
+    constexpr const char* names[] = {"text", "number", "word", "bits", "dn", "password"};
+    return names[static_cast<int>(syntax)];
+}
+
+// The node at place, which moves behind the last one below it.
+Object treeOf(const std::vector<Node>& nodes, std::size_t& place)
+{
+    const Node& node = nodes[place++];
+    Object children = Object::array();
+    while (place < nodes.size() && nodes[place].depth > node.depth)
+        children.push_back(treeOf(nodes, place));
+    return {{"dn", node.dn}, {"children", children}};
 }
 
 }  // namespace
@@ -54,4 +72,28 @@ std::string toJson(const std::vector<Entry>& entries)
 std::string toJson(const std::vector<std::string>& values)
 {
     return textOf(Object(values), 2);
+}
+
+std::string toJson(const std::vector<AttributeType>& types)
+{
+    Object list = Object::array();
+    for (const AttributeType& type : types) {
+        Object object = {{"name", type.name}, {"syntax", nameOf(type.syntax)}, {"single", type.isSingle}};
+        if (type.minimum != 0 || type.maximum != 0)
+            object.update({{"minimum", type.minimum}, {"maximum", type.maximum}});
+        if (type.bits != 0)
+            object["bits"] = type.bits;
+        if (!type.words.empty())
+            object["words"] = type.words;
+        list.push_back(object);
+    }
+    return textOf(list, 2);
+}
+
+std::string toJson(const std::vector<Node>& nodes)
+{
+    Object list = Object::array();
+    for (std::size_t place = 0; place < nodes.size();)
+        list.push_back(treeOf(nodes, place));
+    return textOf(list, 2);
 }

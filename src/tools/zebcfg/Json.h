@@ -7,11 +7,16 @@
 #include <string>
 #include <vector>
 
+struct AttributeType;
 struct Failure;
+struct Node;
 
 std::string toJson(const Failure& failure, bool withDump);
 // An array of {"dn": ..., "attributes": {NAME: [VALUE...]}}, with passwords masked.
 std::string toJson(const std::vector<Entry>& entries);
 std::string toJson(const std::vector<std::string>& values);
+std::string toJson(const std::vector<AttributeType>& types);
+// The trees, each node with its children.
+std::string toJson(const std::vector<Node>& nodes);
 
 #endif

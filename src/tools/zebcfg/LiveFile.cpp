@@ -82,6 +82,13 @@ std::string LiveFile::damage(const std::string& backupName) const
            (content.empty() ? ", or remove the backup" : ", or put a line end behind the last line");
 }
 
+void LiveFile::requireUsable(const std::string& backupName) const
+{
+    const std::string found = damage(backupName);
+    if (!found.empty())
+        throw Failure(CFG_CONNECT_ERROR, found, shown);
+}
+
 FileLock::FileLock(const std::string& path) : name(path + ".lock")
 {
     using namespace std::chrono_literals;
@@ -121,9 +128,7 @@ Replacement::Replacement(const std::string& name, std::string backupName)
     : lock(resolvedName(name)), file(name), backup(std::move(backupName)),
       working(siblingOf(file.path()), file.status())
 {
-    const std::string damage = file.damage(backup);
-    if (!damage.empty())
-        throw Failure(CFG_CONNECT_ERROR, damage, file.shownName());
+    file.requireUsable(backup);
     if (!backup.empty() && resolvedName(backup) == file.path())
         throw Failure(0, "the backup has the name of the file itself", file.shownName());
     working.write(file.text());

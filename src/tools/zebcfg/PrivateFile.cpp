@@ -166,6 +166,14 @@ std::string readFile(const std::string& name, const std::string& shownName)
     return readAll(file.get(), shownName);
 }
 
+void overwriteFile(const std::string& name, const std::string& text)
+{
+    const Descriptor file(::open(name.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC));
+    if (!file.isOpen())
+        throw systemFailure(LDAP_OTHER, "cannot write " + name);
+    writeAll(file.get(), text.data(), text.size(), name);
+}
+
 std::string directoryOf(const std::string& name)
 {
     return name.substr(0, name.find_last_of('/') + 1);  // npos + 1 is 0: no directory

@@ -57,6 +57,8 @@ private:
 
 // The content of a regular file. Throws Failure.
 std::string readFile(const std::string& name, const std::string& shownName);
+// Replaces the content of a file in place. Only for private files. Throws Failure.
+void overwriteFile(const std::string& name, const std::string& text);
 // Makes what happened in the directory of a file last.
 void syncDirectoryOf(const std::string& name);
 std::string directoryOf(const std::string& name);  // with its slash; empty for a plain name

@@ -1,15 +1,11 @@
 #include "Reading.h"
 
-#include "Failure.h"
-
 namespace {
 
 LiveFile usableFile(const Call& call)
 {
     LiveFile file(call.fileName());
-    const std::string damage = file.damage(call.backupName());
-    if (!damage.empty())
-        throw Failure(CFG_CONNECT_ERROR, damage, file.shownName());
+    file.requireUsable(call.backupName());
     return file;
 }
 

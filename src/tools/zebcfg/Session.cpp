@@ -179,6 +179,12 @@ bool Session::exists(const std::string& dn) const
     return code == LDAP_SUCCESS;
 }
 
+// The report of the failed search holds it.
+std::string Session::spellingOfMissing(const std::string& dn) const
+{
+    return exists(dn) ? dn : textOf(cfg_get_entry(cfg.get()));
+}
+
 // A filter cannot tell an empty value from any value.
 bool Session::holds(const std::string& dn, const std::string& attribute, const std::string& value) const
 {
@@ -205,16 +211,6 @@ std::vector<Entry> Session::entriesWith(const std::vector<std::string>& names) c
         }
     }
     return entries;
-}
-
-std::string Session::canonical(const std::string& dn) const
-{
-    CFGMessage* result = nullptr;
-    const int code = cfg_search_s(cfg.get(), dn.c_str(), LDAP_SCOPE_BASE, "", nullptr, 0, &result);
-    cfg_msgfree(result);
-    if (code != LDAP_NO_SUCH_OBJECT)
-        require(code);
-    return code == LDAP_SUCCESS ? dn : textOf(cfg_get_entry(cfg.get()));
 }
 
 void Session::add(const Entry& entry)

@@ -29,8 +29,8 @@ public:
     bool holds(const std::string& dn, const std::string& attribute, const std::string& value) const;
     // Every entry that has one of the attributes, and objectclass is tried first.
     std::vector<Entry> entriesWith(const std::vector<std::string>& names) const;
-    // The DN as the library writes it. Only for a DN that is not in the file.
-    std::string canonical(const std::string& dn) const;
+    // The library's spelling of a DN that is not in the file. Throws Failure (34) for a text that is no DN.
+    std::string spellingOfMissing(const std::string& dn) const;
 
     void add(const Entry& entry);
     void modify(const std::string& dn, const std::vector<Change>& changes);

@@ -1,0 +1,113 @@
+#include "Update.h"
+
+#include "ConfigText.h"
+#include "Diff.h"
+#include "Failure.h"
+#include "LiveFile.h"
+#include "Outline.h"
+#include "PrivateFile.h"
+
+#include <algorithm>
+#include <iostream>
+#include <memory>
+
+#include <unistd.h>
+
+namespace {
+
+// The copy that a command works on: beside the file, or in memory where nothing is to be installed.
+class Workplace {
+public:
+    explicit Workplace(const Call& wanted) : call(wanted)
+    {
+        if (!call.isDryRun()) {
+            replacement = std::make_unique<Replacement>(call.fileName(), call.backupName());
+            return;
+        }
+        live = std::make_unique<LiveFile>(call.fileName());
+        live->requireUsable(call.backupName());
+        memory = std::make_unique<MemoryFile>(live->text());
+    }
+
+    const LiveFile& file() const { return replacement ? replacement->live() : *live; }
+    std::string name() const { return replacement ? replacement->copy().name() : memory->name(); }
+
+    // Shows the change, or makes it. A text that is the same as before leaves the file alone.
+    void finish()
+    {
+        const std::string after = readFile(name(), file().shownName());
+        if (call.isDryRun())
+            std::cout << unifiedDiff(file().text(), after, file().shownName(), call.hasColor(STDOUT_FILENO));
+        else if (after != file().text())
+            replacement->install();
+        if (call.isVerbose() && !call.isDryRun())
+            call.say(after == file().text() ? file().shownName() + " is as it was"
+                                            : file().shownName() + " is replaced" + tellBackup());
+    }
+
+    // A library that finds no room tells nothing: it is asked for here.
+    void requireRoom() const
+    {
+        if (replacement)
+            replacement->copy().requireRoomFor(file().text().size());
+    }
+
+private:
+    std::string tellBackup() const
+    {
+        return call.backupName().empty() ? "" : ", and " + call.backupName() + " keeps the old text";
+    }
+
+    const Call& call;
+    std::unique_ptr<Replacement> replacement;
+    std::unique_ptr<LiveFile> live;
+    std::unique_ptr<MemoryFile> memory;
+};
+
+// The first entry that differs, for the message.
+std::string firstDifference(const std::vector<Entry>& wanted, const std::vector<Entry>& found)
+{
+    const auto [left, right] = std::mismatch(wanted.begin(), wanted.end(), found.begin(), found.end());
+    if (left != wanted.end())
+        return left->dn;
+    return right != found.end() ? right->dn : "";
+}
+
+// Loads the new text as every program will, and compares all entries with those that the changes have made.
+void requireReadBack(const Workplace& place, const Changes& changes)
+{
+    const std::string text = readFile(place.name(), place.file().shownName());
+    std::vector<std::string> names = changes.names();
+    for (const ConfigLine& line : linesOf(text))
+        names.push_back(line.name);
+    std::sort(names.begin(), names.end());
+    names.erase(std::unique(names.begin(), names.end()), names.end());
+    names.erase(std::remove(names.begin(), names.end(), ""), names.end());
+
+    const MemoryFile copy(text);
+    const Session again(copy.name(), place.file().shownName());
+    const auto wanted = changes.session().entriesWith(names);
+    const auto found = again.entriesWith(names);
+    if (wanted == found && changes.session().outline() == again.outline() &&
+        readFile(copy.name(), place.file().shownName()) == text)
+        return;
+    place.requireRoom();
+    throw Failure(LDAP_INVALID_SYNTAX, "the entry " + firstDifference(wanted, found) +
+                                           " would be read back from the file as another one; nothing is changed");
+}
+
+}  // namespace
+
+void update(const Call& call, const std::function<void(Changes& changes)>& body)
+{
+    Workplace place(call);
+    try {
+        Changes changes(place.name(), place.file().shownName(), call.login());
+        body(changes);
+        requireReadBack(place, changes);
+    } catch (Failure& failure) {
+        addPlace(failure, place.file().text(), place.file().shownName());
+        throw;
+    }
+    place.finish();
+}

@@ -1,0 +1,6 @@
+#include "LdifInput.h"
+
+int runAdd(const Call& call)
+{
+    return applyLdif(call, LdifRecord::add);
+}

@@ -1,0 +1,10 @@
+#include "Update.h"
+
+int runDelete(const Call& call)
+{
+    update(call, [&](Changes& file) {
+        for (const std::string& dn : call.operands())
+            file.erase(dn, call.has("recursive"));
+    });
+    return 0;
+}

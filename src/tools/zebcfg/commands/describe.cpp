@@ -1,0 +1,35 @@
+#include "Attributes.h"
+#include "Call.h"
+#include "Failure.h"
+#include "Json.h"
+
+#include <iomanip>
+#include <iostream>
+
+namespace {
+
+std::vector<AttributeType> wantedTypes(const Call& call)
+{
+    if (call.operands().empty())
+        return attributeTypes();
+    const std::string& name = call.operands().front();
+    const AttributeType* const type = findAttributeType(name);
+    if (type != nullptr)
+        return {*type};
+    throw Failure(LDAP_NO_SUCH_ATTRIBUTE,
+                  name + " is no attribute that the server knows; it takes any text" + attributeHint(name));
+}
+
+}  // namespace
+
+int runDescribe(const Call& call)
+{
+    constexpr int nameWidth = 38;
+    const auto types = wantedTypes(call);
+    if (call.isJson())
+        std::cout << toJson(types) << '\n';
+    for (const AttributeType& type : call.isJson() ? std::vector<AttributeType>() : types)
+        std::cout << std::left << std::setw(nameWidth) << type.name << ' ' << describeValues(type)
+                  << (type.isSingle ? "; one value" : "; any number of values") << '\n';
+    return 0;
+}

@@ -1,0 +1,92 @@
+#include "Failure.h"
+#include "Filter.h"
+#include "Json.h"
+#include "Ldif.h"
+#include "Reading.h"
+
+#include <algorithm>
+#include <charconv>
+#include <iostream>
+
+namespace {
+
+constexpr char anyEntry[] = "objectclass=*";
+
+int scopeOf(const std::string& word)
+{
+    if (word == "base")
+        return LDAP_SCOPE_BASE;
+    if (word == "one")
+        return LDAP_SCOPE_ONELEVEL;
+    if (word == "sub")
+        return LDAP_SCOPE_SUBTREE;
+    throw Failure(0, "the scope is base, one or sub, not " + word);
+}
+
+// The length of lines that -o ldif_wrap=N asks for; 0 for any length.
+std::size_t wrapOf(const std::string& option)
+{
+    const std::string name = "ldif_wrap=";
+    if (option.empty() || option == name + "no")
+        return 0;
+    std::size_t width = 0;
+    const char* const end = option.data() + option.size();
+    if (option.rfind(name, 0) == 0 && std::from_chars(option.data() + name.size(), end, width).ptr == end && width > 2)
+        return width;
+    throw Failure(0, "-o takes ldif_wrap=N, a length of at least 3, or ldif_wrap=no");
+}
+
+// What the operands ask for, as in ldapsearch: a first one with a "=" is the filter.
+struct Request {
+    explicit Request(std::vector<std::string> operands) : names(std::move(operands))
+    {
+        if (names.empty() || names.front().find('=') == std::string::npos)
+            return;
+        filter = simpleFilter(names.front());
+        names.erase(names.begin());
+    }
+
+    bool wants(const char* name) const { return std::find(names.begin(), names.end(), name) != names.end(); }
+
+    std::string filter = anyEntry;
+    std::vector<std::string> names;
+};
+
+void writeLdif(const Call& call, const Request& request, const std::vector<Entry>& entries)
+{
+    const std::size_t wrap = wrapOf(call.value("option"));
+    const std::size_t plainness = call.count("plain");
+    if (plainness < 3)
+        std::cout << "version: 1\n\n";
+    if (plainness < 2)
+        std::cout << "# base <" << call.value("base") << "> with scope " << call.value("scope", "sub")
+                  << "\n# filter: (" << request.filter << ")\n\n";
+    for (const Entry& entry : entries)
+        std::cout << toLdif(entry, call.has("names-only"), wrap);
+    if (plainness < 2)
+        std::cout << "# numEntries: " << entries.size() << '\n';
+}
+
+}  // namespace
+
+int runSearch(const Call& call)
+{
+    const Request request(call.operands());
+    const int scope = scopeOf(call.value("scope", "sub"));
+    Reading reading(call);
+    const auto names = request.wants("*") ? std::vector<std::string>() : request.names;
+    auto entries = reading.session().search(call.value("base"), scope, request.filter, names);
+    for (Entry& entry : entries) {
+        if (request.wants("1.1"))
+            entry.attributes.clear();
+        for (Attribute& attribute : entry.attributes) {
+            if (call.has("names-only"))
+                attribute.values.clear();
+        }
+    }
+    if (call.isJson())
+        std::cout << toJson(entries) << '\n';
+    else
+        writeLdif(call, request, entries);
+    return 0;
+}
