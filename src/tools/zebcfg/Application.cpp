@@ -57,7 +57,7 @@ int runCommand(int argc, char** argv)
 int runApplication(int argc, char** argv)
 {
     useUtf8InPlainLocale();
-    removePrivateFileOnSignals();
+    handleSignals();
     (void)std::signal(SIGXFSZ, SIG_IGN);  // A limit on the size of files is told like a full disk.
     Failure failure;
     try {

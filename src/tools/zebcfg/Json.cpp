@@ -1,6 +1,7 @@
 #include "Json.h"
 
 #include "Attributes.h"
+#include "Check.h"
 #include "Failure.h"
 #include "Outline.h"
 
@@ -20,6 +21,18 @@ const char* nameOf(Syntax syntax)
 {
     constexpr const char* names[] = {"text", "number", "word", "bits", "dn", "password"};
     return names[static_cast<int>(syntax)];
+}
+
+Object objectOf(const AttributeType& type)
+{
+    Object object = {{"name", type.name}, {"syntax", nameOf(type.syntax)}, {"single", type.isSingle}};
+    if (type.minimum != 0 || type.maximum != 0)
+        object.update({{"minimum", type.minimum}, {"maximum", type.maximum}});
+    if (type.bits != 0)
+        object["bits"] = type.bits;
+    if (!type.words.empty())
+        object["words"] = type.words;
+    return object;
 }
 
 // The node at place, which moves behind the last one below it.
@@ -77,14 +90,20 @@ std::string toJson(const std::vector<std::string>& values)
 std::string toJson(const std::vector<AttributeType>& types)
 {
     Object list = Object::array();
-    for (const AttributeType& type : types) {
-        Object object = {{"name", type.name}, {"syntax", nameOf(type.syntax)}, {"single", type.isSingle}};
-        if (type.minimum != 0 || type.maximum != 0)
-            object.update({{"minimum", type.minimum}, {"maximum", type.maximum}});
-        if (type.bits != 0)
-            object["bits"] = type.bits;
-        if (!type.words.empty())
-            object["words"] = type.words;
+    for (const AttributeType& type : types)
+        list.push_back(objectOf(type));
+    return textOf(list, 2);
+}
+
+std::string toJson(const std::vector<Finding>& findings, const std::string& shownName)
+{
+    Object list = Object::array();
+    for (const Finding& finding : findings) {
+        Object object = {{"file", shownName}, {"line", finding.line}, {"severity", nameOf(finding.severity)}};
+        object.update({{"text", finding.text}, {"code", finding.code}, {"extended", finding.extended}});
+        object.update({{"attribute", finding.attribute}, {"advice", finding.advice}});
+        if (const AttributeType* const type = findAttributeType(finding.attribute))
+            object["allowed"] = objectOf(*type);
         list.push_back(object);
     }
     return textOf(list, 2);

@@ -9,6 +9,7 @@
 
 struct AttributeType;
 struct Failure;
+struct Finding;
 struct Node;
 
 std::string toJson(const Failure& failure, bool withDump);
@@ -16,6 +17,7 @@ std::string toJson(const Failure& failure, bool withDump);
 std::string toJson(const std::vector<Entry>& entries);
 std::string toJson(const std::vector<std::string>& values);
 std::string toJson(const std::vector<AttributeType>& types);
+std::string toJson(const std::vector<Finding>& findings, const std::string& shownName);
 // The trees, each node with its children.
 std::string toJson(const std::vector<Node>& nodes);
 

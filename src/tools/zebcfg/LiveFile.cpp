@@ -101,6 +101,7 @@ FileLock::FileLock(const std::string& path) : name(path + ".lock")
             std::cerr << "zebcfg: waiting for another zebcfg, which holds " << name << '\n';
         std::this_thread::sleep_for(pause);
     }
+    removeOnSignals(name);
 }
 
 // The holder removes the name before it lets go, so a lock counts only while the name stands for the file locked.
@@ -121,6 +122,7 @@ bool FileLock::tryLock()
 FileLock::~FileLock()
 {
     (void)::unlink(name.c_str());
+    keepOnSignals(name);
     ::close(file);
 }
 
@@ -128,7 +130,6 @@ Replacement::Replacement(const std::string& name, std::string backupName)
     : lock(resolvedName(name)), file(name), backup(std::move(backupName)),
       working(siblingOf(file.path()), file.status())
 {
-    file.requireUsable(backup);
     if (!backup.empty() && resolvedName(backup) == file.path())
         throw Failure(0, "the backup has the name of the file itself", file.shownName());
     working.write(file.text());

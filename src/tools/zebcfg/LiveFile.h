@@ -55,7 +55,7 @@ private:
 // nothing is left beside it.
 class Replacement {
 public:
-    // backupName: where the old file goes, or empty. Throws Failure for a file that is damaged.
+    // backupName: where the old file goes, or empty. Throws Failure.
     Replacement(const std::string& name, std::string backupName);
 
     const LiveFile& live() const noexcept { return file; }

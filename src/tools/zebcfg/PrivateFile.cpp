@@ -19,36 +19,21 @@ constexpr mode_t ownerOnly = 0700;
 
 // The names of the files that a signal handler removes; an empty one is a free place.
 using NameBuffer = std::array<char, 4096>;
-std::array<NameBuffer, 2> namesToRemove;
+std::array<NameBuffer, 4> namesToRemove;
 
 extern "C" void removeAndEnd(int signal)
 {
-    for (const NameBuffer& name : namesToRemove) {
-        if (name[0] != '\0')
-            (void)::unlink(name.data());
+    for (NameBuffer& name : namesToRemove) {
+        if (name[0] == '\0')
+            continue;
+        (void)::unlink(name.data());
+        if (char* const slash = std::strrchr(name.data(), '/')) {
+            *slash = '\0';
+            (void)::rmdir(name.data());  // Only the editor's directory is empty now.
+        }
     }
     (void)std::signal(signal, SIG_DFL);
     (void)std::raise(signal);
-}
-
-// A name is there as a whole or not at all: its first character comes last.
-void rememberForSignals(const std::string& path)
-{
-    for (NameBuffer& name : namesToRemove) {
-        if (name[0] == '\0' && path.size() < name.size()) {
-            std::strcpy(&name[1], path.c_str() + 1);
-            name[0] = path[0];
-            return;
-        }
-    }
-}
-
-void forgetForSignals(const std::string& path)
-{
-    for (NameBuffer& name : namesToRemove) {
-        if (path == name.data())
-            name[0] = '\0';
-    }
 }
 
 int createLike(const std::string& path, const struct stat& like)
@@ -96,7 +81,7 @@ PrivateFile::PrivateFile(const std::string& fileName, const struct stat& like)
 {
     if (!file.isOpen())
         throw systemFailure(LDAP_INSUFFICIENT_ACCESS, "cannot make the file " + path);
-    rememberForSignals(path);
+    removeOnSignals(path);
     struct stat own = {};
     const bool isOwned = ::fstat(file.get(), &own) == 0 && own.st_uid == like.st_uid && own.st_gid == like.st_gid;
     if ((isOwned || ::fchown(file.get(), like.st_uid, like.st_gid) == 0) &&
@@ -105,7 +90,7 @@ PrivateFile::PrivateFile(const std::string& fileName, const struct stat& like)
     const Failure failure =
         systemFailure(LDAP_INSUFFICIENT_ACCESS, "cannot keep the owner and mode of the file, so nothing is changed");
     (void)::unlink(path.c_str());
-    forgetForSignals(path);
+    keepOnSignals(path);
     throw failure;
 }
 
@@ -116,7 +101,7 @@ PrivateFile::~PrivateFile()
     if (::fstat(file.get(), &own) == 0 && ::lstat(path.c_str(), &there) == 0 && own.st_ino == there.st_ino &&
         own.st_dev == there.st_dev)
         (void)::unlink(path.c_str());
-    forgetForSignals(path);
+    keepOnSignals(path);
 }
 
 void PrivateFile::write(const std::string& text)
@@ -193,7 +178,7 @@ std::string siblingOf(const std::string& name)
     return directory + '.' + name.substr(directory.size()) + ".zebcfg-new";
 }
 
-void removePrivateFileOnSignals()
+void handleSignals()
 {
     for (const int signal : {SIGHUP, SIGINT, SIGTERM, SIGQUIT}) {
         struct sigaction old = {};
@@ -201,5 +186,25 @@ void removePrivateFileOnSignals()
         action.sa_handler = removeAndEnd;
         if (::sigaction(signal, nullptr, &old) == 0 && old.sa_handler != SIG_IGN)
             (void)::sigaction(signal, &action, nullptr);
+    }
+}
+
+// A name is there as a whole or not at all: its first character comes last.
+void removeOnSignals(const std::string& path)
+{
+    for (NameBuffer& name : namesToRemove) {
+        if (name[0] == '\0' && path.size() < name.size()) {
+            std::strcpy(&name[1], path.c_str() + 1);
+            name[0] = path[0];
+            return;
+        }
+    }
+}
+
+void keepOnSignals(const std::string& path)
+{
+    for (NameBuffer& name : namesToRemove) {
+        if (path == name.data())
+            name[0] = '\0';
     }
 }

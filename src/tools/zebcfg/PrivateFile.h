@@ -65,7 +65,10 @@ std::string directoryOf(const std::string& name);  // with its slash; empty for 
 // A name in the same directory for what is to take the place of name.
 std::string siblingOf(const std::string& name);
 
-// The private file disappears when a signal ends the process.
-void removePrivateFileOnSignals();
+// Lets signals that end the process remove the files that are named in between, at most four at a time, and the
+// directories that are empty without them.
+void handleSignals();
+void removeOnSignals(const std::string& path);
+void keepOnSignals(const std::string& path);
 
 #endif

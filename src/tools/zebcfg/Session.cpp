@@ -7,6 +7,8 @@
 #include <cctype>
 #include <set>
 
+#include <langinfo.h>
+
 namespace {
 
 struct ResultRelease {
@@ -71,6 +73,13 @@ std::string listOf(const char* const* words)
 
 }  // namespace
 
+bool isTextFailure(int code)
+{
+    constexpr int fromBytes = 162;
+    constexpr int toBytes = 163;
+    return code == fromBytes || code == toBytes;
+}
+
 std::string escapedForFilter(const std::string& value)
 {
     constexpr char digits[] = "0123456789abcdef";
@@ -129,6 +138,8 @@ std::string Session::explain() const
     const std::string range =
         std::to_string(cfg_get_minimum(handle)) + " to " + std::to_string(cfg_get_maximum(handle));
     const int extended = cfg_get_exterror(handle);
+    if (isTextFailure(extended))
+        return std::string("there are bytes that are no text in the locale's encoding, ") + ::nl_langinfo(CODESET);
     switch (extended) {
     case CFG_ERR_INT_RANGE:
         return shown + " is not within " + range;

@@ -52,6 +52,9 @@ private:
     std::string shownName;
 };
 
+// Whether the code stands for text that the locale cannot convert.
+bool isTextFailure(int code);
+
 // A filter value with the bytes escaped that the library would take for more than themselves.
 std::string escapedForFilter(const std::string& value);
 

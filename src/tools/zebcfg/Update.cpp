@@ -15,18 +15,21 @@
 
 namespace {
 
+enum class Damage { refused, allowed };
+
 // The copy that a command works on: beside the file, or in memory where nothing is to be installed.
 class Workplace {
 public:
-    explicit Workplace(const Call& wanted) : call(wanted)
+    Workplace(const Call& wanted, Damage damage) : call(wanted)
     {
-        if (!call.isDryRun()) {
+        if (!call.isDryRun())
             replacement = std::make_unique<Replacement>(call.fileName(), call.backupName());
-            return;
-        }
-        live = std::make_unique<LiveFile>(call.fileName());
-        live->requireUsable(call.backupName());
-        memory = std::make_unique<MemoryFile>(live->text());
+        else
+            live = std::make_unique<LiveFile>(call.fileName());
+        if (damage == Damage::refused)
+            file().requireUsable(call.backupName());
+        if (call.isDryRun())
+            memory = std::make_unique<MemoryFile>(file().text());
     }
 
     const LiveFile& file() const { return replacement ? replacement->live() : *live; }
@@ -100,7 +103,7 @@ void requireReadBack(const Workplace& place, const Changes& changes)
 
 void update(const Call& call, const std::function<void(Changes& changes)>& body)
 {
-    Workplace place(call);
+    Workplace place(call, Damage::refused);
     try {
         Changes changes(place.name(), place.file().shownName(), call.login());
         body(changes);
@@ -110,4 +113,26 @@ void update(const Call& call, const std::function<void(Changes& changes)>& body)
         throw;
     }
     place.finish();
+}
+
+void replaceText(const Call& call, const std::function<std::string(const LiveFile& file)>& newText)
+{
+    Workplace place(call, Damage::allowed);
+    overwriteFile(place.name(), newText(place.file()));
+    place.finish();
+}
+
+void putInPlace(const Call& call, const LiveFile& other)
+{
+    const std::string name = resolvedName(call.fileName());
+    const FileLock lock(name);
+    if (call.isDryRun()) {
+        std::cout << unifiedDiff("", other.text(), call.fileName(), call.hasColor(STDOUT_FILENO));
+        return;
+    }
+    PrivateFile copy(siblingOf(name), other.status());
+    copy.write(other.text());
+    copy.sync();
+    copy.moveTo(name);
+    syncDirectoryOf(name);
 }

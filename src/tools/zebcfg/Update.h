@@ -4,6 +4,7 @@
 
 #include "Call.h"
 #include "Changes.h"
+#include "LiveFile.h"
 
 #include <functional>
 #include <string>
@@ -12,7 +13,11 @@
 // of the file; under --dry-run it is only shown as a diff. Throws Failure, and then the old file stands.
 void update(const Call& call, const std::function<void(Changes& changes)>& body);
 
-// Puts the text in the place of the file in the same way, once it loads without a finding.
-void install(const Call& call, const std::string& text);
+// Puts the text that newText gives in the place of the file, just as it is: the caller has checked it. The file may be
+// damaged. Throws Failure as update() does.
+void replaceText(const Call& call, const std::function<std::string(const LiveFile& file)>& newText);
+
+// Puts a copy of another file where the configuration file is missing.
+void putInPlace(const Call& call, const LiveFile& other);
 
 #endif

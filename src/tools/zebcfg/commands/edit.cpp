@@ -1,0 +1,59 @@
+#include "Check.h"
+#include "Diff.h"
+#include "Dn.h"
+#include "Editor.h"
+#include "Failure.h"
+#include "Question.h"
+#include "Section.h"
+#include "Update.h"
+
+#include <iostream>
+
+#include <unistd.h>
+
+namespace {
+
+// The other commands log in when they load the file.
+void requireLogin(const Call& call, const LiveFile& file)
+{
+    if (!call.login())
+        return;
+    const MemoryFile copy(file.text());
+    const Session session(copy.name(), file.shownName(), call.login());
+}
+
+// Asks until the user edits again or drops the changes. True for the former.
+bool wantsToEditAgain(const std::string& diff)
+{
+    for (;;) {
+        const char answer = ask("(e)dit again, (d)rop the changes, or (s)how them? ", "eds");
+        if (answer != 's')
+            return answer == 'e';
+        std::cerr << diff;
+    }
+}
+
+}  // namespace
+
+int runEdit(const Call& call)
+{
+    replaceText(call, [&](const LiveFile& file) {
+        requireLogin(call, file);
+        const Section section(file.text(), call.operands().empty() ? "" : DnSpeller()(call.operand(0)));
+        Editor editor("zebslapd.conf");
+        for (std::string part = section.part();;) {
+            part = editor.edit(part);
+            const std::string text = section.with(part);
+            const auto findings = check(text, file.shownName());
+            for (const Finding& finding : findings) {
+                if (finding.severity != Severity::note)
+                    std::cerr << toLine(finding, file.shownName()) << '\n';
+            }
+            if (!hasErrors(findings))
+                return text;
+            if (!wantsToEditAgain(unifiedDiff(file.text(), text, file.shownName(), call.hasColor(STDERR_FILENO))))
+                throw Failure(0, "the changes are dropped, and nothing is changed", file.shownName());
+        }
+    });
+    return 0;
+}
