@@ -89,7 +89,7 @@ void Call::say(const std::string& text) const
         warn(text);
 }
 
-void Call::warn(const std::string& text) const
+void Call::warn(const std::string& text)
 {
     std::cout.flush();
     std::cerr << "zebcfg: " << text << '\n';

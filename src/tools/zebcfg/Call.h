@@ -13,7 +13,8 @@
 class Call {
 public:
     // given: for each option that was given, by its key, its last value for each time; a flag has empty ones.
-    Call(const Command* chosen, std::map<std::string, std::vector<std::string>> given, std::vector<std::string> words);
+    Call(const Command* chosen, std::map<std::string, std::vector<std::string>> given,
+         std::vector<std::string> operandsGiven);
 
     const Command* command() const noexcept { return chosenCommand; }
     const std::vector<std::string>& operands() const noexcept { return words; }
@@ -39,7 +40,7 @@ public:
 
     // One line on standard error; say() keeps still under --quiet.
     void say(const std::string& text) const;
-    void warn(const std::string& text) const;
+    static void warn(const std::string& text);
 
 private:
     const Command* chosenCommand;

@@ -131,19 +131,14 @@ void Changes::modify(const std::string& dn, const std::vector<Change>& changes)
 
 void Changes::applyChange(const std::string& dn, const Change& change)
 {
+    if (change.operation == LDAP_MOD_REPLACE)
+        return replaceValues(dn, change);
     const Attribute& attribute = change.attribute;
-    if (change.operation == LDAP_MOD_REPLACE) {
-        const bool isNothing = attribute.values.empty();
-        if (!isNothing || !opened->search(dn, LDAP_SCOPE_BASE, attribute.name + "=*").empty())
-            opened->modify(dn, {change});
-        return requireEachOnce(dn, attribute);
-    }
-    if (attribute.values.empty()) {
-        if (change.operation == LDAP_MOD_ADD)
-            throw attributeFailure(0, dn, attribute.name, "there is no value to add");
-        opened->modify(dn, {change});
-    }
     const bool isAdded = change.operation == LDAP_MOD_ADD;
+    if (attribute.values.empty() && isAdded)
+        throw attributeFailure(0, dn, attribute.name, "there is no value to add");
+    if (attribute.values.empty())
+        opened->modify(dn, {change});
     for (const std::string& value : attribute.values) {
         if (opened->holds(dn, attribute.name, value) == isAdded)
             throw attributeFailure(isAdded ? LDAP_TYPE_OR_VALUE_EXISTS : LDAP_NO_SUCH_ATTRIBUTE, dn, attribute.name,
@@ -151,6 +146,15 @@ void Changes::applyChange(const std::string& dn, const Change& change)
                                        (isAdded ? "\" is there already" : "\" is not there"));
         opened->modify(dn, {{change.operation, {attribute.name, {value}}}});
     }
+}
+
+void Changes::replaceValues(const std::string& dn, const Change& change)
+{
+    const Attribute& attribute = change.attribute;
+    const bool isThere = !opened->search(dn, LDAP_SCOPE_BASE, attribute.name + "=*", {"objectclass"}).empty();
+    if (isThere || !attribute.values.empty())
+        opened->modify(dn, {change});
+    requireEachOnce(dn, attribute);
 }
 
 void Changes::erase(const std::string& dn, bool withChildren)

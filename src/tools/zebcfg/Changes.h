@@ -34,6 +34,7 @@ private:
     void step(const std::function<void()>& body);
     void requireNameAndValues(const std::string& dn, const Attribute& attribute);
     void applyChange(const std::string& dn, const Change& change);
+    void replaceValues(const std::string& dn, const Change& change);
     void requireEachOnce(const std::string& dn, const Attribute& attribute) const;
 
     const std::string path;

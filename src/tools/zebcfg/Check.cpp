@@ -29,20 +29,23 @@ std::string allowedFor(const std::string& name)
 
 Finding findingOf(const Failure& failure, int line, const std::string& advice)
 {
+    if (isSameName(failure.attribute, invalidLine))
+        return {Severity::error, line, failure.value + ": is refused in the head", failure.code, failure.extended,
+                advice,          {}};
     const std::string text = failure.attribute.empty() ? failure.text : failure.attribute + ": " + failure.text;
     return {Severity::error, line, text, failure.code, failure.extended, advice, failure.attribute};
 }
 
 std::string adviceFor(const Failure& failure)
 {
-    if (failure.extended == CFG_ERR_DN_NO_VALUE)
-        return "no value of a DN may be empty";
     if (failure.code == LDAP_INVALID_DN_SYNTAX)
-        return "a DN is made of NAME=VALUE separated by commas, and , + \" \\ < > ; # in a value take a backslash";
+        return "a DN is made of NAME=VALUE separated by commas, where no VALUE is empty, and , + \" \\ < > ; # in one "
+               "take "
+               "a backslash";
+    if (isSameName(failure.attribute, invalidLine))
+        return "the head holds charset and version, each once, and version is 1";
     if (failure.extended == CFG_ERR_NOT_IN_CLASS)
         return "put it below the dn line of an entry, without an empty line in between";
-    if (failure.extended == CFG_ERR_SINGLE_VALUED)
-        return "take one of them out";
     return isTextFailure(failure.code) ? "bring the text into the encoding of the locale, or set the locale" : "";
 }
 
@@ -68,6 +71,7 @@ public:
             findings.push_back(findingOf(failure, failure.fileLine, adviceFor(failure)));
         findQuarantined();
         findSeveralValues();
+        findUndecodable();
         findMisspelt();
         findMissingLogin();
         if (loadable.failures().empty())
@@ -133,6 +137,22 @@ private:
         }
     }
 
+    // An encoded password is taken as it is, and every search that meets it fails.
+    void findUndecodable()
+    {
+        for (const ConfigLine& line : lines) {
+            if (!isPassword(line.name) || line.value.empty() || line.value.front() != '>')
+                continue;
+            const MemoryFile file("dn: cn=line\n" + line.name + ": " + line.value + '\n');
+            try {
+                const Session single(file.name(), shownName);
+                (void)single.search("cn=line", LDAP_SCOPE_BASE, line.name + "=*");
+            } catch (const Failure& failure) {
+                findings.push_back(findingOf(failure, line.first, ""));
+            }
+        }
+    }
+
     void findMisspelt()
     {
         for (const ConfigLine& line : lines) {
@@ -149,7 +169,7 @@ private:
         const auto line = std::find_if(lines.begin(), lines.end(), [&](const ConfigLine& candidate) {
             return candidate.isDn && isSameName(dnOfEntry[candidate.entry], configurationDn);
         });
-        if (line == lines.end() || session.search(configurationDn, LDAP_SCOPE_BASE).empty()) {
+        if (line == lines.end() || session.search(configurationDn, LDAP_SCOPE_BASE, "", {"objectclass"}).empty()) {
             const bool isThere = line != lines.end();
             findings.push_back({Severity::warning,
                                 isThere ? line->first : 0,
@@ -161,7 +181,7 @@ private:
             return;
         }
         for (const char* const name : {"zeb-slapdAdminDN", "zeb-slapdAdminPW"}) {
-            if (session.search(configurationDn, LDAP_SCOPE_BASE, std::string(name) + "=*").empty())
+            if (session.search(configurationDn, LDAP_SCOPE_BASE, std::string(name) + "=*", {"objectclass"}).empty())
                 findings.push_back({Severity::warning, line->first, std::string(name) + ": cn=Configuration has none",
                                     LDAP_NO_SUCH_ATTRIBUTE, 0, "add it: without it nobody can log in", name});
         }

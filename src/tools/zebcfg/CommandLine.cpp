@@ -120,7 +120,7 @@ private:
         return given;
     }
 
-    Call told(const CLI::App& used, Values given) const
+    static Call told(const CLI::App& used, Values given)
     {
         if (given.count("help") != 0)
             std::cout << used.help();

@@ -70,6 +70,7 @@ void run(const std::string& editor, std::string file)
         words.push_back(word);
     words.push_back(std::move(file));
     std::vector<char*> pointers;
+    pointers.reserve(words.size() + 1);
     for (std::string& word : words)
         pointers.push_back(word.data());
     pointers.push_back(nullptr);

@@ -26,6 +26,9 @@ void appendLine(std::string& out, int type, const std::string& name, const std::
     out += line.get();
 }
 
+// Takes what the LDAP client library would write to standard error beside the failure.
+void keepQuiet(const char* /*text*/) {}
+
 // Whether the reader would open a file for the line that begins a record: it does so for "include:".
 bool isInclude(std::string_view line)
 {
@@ -81,6 +84,8 @@ public:
     {
         if (file == nullptr)
             throw Failure(0, "the LDIF cannot be read", shownName);
+        const BER_LOG_PRINT_FN quiet = &keepQuiet;
+        ber_set_option(nullptr, LBER_OPT_LOG_PRINT_FN, reinterpret_cast<const void*>(quiet));
     }
 
     bool nextRecord()

@@ -39,7 +39,8 @@ public:
             try {
                 changes.apply(record, !call.has("no-parent-check"));
             } catch (Failure& failure) {
-                failure.text += " (the record at " + shownName + ':' + std::to_string(record.line) + ')';
+                failure.file = shownName;
+                failure.fileLine = record.line;
                 skip(failure, record.text);
             }
         }
@@ -66,7 +67,7 @@ private:
     {
         if (!call.has("continue"))
             throw Failure(failure);
-        call.warn(failure.line());
+        Call::warn(failure.line());
         skippedText += "# " + failure.line() + '\n' + text + '\n';
         if (!firstFailure)
             firstFailure = failure;

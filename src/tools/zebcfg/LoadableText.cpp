@@ -4,7 +4,9 @@
 #include "Session.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <optional>
+#include <sstream>
 
 namespace {
 
@@ -43,11 +45,26 @@ std::pair<std::size_t, std::size_t> rangeOf(const std::string& text, int first, 
     return {begin, end};
 }
 
+// The first line from number on with bytes that the locale does not know: the library has read on to see whether a
+// line is continued, and names the one before.
+int lineOfForeignBytes(const std::string& text, int number)
+{
+    std::istringstream lines(text);
+    std::string line;
+    for (int i = 1; std::getline(lines, line); ++i) {
+        if (i >= number && std::mbstowcs(nullptr, line.c_str(), 0) == static_cast<std::size_t>(-1))
+            return i;
+    }
+    return number;
+}
+
 }  // namespace
 
 LoadableText::LoadableText(const std::string& original, const std::string& shownName) : current(original)
 {
     while (std::optional<Failure> failure = failureOfLoad(current, shownName)) {
+        if (isTextFailure(failure->code))
+            failure->fileLine = lineOfForeignBytes(current, failure->fileLine);
         if (failure->fileLine == 0)
             failure->fileLine = lineOfUnwritableDn(current, shownName);
         if (found.size() == mostFailures || !takeOut(*failure)) {

@@ -116,7 +116,7 @@ void Session::require(int code) const
     if (code == LDAP_SUCCESS)
         return;
     CFG* const handle = cfg.get();
-    Failure failure(code, explain(), shownName);
+    Failure failure(code, explain(code), shownName);
     failure.extended = cfg_get_exterror(handle);
     failure.attribute = textOf(cfg_get_attribute(handle));
     failure.entry = textOf(cfg_get_entry(handle));
@@ -129,7 +129,7 @@ void Session::require(int code) const
     throw failure;
 }
 
-std::string Session::explain() const
+std::string Session::explain(int code) const
 {
     CFG* const handle = cfg.get();
     const std::string attribute = textOf(cfg_get_attribute(handle));
@@ -140,6 +140,8 @@ std::string Session::explain() const
     const int extended = cfg_get_exterror(handle);
     if (isTextFailure(extended))
         return std::string("there are bytes that are no text in the locale's encoding, ") + ::nl_langinfo(CODESET);
+    if (isPassword(attribute) && extended == code && code > LDAP_OTHER && code < CFG_ERR_UNEXPECTED)
+        return "the encoded password cannot be decoded; give a new one with zebcfg passwd";
     switch (extended) {
     case CFG_ERR_INT_RANGE:
         return shown + " is not within " + range;
@@ -182,8 +184,10 @@ std::vector<Entry> Session::search(const std::string& base, int scope, const std
 
 bool Session::exists(const std::string& dn) const
 {
+    std::string nothing = "1.1";  // a name that no attribute has: no password is decoded
+    char* names[] = {nothing.data(), nullptr};
     CFGMessage* result = nullptr;
-    const int code = cfg_search_s(cfg.get(), dn.c_str(), LDAP_SCOPE_BASE, "", nullptr, 0, &result);
+    const int code = cfg_search_s(cfg.get(), dn.c_str(), LDAP_SCOPE_BASE, "", names, 0, &result);
     cfg_msgfree(result);
     if (code != LDAP_NO_SUCH_OBJECT)
         require(code);

@@ -45,7 +45,7 @@ private:
 
     // Throws what the handle knows of a call that has not given 0.
     void require(int code) const;
-    std::string explain() const;
+    std::string explain(int code) const;
 
     std::unique_ptr<CFG, Release> cfg;
     std::string path;

@@ -1,0 +1,89 @@
+#!/usr/bin/env bash
+# run_case.sh TOOL SAMPLE CASE: runs the commands of a case, and compares what they do with what the case expects.
+# README.md tells how a case is written.
+set -euo pipefail
+tool=$(realpath "$1") sample=$(realpath "$2") case=$(realpath "$3") files=$(dirname "$(realpath "$0")")/files
+directory=$(mktemp -d)
+trap 'rm -rf "$directory"' EXIT
+parts=$directory/parts work=$directory/work
+mkdir "$parts" "$work" "$directory/bin"
+printf '#!/bin/sh\nexec "%s" -F zebslapd.conf "$@"\n' "$tool" >"$directory/bin/zebcfg"
+chmod +x "$directory/bin/zebcfg"
+export PATH=$directory/bin:$PATH LC_ALL=C.UTF-8
+unset NO_COLOR VISUAL EDITOR
+
+# One file for each section, in their order: its kind is the name behind the number, its argument the first line.
+awk -v parts="$parts" '/^== / { file = sprintf("%s/%03d.%s", parts, ++n, $2); print $3 > file; next } file { print > file }' "$case"
+failed=0 command=''
+say() {
+    echo "$(basename "$case"): $*"
+    failed=1
+}
+body() { tail -n +2 "$1"; }
+fingerprint() { stat -c '%i %y' "$work/zebslapd.conf" 2>/dev/null || true; }
+same() { diff -u --label expected --label actual "$1" "$2" || say "$3"; }
+
+# Runs the command of the last step, and compares.
+finish_step() {
+    [ -n "$command" ] || return 0
+    rm -rf "$directory/before"
+    cp -a "$work" "$directory/before"
+    local before actual=0
+    before=$(fingerprint)
+    (cd "$work" && bash -c "$command") <"$directory/input" >"$directory/out" 2>"$directory/err" || actual=$?
+    same "$directory/output" "$directory/out" "standard output of: $command"
+    same "$directory/errors" "$directory/err" "standard error of: $command"
+    [ "$actual" = "$status" ] || say "exit status $actual instead of $status: $command"
+    if [ -n "$result" ]; then
+        same "$result" "$work/zebslapd.conf" "the resulting file of: $command"
+        [ ! -e "$work/zebslapd.conf.bak" ] || same "$directory/before/zebslapd.conf" "$work/zebslapd.conf.bak" "the backup"
+    elif [ -n "$changed" ]; then
+        diff "$directory/before/zebslapd.conf" "$work/zebslapd.conf" | grep '^[<>]' >"$directory/lines" || true
+        same "$changed" "$directory/lines" "the changed lines of: $command"
+    else
+        cmp "$directory/before/zebslapd.conf" "$work/zebslapd.conf" 2>/dev/null || [ ! -e "$work/zebslapd.conf" ] || say "the file is changed by: $command"
+        [ "$before" = "$(fingerprint)" ] || say "inode or time of the file is changed by: $command"
+    fi
+    for name in $(ls -A "$work"); do
+        [ -e "$directory/before/$name" ] || [ "$name" = zebslapd.conf.bak ] || [[ " $made " = *" $name "* ]] || say "$name is left by: $command"
+    done
+}
+
+start_step() {
+    finish_step
+    command=${1-} status=0 result='' changed='' made=''
+    for name in input output errors; do : >"$directory/$name"; done
+}
+
+start_step
+for part in "$parts"/*; do
+    argument=$(head -n 1 "$part") kind=${part##*.}
+    case $kind in
+    file)
+        start_step
+        case $argument in
+        sample) cp "$sample" "$work/zebslapd.conf" ;;
+        '') body "$part" >"$work/zebslapd.conf" ;;
+        *.conf) cp "$files/$argument" "$work/zebslapd.conf" ;;
+        *) echo "there is no file $argument" && exit 1 ;;
+        esac
+        ;;
+    with)
+        start_step
+        body "$part" >"$work/$argument"
+        ;;
+    command) start_step "$(body "$part")" ;;
+    status) status=$argument ;;
+    input | output | errors) body "$part" >"$directory/$kind" ;;
+    result | changed)
+        body "$part" >"$directory/$kind"
+        declare "$kind=$directory/$kind"
+        ;;
+    made)
+        made+=" $argument"
+        ;;
+    *) echo "there is no section $kind" && exit 1 ;;
+    esac
+done
+finish_step
+[ "${#part}" -gt 0 ] && exit $failed
