@@ -3,10 +3,9 @@
 #include "CommandLine.h"
 #include "Failure.h"
 #include "Json.h"
-#include "PrivateFile.h"
+#include "Signals.h"
 
 #include <clocale>
-#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <iostream>
@@ -58,7 +57,6 @@ int runApplication(int argc, char** argv)
 {
     useUtf8InPlainLocale();
     handleSignals();
-    (void)std::signal(SIGXFSZ, SIG_IGN);  // A limit on the size of files is told like a full disk.
     Failure failure;
     try {
         return runCommand(argc, argv);

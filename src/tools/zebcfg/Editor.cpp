@@ -2,6 +2,7 @@
 
 #include "Failure.h"
 #include "PrivateFile.h"
+#include "Signals.h"
 
 #include <cerrno>
 #include <csignal>

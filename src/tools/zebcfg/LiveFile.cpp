@@ -1,6 +1,7 @@
 #include "LiveFile.h"
 
 #include "Failure.h"
+#include "Signals.h"
 
 #include <cerrno>
 #include <chrono>
@@ -101,26 +102,29 @@ FileLock::FileLock(const std::string& path) : name(path + ".lock")
             std::cerr << "zebcfg: waiting for another zebcfg, which holds " << name << '\n';
         std::this_thread::sleep_for(pause);
     }
-    removeOnSignals(name);
 }
 
 // The holder removes the name before it lets go, so a lock counts only while the name stands for the file locked.
 bool FileLock::tryLock()
 {
+    const BlockedSignals blocked;
     file = ::open(name.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
     if (file < 0)
         throw systemFailure(LDAP_INSUFFICIENT_ACCESS, "cannot make the lock file " + name);
     struct stat own = {};
     struct stat there = {};
     if (::flock(file, LOCK_EX | LOCK_NB) == 0 && ::fstat(file, &own) == 0 && ::stat(name.c_str(), &there) == 0 &&
-        isSameFile(own, there))
+        isSameFile(own, there)) {
+        removeOnSignals(name);
         return true;
+    }
     ::close(file);
     return false;
 }
 
 FileLock::~FileLock()
 {
+    const BlockedSignals blocked;
     (void)::unlink(name.c_str());
     keepOnSignals(name);
     ::close(file);

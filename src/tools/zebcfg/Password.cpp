@@ -11,8 +11,10 @@
 
 namespace {
 
-// The terminal of the process without echo, and as it was at the end. A signal meanwhile waits for the end too, so
-// that the echo comes back.
+constexpr char interruptKey = '\3';
+
+// The terminal of the process without echo, and as it was at the end. The interrupt key ends the line instead of the
+// process, so that the echo comes back.
 class SilentTerminal {
 public:
     explicit SilentTerminal(int descriptor) : terminal(descriptor)
@@ -21,6 +23,7 @@ public:
         struct termios silent = before;
         silent.c_lflag &= ~static_cast<tcflag_t>(ECHO | ISIG);
         silent.c_lflag |= ECHONL | ICANON;
+        silent.c_cc[VEOL] = interruptKey;
         (void)::tcsetattr(terminal, TCSAFLUSH, &silent);
     }
     SilentTerminal(const SilentTerminal&) = delete;
@@ -31,8 +34,6 @@ private:
     const int terminal;
     struct termios before = {};
 };
-
-constexpr char interruptKey = '\3';
 
 }  // namespace
 

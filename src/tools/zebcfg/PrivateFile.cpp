@@ -1,11 +1,10 @@
 #include "PrivateFile.h"
 
 #include "Failure.h"
+#include "Signals.h"
 
 #include <array>
 #include <cerrno>
-#include <csignal>
-#include <cstring>
 
 #include <fcntl.h>
 #include <ldap.h>
@@ -17,28 +16,10 @@ namespace {
 constexpr mode_t permissions = 07777;
 constexpr mode_t ownerOnly = 0700;
 
-// The names of the files that a signal handler removes; an empty one is a free place.
-using NameBuffer = std::array<char, 4096>;
-std::array<NameBuffer, 4> namesToRemove;
-
-extern "C" void removeAndEnd(int signal)
-{
-    for (NameBuffer& name : namesToRemove) {
-        if (name[0] == '\0')
-            continue;
-        (void)::unlink(name.data());
-        if (char* const slash = std::strrchr(name.data(), '/')) {
-            *slash = '\0';
-            (void)::rmdir(name.data());  // Only the editor's directory is empty now.
-        }
-    }
-    (void)std::signal(signal, SIG_DFL);
-    (void)std::raise(signal);
-}
-
 int createLike(const std::string& path, const struct stat& like)
 {
     (void)::unlink(path.c_str());
+    removeOnSignals(path);
     return ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, like.st_mode & ownerOnly);
 }
 
@@ -71,17 +52,25 @@ std::string readAll(int file, const std::string& shownName)
 
 Descriptor::~Descriptor()
 {
+    close();
+}
+
+void Descriptor::close() noexcept
+{
     if (number >= 0)
         ::close(number);
+    number = -1;
 }
 
 // The owner comes before the mode: permissions of a group are not to be another's for a moment.
 PrivateFile::PrivateFile(const std::string& fileName, const struct stat& like)
     : path(fileName), file(createLike(fileName, like))
 {
-    if (!file.isOpen())
-        throw systemFailure(LDAP_INSUFFICIENT_ACCESS, "cannot make the file " + path);
-    removeOnSignals(path);
+    if (!file.isOpen()) {
+        const Failure failure = systemFailure(LDAP_INSUFFICIENT_ACCESS, "cannot make the file " + path);
+        keepOnSignals(path);
+        throw failure;
+    }
     struct stat own = {};
     const bool isOwned = ::fstat(file.get(), &own) == 0 && own.st_uid == like.st_uid && own.st_gid == like.st_gid;
     if ((isOwned || ::fchown(file.get(), like.st_uid, like.st_gid) == 0) &&
@@ -96,10 +85,7 @@ PrivateFile::PrivateFile(const std::string& fileName, const struct stat& like)
 
 PrivateFile::~PrivateFile()
 {
-    struct stat own = {};
-    struct stat there = {};
-    if (::fstat(file.get(), &own) == 0 && ::lstat(path.c_str(), &there) == 0 && own.st_ino == there.st_ino &&
-        own.st_dev == there.st_dev)
+    if (!isMoved)
         (void)::unlink(path.c_str());
     keepOnSignals(path);
 }
@@ -127,8 +113,10 @@ void PrivateFile::sync()
 
 void PrivateFile::moveTo(const std::string& target)
 {
+    file.close();
     if (::rename(path.c_str(), target.c_str()) != 0)
         throw systemFailure(LDAP_INSUFFICIENT_ACCESS, "cannot put a new file in the place of " + target);
+    isMoved = true;
 }
 
 MemoryFile::MemoryFile(const std::string& text) : file(::memfd_create("zebcfg", MFD_CLOEXEC))
@@ -176,35 +164,4 @@ std::string siblingOf(const std::string& name)
 {
     const std::string directory = directoryOf(name);
     return directory + '.' + name.substr(directory.size()) + ".zebcfg-new";
-}
-
-void handleSignals()
-{
-    for (const int signal : {SIGHUP, SIGINT, SIGTERM, SIGQUIT}) {
-        struct sigaction old = {};
-        struct sigaction action = {};
-        action.sa_handler = removeAndEnd;
-        if (::sigaction(signal, nullptr, &old) == 0 && old.sa_handler != SIG_IGN)
-            (void)::sigaction(signal, &action, nullptr);
-    }
-}
-
-// A name is there as a whole or not at all: its first character comes last.
-void removeOnSignals(const std::string& path)
-{
-    for (NameBuffer& name : namesToRemove) {
-        if (name[0] == '\0' && path.size() < name.size()) {
-            std::strcpy(&name[1], path.c_str() + 1);
-            name[0] = path[0];
-            return;
-        }
-    }
-}
-
-void keepOnSignals(const std::string& path)
-{
-    for (NameBuffer& name : namesToRemove) {
-        if (path == name.data())
-            name[0] = '\0';
-    }
 }

@@ -14,10 +14,11 @@ public:
     Descriptor& operator=(const Descriptor&) = delete;
     ~Descriptor();
     int get() const noexcept { return number; }
+    void close() noexcept;
     bool isOpen() const noexcept { return number >= 0; }
 
 private:
-    int number;
+    int number;  // negative when it is closed
 };
 
 // A new file that is removed at the end unless it has been moved, also when a signal ends the process. It has owner,
@@ -36,12 +37,13 @@ public:
     // Throws when there is no room for as many bytes more.
     void requireRoomFor(std::size_t size);
     void sync();
-    // Puts the file in the place of another in one step.
+    // Puts the file in the place of another in one step. Nothing else is possible then.
     void moveTo(const std::string& target);
 
 private:
     const std::string path;
-    const Descriptor file;
+    Descriptor file;
+    bool isMoved = false;
 };
 
 // A file without a place in a directory, which is gone with its last descriptor.
@@ -64,11 +66,5 @@ void syncDirectoryOf(const std::string& name);
 std::string directoryOf(const std::string& name);  // with its slash; empty for a plain name
 // A name in the same directory for what is to take the place of name.
 std::string siblingOf(const std::string& name);
-
-// Lets signals that end the process remove the files that are named in between, at most four at a time, and the
-// directories that are empty without them.
-void handleSignals();
-void removeOnSignals(const std::string& path);
-void keepOnSignals(const std::string& path);
 
 #endif

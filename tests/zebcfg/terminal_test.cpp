@@ -1,0 +1,116 @@
+// The tool on a terminal: prompts, colour, line drawing and the editor.
+#include "Process.h"
+
+#include <termios.h>
+
+namespace {
+
+std::string passwordIn(const ConfigDirectory& directory)
+{
+    Terminal terminal(directory.file, {"--show-passwords", "get", "cn=Configuration", "zeb-slapdAdminPW"});
+    EXPECT_EQ(terminal.finish(), 0);
+    return terminal.output;
+}
+
+TEST(Prompts, ANewPasswordIsAskedForTwiceAndNotShown)
+{
+    const ConfigDirectory directory;
+    Terminal terminal(directory.file, {"passwd", "cn=Configuration"});
+    terminal.answer("New password: ", "geheim\n");
+    terminal.answer("New password again: ", "geheim\n");
+    EXPECT_EQ(terminal.finish(), 0);
+    EXPECT_EQ(terminal.output.find("geheim"), std::string::npos) << terminal.output;
+    EXPECT_EQ(passwordIn(directory), "geheim\r\n");
+
+    Terminal other(directory.file, {"passwd", "cn=Configuration"});
+    other.answer("New password: ", "one\n");
+    other.answer("New password again: ", "two\n");
+    EXPECT_EQ(other.finish(), 1);
+    EXPECT_NE(other.output.find("differ"), std::string::npos);
+    EXPECT_EQ(passwordIn(directory), "geheim\r\n");
+}
+
+TEST(Prompts, ALoginAsksAndAnInterruptEndsIt)
+{
+    const ConfigDirectory directory;
+    const std::vector<std::string> words = {"-D",  "cn=admin,o=Example", "-W",
+                                            "get", "cn=Configuration",   "zeb-slapdPort"};
+    const struct {
+        const char* typed;
+        int status;
+        const char* output;
+    } cases[] = {
+        {"secret\n", 0, "389"}, {"wrong\n", 49, "is refused"}, {"\3", 1, "no password"}, {"\4", 1, "no password"}};
+    for (const auto& c : cases) {
+        Terminal terminal(directory.file, words);
+        terminal.answer("Password for cn=admin,o=Example: ", c.typed);
+        EXPECT_EQ(terminal.finish(), c.status) << c.typed;
+        EXPECT_NE(terminal.output.find(c.output), std::string::npos) << terminal.output;
+        EXPECT_EQ(terminal.output.find("secret"), std::string::npos) << terminal.output;
+    }
+}
+
+TEST(Appearance, ColourAndLinesAreForTerminalsThatShowThem)
+{
+    const ConfigDirectory directory;
+    const std::vector<std::string> dryRun = {"-n", "set", "cn=Configuration", "zeb-slapdPort=1"};
+    const struct {
+        std::vector<std::string> words;
+        std::vector<const char*> environment;
+        const char* text;
+        bool isThere;
+    } cases[] = {
+        {dryRun, {}, "\033[32m+zeb-slapdPort: 1", true},
+        {dryRun, {"NO_COLOR=1"}, "\033[", false},
+        {dryRun, {"TERM=dumb"}, "\033[", false},
+        {{"--color=never", "-n", "set", "cn=Configuration", "zeb-slapdPort=1"}, {}, "\033[", false},
+        {{"tree"}, {}, "└── cn=Front End", true},
+        {{"tree", "--ascii"}, {}, "`-- cn=Front End", true},
+    };
+    for (const auto& c : cases) {
+        Terminal terminal(directory.file, c.words, c.environment);
+        EXPECT_EQ(terminal.finish(), 0);
+        EXPECT_EQ(terminal.output.find(c.text) != std::string::npos, c.isThere) << terminal.output;
+    }
+}
+
+// A fake editor, which makes a port of 70000 at first, and of 391 when it is started again.
+class Edit : public testing::Test {
+protected:
+    Edit()
+    {
+        writeText(directory / "editor", "if [ -e '" + directory / "again" +
+                                            "' ]; then sed -i s/70000/391/ \"$1\"; else touch '" + directory / "again" +
+                                            "'; sed -i s/389/70000/ \"$1\"; fi\n");
+        setting = "VISUAL=sh " + directory / "editor";
+    }
+
+    const ConfigDirectory directory;
+    const std::string before = readText(directory.file);
+    std::string setting;
+};
+
+TEST_F(Edit, EditsAgainAfterAFinding)
+{
+    Terminal terminal(directory.file, {"edit"}, {setting.c_str()});
+    terminal.answer("(s)how them? ", "s\n");
+    terminal.answer("(s)how them? ", "x\n");
+    terminal.answer("(s)how them? ", "e\n");
+    EXPECT_EQ(terminal.finish(), 0) << terminal.output;
+    EXPECT_NE(terminal.output.find(":10: error: zeb-slapdPort: 70000 is not within"), std::string::npos)
+        << terminal.output;
+    EXPECT_NE(terminal.output.find("+zeb-slapdPort: 70000"), std::string::npos) << terminal.output;
+    EXPECT_NE(readText(directory.file).find("zeb-slapdPort: 391"), std::string::npos);
+    EXPECT_EQ(readText(directory.backup), before);
+}
+
+TEST_F(Edit, DropsTheChanges)
+{
+    Terminal terminal(directory.file, {"edit", "cn=Configuration"}, {setting.c_str()});
+    terminal.answer("(s)how them? ", "d\n");
+    EXPECT_EQ(terminal.finish(), 1);
+    EXPECT_EQ(readText(directory.file), before);
+    EXPECT_FALSE(std::filesystem::exists(directory.backup));
+}
+
+}  // namespace
