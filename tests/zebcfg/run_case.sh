@@ -7,10 +7,14 @@ directory=$(mktemp -d)
 trap 'rm -rf "$directory"' EXIT
 parts=$directory/parts work=$directory/work
 mkdir "$parts" "$work" "$directory/bin"
-printf '#!/bin/sh\nexec "%s" -F zebslapd.conf "$@"\n' "$tool" >"$directory/bin/zebcfg"
+cat >"$directory/bin/zebcfg" <<END
+#!/bin/sh
+case \$1 in __*) exec "$tool" "\$@" ;; *) exec "$tool" -F zebslapd.conf "\$@" ;; esac
+END
 chmod +x "$directory/bin/zebcfg"
 export PATH=$directory/bin:$PATH LC_ALL=C.UTF-8
 unset NO_COLOR VISUAL EDITOR
+COMPLETION=$(dirname "$files")/../../src/tools/zebcfg/completions/zebcfg.bash && export COMPLETION
 
 # One file for each section, in their order: its kind is the name behind the number, its argument the first line.
 awk -v parts="$parts" '/^== / { file = sprintf("%s/%03d.%s", parts, ++n, $2); print $3 > file; next } file { print > file }' "$case"

@@ -35,6 +35,8 @@ struct Command {
 
 const std::vector<Command>& commands();
 const std::vector<Option>& globalOptions();
+// Whether it is for shells, not for people.
+bool isHidden(const Command& command);
 const Command* findCommand(const std::string& name);
 // "--base" for "-b,--base": the name that is told in messages.
 std::string longName(const Option& option);

@@ -52,8 +52,10 @@ public:
         app.footer("Each command has its own help: zebcfg COMMAND --help");
         addOptions(app, globalOptions());
         app.require_subcommand(0, 1);
-        for (const Command& command : commands())
-            addCommand(command);
+        for (const Command& command : commands()) {
+            if (!isHidden(command))
+                addCommand(command);
+        }
     }
 
     Call parse(int argc, char** argv)
@@ -97,12 +99,9 @@ private:
 
     void addCommand(const Command& command)
     {
-        const bool isHidden = std::string(command.name).rfind("__", 0) == 0;
         CLI::App* const sub = app.add_subcommand(command.name, command.summary);
         sub->set_help_flag();
         sub->footer(footerOf(command));
-        if (isHidden)
-            sub->group("")->prefix_command();
         addOptions(*sub, command.options);
         if (!command.operands.empty())
             sub->add_option("operands", words)->group("")->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
@@ -134,13 +133,13 @@ private:
         const auto extras = app.remaining(true);
         std::vector<std::string> names;
         for (const Command& known : commands())
-            names.emplace_back(known.name);
+            names.emplace_back(known.name);  // The hidden one is near to no word that a user types.
         if (command == nullptr && (extras.empty() || extras.front().front() != '-')) {
             const std::string hint = extras.empty() ? "" : nearest(extras.front(), names);
             throw Failure(0, (extras.empty() ? "a command is missing" : "there is no command " + extras.front()) +
                                  (hint.empty() ? "; see zebcfg --help" : " (did you mean " + hint + "?)"));
         }
-        if (!extras.empty() && std::string(command != nullptr ? command->name : "").rfind("__", 0) != 0)
+        if (!extras.empty())
             throw Failure(0, "there is no place for " + extras.front() + "; see zebcfg " +
                                  (command != nullptr ? command->name + std::string(" --help") : "--help"));
     }
@@ -166,5 +165,9 @@ private:
 
 Call readCommandLine(int argc, char** argv)
 {
+    // The words behind the hidden command are another command line, and no options of this one.
+    const Command* const hidden = argc > 1 ? findCommand(argv[1]) : nullptr;
+    if (hidden != nullptr && isHidden(*hidden))
+        return {hidden, {}, std::vector<std::string>(argv + 2, argv + argc)};
     return Parser().parse(argc, argv);
 }

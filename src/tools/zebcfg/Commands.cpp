@@ -109,8 +109,19 @@ const std::vector<Command>& commands()
          {{"ATTRIBUTE", Kind::attribute, false, false}},
          "zebcfg describe zeb-slapdPort",
          runDescribe},
+        {"__complete",
+         "give the words that the last one may become",
+         {},
+         {{"WORD", Kind::other, false, true}},
+         "",
+         runComplete},
     };
     return table;
+}
+
+bool isHidden(const Command& command)
+{
+    return std::string(command.name).rfind("__", 0) == 0;
 }
 
 const Command* findCommand(const std::string& name)

@@ -1,0 +1,164 @@
+// What a shell asks when the user wants a word completed: zebcfg __complete WORD... gives the words that the last one
+// may become, one a line. Failures give none.
+#include "Attributes.h"
+#include "Failure.h"
+#include "Outline.h"
+#include "Reading.h"
+
+#include <algorithm>
+#include <iostream>
+#include <optional>
+
+namespace {
+
+// How much of the command line is understood: the words before the last.
+struct Line {
+    const Command* command = nullptr;
+    std::vector<std::string> operands;
+    const Option* pending = nullptr;  // waits for its value
+    std::string file;                 // of -F
+};
+
+std::vector<std::string> namesOf(const Option& option)
+{
+    const std::string names = option.names;
+    const auto comma = names.find(',');
+    if (comma == std::string::npos)
+        return {names};
+    return {names.substr(0, comma), names.substr(comma + 1)};
+}
+
+std::vector<Option> optionsOf(const Command* command)
+{
+    std::vector<Option> options = command != nullptr ? command->options : std::vector<Option>();
+    options.insert(options.end(), globalOptions().begin(), globalOptions().end());
+    return options;
+}
+
+const Option* findOption(const std::vector<Option>& options, const std::string& word)
+{
+    const auto found = std::find_if(options.begin(), options.end(), [&](const Option& option) {
+        const auto names = namesOf(option);
+        return std::find(names.begin(), names.end(), word) != names.end();
+    });
+    return found != options.end() ? &*found : nullptr;
+}
+
+// Gives commands, and options of the whole tool, for the words before the last. The options live as long as options.
+Line understand(const std::vector<std::string>& words, std::vector<Option>& options)
+{
+    Line line;
+    options = optionsOf(nullptr);
+    for (auto word = words.begin(); word + 1 < words.end(); ++word) {
+        if (line.pending != nullptr) {
+            if (longName(*line.pending) == "--config")
+                line.file = *word;
+            line.pending = nullptr;
+        } else if (word->size() > 1 && word->front() == '-') {
+            const Option* const option = findOption(options, *word);
+            line.pending = option != nullptr && option->value != nullptr ? option : nullptr;
+        } else if (line.command == nullptr) {
+            line.command = findCommand(*word);
+            options = optionsOf(line.command);
+        } else {
+            line.operands.push_back(*word);
+        }
+    }
+    return line;
+}
+
+std::vector<std::string> dnsOf(const std::string& file)
+{
+    const char* const defaultName = getDefaultConfigFilename();
+    const std::string name = !file.empty() || defaultName == nullptr ? file : defaultName;
+    const MemoryFile copy(LiveFile(name).text());
+    const Session session(copy.name(), name);
+    std::vector<std::string> dns;
+    for (const Node& node : outlineOf(session))
+        dns.push_back(node.dn);
+    return dns;
+}
+
+std::vector<std::string> candidatesOf(Kind kind, const Line& line)
+{
+    std::vector<std::string> candidates;
+    if (kind == Kind::dn)
+        return dnsOf(line.file);
+    if (kind == Kind::command) {
+        for (const Command& command : commands()) {
+            if (!isHidden(command))
+                candidates.emplace_back(command.name);
+        }
+    }
+    if (kind == Kind::attribute || kind == Kind::assignment) {
+        for (const AttributeType& type : attributeTypes())
+            candidates.push_back(kind == Kind::assignment ? type.name + '=' : type.name);
+    }
+    return candidates;
+}
+
+// What the last word stands for. The last operand may repeat.
+Kind kindOf(const Line& line)
+{
+    if (line.pending != nullptr)
+        return line.pending->kind;
+    if (line.command == nullptr)
+        return Kind::command;
+    const auto& operands = line.command->operands;
+    if (operands.empty() || (line.operands.size() >= operands.size() && !operands.back().repeats))
+        return Kind::other;
+    return operands[std::min(line.operands.size(), operands.size() - 1)].kind;
+}
+
+// The values of an assignment that has its name already: the words of its attribute.
+std::vector<std::string> assignmentsOf(const std::string& word)
+{
+    std::vector<std::string> candidates;
+    const std::string name = word.substr(0, word.find('='));
+    if (const AttributeType* const type = findAttributeType(name)) {
+        for (const std::string& value : type->words)
+            candidates.push_back(name + '=' + value);
+    }
+    return candidates;
+}
+
+std::vector<std::string> completionsOf(const std::vector<std::string>& words)
+{
+    std::vector<Option> options;
+    const Line line = understand(words, options);
+    const std::string last = words.empty() ? "" : words.back();
+    if (line.pending == nullptr && !last.empty() && last.front() == '-') {
+        std::vector<std::string> names;
+        for (const Option& option : options)
+            names.push_back(longName(option));
+        return names;
+    }
+    const Kind kind = kindOf(line);
+    if (kind == Kind::file)
+        return {"__files"};
+    if (kind == Kind::assignment && last.find('=') != std::string::npos)
+        return assignmentsOf(last);
+    return candidatesOf(kind, line);
+}
+
+bool begins(const std::string& candidate, const std::string& word)
+{
+    return candidate.size() >= word.size() && isSameName(candidate.substr(0, word.size()), word);
+}
+
+}  // namespace
+
+int runComplete(const Call& call)
+{
+    const std::vector<std::string>& words = call.operands();
+    const std::string last = words.empty() ? "" : words.back();
+    try {
+        for (const std::string& candidate : completionsOf(words)) {
+            if (candidate == "__files" || begins(candidate, last))
+                std::cout << candidate << '\n';
+        }
+    } catch (const Failure&) {
+        return 1;  // A file that does not load has no DNs to offer.
+    }
+    return 0;
+}
