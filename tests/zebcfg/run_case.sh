@@ -14,7 +14,7 @@ END
 chmod +x "$directory/bin/zebcfg"
 export PATH=$directory/bin:$PATH LC_ALL=C.UTF-8
 unset NO_COLOR VISUAL EDITOR
-COMPLETION=$(dirname "$files")/../../src/tools/zebcfg/completions/zebcfg.bash && export COMPLETION
+export PROJECT=${files%/tests/zebcfg/files}
 
 # One file for each section, in their order: its kind is the name behind the number, its argument the first line.
 awk -v parts="$parts" '/^== / { file = sprintf("%s/%03d.%s", parts, ++n, $2); print $3 > file; next } file { print > file }' "$case"

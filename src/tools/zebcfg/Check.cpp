@@ -111,13 +111,13 @@ private:
     // Asks the library once more, for the reason.
     Finding refusalOf(const ConfigLine& line)
     {
-        const std::string next = std::string("put it right; the next load moves it to ") + invalidLine;
-        const std::string allowed = allowedFor(line.name);
+        const std::string next = std::string("put it right, or the next load moves it to ") + invalidLine;
         try {
             if (line.hasColon)
                 scratch.add({"cn=line", {{line.name, {line.value}}}});
         } catch (const Failure& failure) {
-            return findingOf(failure, line.first, allowed.empty() ? next : allowed + "; " + next);
+            const bool isAllowedKnown = failure.extended != CFG_ERR_INT_SYNTAX;  // The text of the others tells it.
+            return findingOf(failure, line.first, isAllowedKnown ? next : allowedFor(line.name) + "; " + next);
         }
         return {Severity::error, line.first, "the line has no name and colon", LDAP_INVALID_SYNTAX, 0, next, {}};
     }

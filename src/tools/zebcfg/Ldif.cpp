@@ -79,8 +79,8 @@ std::string toLdif(const Entry& entry, bool namesOnly, std::size_t wrap)
 // The reader and the lines of the record that it has read last.
 class LdifReader::Stream {
 public:
-    Stream(std::string& text, const std::string& shown)
-        : shownName(shown), file(ldif_open_mem(text.data(), text.size(), "r"), &ldif_close)
+    Stream(std::string& ldif, const std::string& shown)
+        : shownName(shown), file(ldif_open_mem(ldif.data(), ldif.size(), "r"), &ldif_close)
     {
         if (file == nullptr)
             throw Failure(0, "the LDIF cannot be read", shownName);
@@ -112,17 +112,17 @@ public:
     }
 
     // A line "name: value", with one value.
-    Attribute parse(char* text) const
+    Attribute parse(char* unfolded) const
     {
-        const char* const colon = std::strchr(text, ':');
+        const char* const colon = std::strchr(unfolded, ':');
         if (colon == nullptr)
-            throw failure(0, std::string("a line lacks a colon: ") + text);
+            throw failure(0, std::string("a line lacks a colon: ") + unfolded);
         if (colon[1] == '<')
             throw failure(LDAP_UNWILLING_TO_PERFORM, "values are not fetched from URLs");
         berval name = {};
         berval value = {};
         int isOwned = 0;
-        if (ldif_parse_line2(text, &name, &value, &isOwned) != 0)
+        if (ldif_parse_line2(unfolded, &name, &value, &isOwned) != 0)
             throw failure(0, "the line cannot be read as LDIF");
         const std::unique_ptr<char, BerRelease> owner(isOwned != 0 ? value.bv_val : nullptr);
         Attribute attribute{std::string(name.bv_val, name.bv_len), {}};
@@ -132,9 +132,9 @@ public:
         return attribute;
     }
 
-    Failure failure(int code, const std::string& text) const
+    Failure failure(int code, const std::string& reason) const
     {
-        Failure made(code, text, shownName);
+        Failure made(code, reason, shownName);
         made.fileLine = line;
         return made;
     }

@@ -26,8 +26,8 @@ struct LdifRecord {
 // Reads records through the LDAP client library's reader. File URLs and includes are refused.
 class LdifReader {
 public:
-    // shownName is what messages call the text.
-    LdifReader(std::string text, std::string shownName);
+    // shown is what messages call the text.
+    LdifReader(std::string ldif, std::string shown);
     LdifReader(const LdifReader&) = delete;
     LdifReader& operator=(const LdifReader&) = delete;
     ~LdifReader();
