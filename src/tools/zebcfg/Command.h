@@ -50,6 +50,7 @@ int runDelete(const Call& call);
 int runDescribe(const Call& call);
 int runEdit(const Call& call);
 int runGet(const Call& call);
+int runManual(const Call& call);
 int runModify(const Call& call);
 int runPasswd(const Call& call);
 int runRestore(const Call& call);

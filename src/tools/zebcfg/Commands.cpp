@@ -109,6 +109,7 @@ const std::vector<Command>& commands()
          {{"ATTRIBUTE", Kind::attribute, false, false}},
          "zebcfg describe zeb-slapdPort",
          runDescribe},
+        {"__manual", "write the manual page", {}, {{"TEMPLATE", Kind::file, true, false}}, "", runManual},
         {"__complete",
          "give the words that the last one may become",
          {},
