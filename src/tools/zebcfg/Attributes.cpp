@@ -105,7 +105,7 @@ std::string describeValues(const AttributeType& type)
 
 std::string nearest(std::string_view word, const std::vector<std::string>& candidates)
 {
-    std::size_t best = word.size() / 4 + 2;  // as far as a slip of the fingers goes
+    std::size_t best = std::min<std::size_t>(word.size() / 3 + 1, 3);  // as far as a slip of the fingers goes
     std::string found;
     for (const std::string& candidate : candidates) {
         const std::size_t steps = distance(word, candidate);

@@ -132,7 +132,7 @@ FileLock::~FileLock()
 
 Replacement::Replacement(const std::string& name, std::string backupName)
     : lock(resolvedName(name)), file(name), backup(std::move(backupName)),
-      working(siblingOf(file.path()), file.status())
+      working(siblingOf(file.path()), {file.path(), file.status()})
 {
     if (!backup.empty() && resolvedName(backup) == file.path())
         throw Failure(0, "the backup has the name of the file itself", file.shownName());
@@ -141,6 +141,7 @@ Replacement::Replacement(const std::string& name, std::string backupName)
 
 void Replacement::install()
 {
+    working.makeLaterThan(file.status());
     working.sync();
     if (!file.isCurrent())
         throw Failure(LDAP_BUSY, "another program has changed the file in the meantime; try again", file.shownName());
@@ -153,7 +154,7 @@ void Replacement::install()
 // A copy, for a link would be changed together with the file by programs that write in place.
 void Replacement::keepBackup()
 {
-    PrivateFile kept(siblingOf(backup), file.status());
+    PrivateFile kept(siblingOf(backup), {file.path(), file.status()});
     kept.write(file.text());
     kept.sync();
     kept.moveTo(backup);

@@ -9,6 +9,7 @@
 #include <fcntl.h>
 #include <ldap.h>
 #include <sys/mman.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 namespace {
@@ -21,6 +22,29 @@ int createLike(const std::string& path, const struct stat& like)
     (void)::unlink(path.c_str());
     removeOnSignals(path);
     return ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, like.st_mode & ownerOnly);
+}
+
+// Where a file has an access list, the mode of its group is a mask, and without the list it would be wider.
+bool copyAccessList(int file, const std::string& source)
+{
+    constexpr char list[] = "system.posix_acl_access";
+    std::array<char, 65536> value = {};
+    const ssize_t size = ::getxattr(source.c_str(), list, value.data(), value.size());
+    if (size < 0 && errno != ENODATA && errno != ENOTSUP)
+        return false;
+    if (size < 0)  // One that the directory has passed on is not to widen the mode.
+        return ::fremovexattr(file, list) == 0 || errno == ENODATA || errno == ENOTSUP;
+    return ::fsetxattr(file, list, value.data(), static_cast<std::size_t>(size), 0) == 0;
+}
+
+// The owner comes before the mode: permissions of a group are not to be another's for a moment.
+bool takeOver(int file, const Model& model)
+{
+    struct stat own = {};
+    const struct stat& wanted = model.status;
+    const bool isOwned = ::fstat(file, &own) == 0 && own.st_uid == wanted.st_uid && own.st_gid == wanted.st_gid;
+    return (isOwned || ::fchown(file, wanted.st_uid, wanted.st_gid) == 0) && copyAccessList(file, model.name) &&
+           ::fchmod(file, wanted.st_mode & permissions) == 0;
 }
 
 void writeAll(int file, const char* data, std::size_t size, const std::string& shown)
@@ -62,23 +86,16 @@ void Descriptor::close() noexcept
     number = -1;
 }
 
-// The owner comes before the mode: permissions of a group are not to be another's for a moment.
-PrivateFile::PrivateFile(const std::string& fileName, const struct stat& like)
-    : path(fileName), file(createLike(fileName, like))
+PrivateFile::PrivateFile(const std::string& fileName, const Model& model)
+    : path(fileName), file(createLike(fileName, model.status))
 {
-    if (!file.isOpen()) {
-        const Failure failure = systemFailure(LDAP_INSUFFICIENT_ACCESS, "cannot make the file " + path);
-        keepOnSignals(path);
-        throw failure;
-    }
-    struct stat own = {};
-    const bool isOwned = ::fstat(file.get(), &own) == 0 && own.st_uid == like.st_uid && own.st_gid == like.st_gid;
-    if ((isOwned || ::fchown(file.get(), like.st_uid, like.st_gid) == 0) &&
-        ::fchmod(file.get(), like.st_mode & permissions) == 0)
+    if (file.isOpen() && takeOver(file.get(), model))
         return;
-    const Failure failure =
-        systemFailure(LDAP_INSUFFICIENT_ACCESS, "cannot keep the owner and mode of the file, so nothing is changed");
-    (void)::unlink(path.c_str());
+    const Failure failure = systemFailure(
+        LDAP_INSUFFICIENT_ACCESS, file.isOpen() ? "cannot keep owner and mode of the file, so nothing is changed"
+                                                : "cannot make the file " + path);
+    if (file.isOpen())
+        (void)::unlink(path.c_str());
     keepOnSignals(path);
     throw failure;
 }
@@ -109,6 +126,15 @@ void PrivateFile::sync()
 {
     if (::fsync(file.get()) != 0)
         throw systemFailure(LDAP_OTHER, "cannot bring the new file to disk, and nothing is changed");
+}
+
+void PrivateFile::makeLaterThan(const struct stat& other)
+{
+    struct stat own = {};
+    if (::fstat(file.get(), &own) != 0 || own.st_mtime > other.st_mtime)
+        return;
+    const struct timespec times[] = {{0, UTIME_OMIT}, {other.st_mtime + 1, 0}};
+    (void)::futimens(file.get(), times);
 }
 
 void PrivateFile::moveTo(const std::string& target)

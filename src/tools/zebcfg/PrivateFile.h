@@ -21,12 +21,18 @@ private:
     int number;  // negative when it is closed
 };
 
+// A file that others are made like: its name, and its status.
+struct Model {
+    const std::string& name;
+    const struct stat& status;
+};
+
 // A new file that is removed at the end unless it has been moved, also when a signal ends the process. It has owner,
-// group and mode of another file and at no moment wider permissions. Calls throw Failure.
+// group, access list and mode of a model and at no moment wider permissions. Calls throw Failure.
 class PrivateFile {
 public:
     // What an earlier process has left under that name is removed: the caller holds a lock.
-    PrivateFile(const std::string& fileName, const struct stat& like);
+    PrivateFile(const std::string& fileName, const Model& model);
     PrivateFile(const PrivateFile&) = delete;
     PrivateFile& operator=(const PrivateFile&) = delete;
     ~PrivateFile();
@@ -37,6 +43,8 @@ public:
     // Throws when there is no room for as many bytes more.
     void requireRoomFor(std::size_t size);
     void sync();
+    // Programs notice a change by the modification time in whole seconds: it is made later than the other one.
+    void makeLaterThan(const struct stat& other);
     // Puts the file in the place of another in one step. Nothing else is possible then.
     void moveTo(const std::string& target);
 

@@ -213,18 +213,20 @@ bool Session::holds(const std::string& dn, const std::string& attribute, const s
     return false;
 }
 
-std::vector<Entry> Session::entriesWith(const std::vector<std::string>& names) const
+std::vector<Entry> Session::entriesWith(const std::vector<std::string>& names, std::size_t count) const
 {
     std::vector<Entry> entries = search("", LDAP_SCOPE_SUBTREE);
     std::set<std::string> seen;
     for (const Entry& entry : entries)
         seen.insert(entry.dn);
-    for (const std::string& name : names) {
-        for (Entry& entry : search("", LDAP_SCOPE_SUBTREE, name + "=*")) {
-            if (seen.insert(entry.dn).second)
+    for (auto name = names.begin(); name != names.end() && entries.size() < count; ++name) {
+        for (Entry& entry : search("", LDAP_SCOPE_SUBTREE, *name + "=*")) {
+            if (!entry.dn.empty() && seen.insert(entry.dn).second)
                 entries.push_back(std::move(entry));
         }
     }
+    const auto root = search("", LDAP_SCOPE_BASE, "charset=*");
+    entries.insert(entries.end(), root.begin(), root.end());
     return entries;
 }
 

@@ -27,8 +27,9 @@ public:
     bool exists(const std::string& dn) const;
     // Whether the entry holds the value, as the library compares values of that attribute.
     bool holds(const std::string& dn, const std::string& attribute, const std::string& value) const;
-    // Every entry that has one of the attributes, and objectclass is tried first.
-    std::vector<Entry> entriesWith(const std::vector<std::string>& names) const;
+    // The root and every entry that has one of the attributes. Those with an objectclass come first, and only while
+    // fewer than count entries have been found are the others looked for.
+    std::vector<Entry> entriesWith(const std::vector<std::string>& names, std::size_t count) const;
     // The library's spelling of a DN that is not in the file. Throws Failure (34) for a text that is no DN.
     std::string spellingOfMissing(const std::string& dn) const;
 

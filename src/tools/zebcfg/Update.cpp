@@ -1,5 +1,6 @@
 #include "Update.h"
 
+#include "Attributes.h"
 #include "ConfigText.h"
 #include "Diff.h"
 #include "Failure.h"
@@ -89,14 +90,29 @@ void requireReadBack(const Workplace& place, const Changes& changes)
 
     const MemoryFile copy(text);
     const Session again(copy.name(), place.file().shownName());
-    const auto wanted = changes.session().entriesWith(names);
-    const auto found = again.entriesWith(names);
-    if (wanted == found && changes.session().outline() == again.outline() &&
-        readFile(copy.name(), place.file().shownName()) == text)
+    const std::string outline = changes.session().outline();
+    const std::size_t count = outlineOf(changes.session()).size();
+    const auto wanted = changes.session().entriesWith(names, count);
+    const auto found = again.entriesWith(names, count);
+    if (wanted == found && outline == again.outline() && readFile(copy.name(), place.file().shownName()) == text)
         return;
     place.requireRoom();
     throw Failure(LDAP_INVALID_SYNTAX, "the entry " + firstDifference(wanted, found) +
                                            " would be read back from the file as another one; nothing is changed");
+}
+
+// The library moves such lines as soon as it loads the file.
+void tellQuarantined(const Call& call, const Workplace& place, const Changes& changes)
+{
+    std::size_t count = 0;
+    for (const Entry& entry :
+         changes.session().search("", LDAP_SCOPE_SUBTREE, std::string(invalidLine) + "=*", {invalidLine}))
+        count += entry.attributes.front().values.size();
+    for (const ConfigLine& line : linesOf(place.file().text()))
+        count -= isSameName(line.name, invalidLine) && count > 0 ? 1 : 0;
+    if (count > 0)
+        call.say("lines that the server does not accept are kept as " + std::string(invalidLine) +
+                 "; zebcfg check tells which");
 }
 
 }  // namespace
@@ -106,6 +122,7 @@ void update(const Call& call, const std::function<void(Changes& changes)>& body)
     Workplace place(call, Damage::refused);
     try {
         Changes changes(place.name(), place.file().shownName(), call.login());
+        tellQuarantined(call, place, changes);
         body(changes);
         requireReadBack(place, changes);
     } catch (Failure& failure) {
@@ -122,6 +139,14 @@ void replaceText(const Call& call, const std::function<std::string(const LiveFil
     place.finish();
 }
 
+void requireLogin(const Call& call, const std::string& text, const std::string& shownName)
+{
+    if (!call.login())
+        return;
+    const MemoryFile copy(text);
+    const Session session(copy.name(), shownName, call.login());
+}
+
 void putInPlace(const Call& call, const LiveFile& other)
 {
     const std::string name = resolvedName(call.fileName());
@@ -130,7 +155,7 @@ void putInPlace(const Call& call, const LiveFile& other)
         std::cout << unifiedDiff("", other.text(), call.fileName(), call.hasColor(STDOUT_FILENO));
         return;
     }
-    PrivateFile copy(siblingOf(name), other.status());
+    PrivateFile copy(siblingOf(name), {other.path(), other.status()});
     copy.write(other.text());
     copy.sync();
     copy.moveTo(name);

@@ -13,15 +13,6 @@
 
 namespace {
 
-// The other commands log in when they load the file.
-void requireLogin(const Call& call, const LiveFile& file)
-{
-    if (!call.login())
-        return;
-    const MemoryFile copy(file.text());
-    const Session session(copy.name(), file.shownName(), call.login());
-}
-
 // Asks until the user edits again or drops the changes. True for the former.
 bool wantsToEditAgain(const std::string& diff)
 {
@@ -38,7 +29,7 @@ bool wantsToEditAgain(const std::string& diff)
 int runEdit(const Call& call)
 {
     replaceText(call, [&](const LiveFile& file) {
-        requireLogin(call, file);
+        requireLogin(call, file.text(), file.shownName());
         const Section section(file.text(), call.operands().empty() ? "" : DnSpeller()(call.operand(0)));
         Editor editor("zebslapd.conf");
         for (std::string part = section.part();;) {

@@ -29,6 +29,7 @@ int runRestore(const Call& call)
         throw Failure(0, "there is no backup to restore under --no-backup");
     const LiveFile backup(name);
     requireLoadable(backup.text(), name);
+    requireLogin(call, backup.text(), name);  // The file itself may be damaged.
     if (::access(call.fileName().c_str(), F_OK) != 0) {
         putInPlace(call, backup);
         return 0;
