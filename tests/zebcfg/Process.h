@@ -36,6 +36,7 @@ inline void execTool(const std::string& file, std::vector<std::string> words)
 {
     words.insert(words.begin(), {ZEBCFG_TOOL, "-F", file});
     std::vector<char*> pointers;
+    pointers.reserve(words.size() + 1);
     for (std::string& word : words)
         pointers.push_back(word.data());
     pointers.push_back(nullptr);

@@ -172,6 +172,7 @@ std::vector<Entry> Session::search(const std::string& base, int scope, const std
                                    const std::vector<std::string>& names) const
 {
     std::vector<char*> wanted;
+    wanted.reserve(names.size() + 1);
     for (const std::string& name : names)
         wanted.push_back(const_cast<char*>(name.c_str()));  // The library only reads it.
     wanted.push_back(nullptr);
@@ -205,12 +206,11 @@ bool Session::holds(const std::string& dn, const std::string& attribute, const s
 {
     if (!value.empty())
         return !search(dn, LDAP_SCOPE_BASE, attribute + '=' + escapedForFilter(value), {attribute}).empty();
-    for (const Entry& entry : search(dn, LDAP_SCOPE_BASE, attribute + "=*", {attribute})) {
-        const auto& values = entry.attributes.front().values;
-        if (std::find(values.begin(), values.end(), value) != values.end())
-            return true;
-    }
-    return false;
+    const auto found = search(dn, LDAP_SCOPE_BASE, attribute + "=*", {attribute});
+    if (found.empty())
+        return false;
+    const auto& values = found.front().attributes.front().values;
+    return std::find(values.begin(), values.end(), value) != values.end();
 }
 
 std::vector<Entry> Session::entriesWith(const std::vector<std::string>& names, std::size_t count) const

@@ -18,8 +18,8 @@ struct Login {
 
 class Session {
 public:
-    // Loads the file path, which messages call shownName. The load may write the file, so it is never the live one.
-    Session(const std::string& path, const std::string& shownName, const std::optional<Login>& login = std::nullopt);
+    // Loads a file, which messages call shown. The load may write the file, so it is never the live one.
+    Session(const std::string& fileName, const std::string& shown, const std::optional<Login>& login = std::nullopt);
 
     // An empty filter stands for (objectclass=*); no names means all attributes.
     std::vector<Entry> search(const std::string& base, int scope, const std::string& filter = {},

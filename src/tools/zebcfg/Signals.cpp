@@ -47,7 +47,7 @@ void removeOnSignals(const std::string& path)
 {
     for (NameBuffer& name : namesToRemove) {
         if (name[0] == '\0' && !path.empty() && path.size() < name.size()) {
-            std::strcpy(&name[1], path.c_str() + 1);
+            std::memcpy(&name[1], path.c_str() + 1, path.size());
             name[0] = path[0];
             return;
         }

@@ -92,8 +92,10 @@ std::vector<std::string> candidatesOf(Kind kind, const Line& line)
     }
     if (kind == Kind::attribute || kind == Kind::assignment) {
         for (const AttributeType& type : attributeTypes())
-            candidates.push_back(kind == Kind::assignment ? type.name + '=' : type.name);
+            candidates.push_back(type.name);
     }
+    for (std::string& candidate : candidates)
+        candidate += kind == Kind::assignment ? "=" : "";
     return candidates;
 }
 
@@ -115,10 +117,10 @@ std::vector<std::string> assignmentsOf(const std::string& word)
 {
     std::vector<std::string> candidates;
     const std::string name = word.substr(0, word.find('='));
-    if (const AttributeType* const type = findAttributeType(name)) {
-        for (const std::string& value : type->words)
-            candidates.push_back(name + '=' + value);
-    }
+    if (const AttributeType* const type = findAttributeType(name))
+        candidates = type->words;
+    for (std::string& candidate : candidates)
+        candidate.insert(0, name + '=');
     return candidates;
 }
 
@@ -128,9 +130,8 @@ std::vector<std::string> completionsOf(const std::vector<std::string>& words)
     const Line line = understand(words, options);
     const std::string last = words.empty() ? "" : words.back();
     if (line.pending == nullptr && !last.empty() && last.front() == '-') {
-        std::vector<std::string> names;
-        for (const Option& option : options)
-            names.push_back(longName(option));
+        std::vector<std::string> names(options.size());
+        std::transform(options.begin(), options.end(), names.begin(), longName);
         return names;
     }
     const Kind kind = kindOf(line);

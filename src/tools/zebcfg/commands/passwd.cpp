@@ -9,7 +9,7 @@ std::string newPassword(const Call& call)
 {
     if (call.has("new-password-file"))
         return readPasswordFile(call.value("new-password-file"));
-    const std::string password = askPassword("New password: ");
+    std::string password = askPassword("New password: ");
     if (askPassword("New password again: ") != password)
         throw Failure(0, "the two passwords differ, and nothing is changed");
     return password;
