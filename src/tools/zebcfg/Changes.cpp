@@ -16,26 +16,20 @@ Failure attributeFailure(int code, const std::string& dn, const std::string& nam
     return failure;
 }
 
-// A name reaches from the begin of a line to the first colon, and the line must be neither comment nor dn line.
+// A name reaches from the begin of a line to the first colon, the line must be neither comment nor dn line, and what a
+// search would strip or take for its test could not be found again.
 bool isReadableName(const std::string& name)
 {
-    return !name.empty() && name.find_first_of(":\r\n") == std::string::npos &&
-           std::string(" \t\v\f#").find(name.front()) == std::string::npos && !isSameName(name, "dn");
+    const std::string stripped = " \t\v\f()";
+    return !name.empty() && name.find_first_of(":=\r\n") == std::string::npos && name.front() != '#' &&
+           stripped.find(name.front()) == std::string::npos && stripped.find(name.back()) == std::string::npos &&
+           !isSameName(name, "dn");
 }
 
 // A value that the file cannot hold would come back as another one, or as several.
 bool isReadableValue(const std::string& value)
 {
     return value.find_first_of("\r\n") == std::string::npos;
-}
-
-std::size_t countOf(const Entry& entry, const std::string& name)
-{
-    for (const Attribute& attribute : entry.attributes) {
-        if (isSameName(attribute.name, name))
-            return attribute.values.size();
-    }
-    return 0;
 }
 
 }  // namespace
@@ -93,9 +87,7 @@ void Changes::requireNameAndValues(const std::string& dn, const Attribute& attri
 
 void Changes::requireEachOnce(const std::string& dn, const Attribute& attribute) const
 {
-    const auto found = opened->search(dn, LDAP_SCOPE_BASE, attribute.name + "=*", {attribute.name});
-    const std::size_t count = found.empty() ? 0 : countOf(found.front(), attribute.name);
-    if (count != attribute.values.size())
+    if (opened->values(dn, attribute.name).size() != attribute.values.size())
         throw attributeFailure(LDAP_TYPE_OR_VALUE_EXISTS, dn, attribute.name, "a value is given twice");
 }
 

@@ -128,8 +128,7 @@ private:
             const AttributeType* const type = findAttributeType(key.second);
             if (numbers.size() < 2 || type == nullptr || !type->isSingle)
                 continue;
-            const auto found = session.search(key.first, LDAP_SCOPE_BASE, key.second + "=*", {key.second});
-            if (!found.empty() && found.front().attributes.front().values.size() > 1)
+            if (session.values(key.first, key.second).size() > 1)
                 findings.push_back({Severity::warning, numbers[1], type->name + ": it is meant to have one value",
                                     LDAP_CONSTRAINT_VIOLATION, CFG_ERR_SINGLE_VALUED,
                                     "the first one is on line " + std::to_string(numbers[0]) + "; take one out",

@@ -139,9 +139,18 @@ private:
             throw Failure(0, (extras.empty() ? "a command is missing" : "there is no command " + extras.front()) +
                                  (hint.empty() ? "; see zebcfg --help" : " (did you mean " + hint + "?)"));
         }
-        if (!extras.empty())
-            throw Failure(0, "there is no place for " + extras.front() + "; see zebcfg " +
-                                 (command != nullptr ? command->name + std::string(" --help") : "--help"));
+        if (extras.empty())
+            return;
+        const bool isOption = extras.front().front() == '-';
+        refuse(command,
+               isOption ? "there is no option " + extras.front().substr(0, extras.front().find('=')) : tooMany);
+    }
+
+    // The words themselves are not repeated: one may be a password.
+    [[noreturn]] static void refuse(const Command* command, const std::string& reason)
+    {
+        throw Failure(0, reason + "; see zebcfg " + (command != nullptr ? command->name + std::string(" ") : "") +
+                             "--help");
     }
 
     void requireOperands(const Command* command) const
@@ -149,12 +158,14 @@ private:
         std::size_t most = 0;
         for (const Operand& operand : command->operands) {
             if (operand.isRequired && words.size() <= most)
-                throw Failure(0, std::string(operand.name) + " is missing; see zebcfg " + command->name + " --help");
+                refuse(command, std::string(operand.name) + " is missing");
             most = operand.repeats ? words.size() : most + 1;
         }
         if (words.size() > most)
-            throw Failure(0, "there is no place for " + words[most] + "; see zebcfg " + command->name + " --help");
+            refuse(command, tooMany);
     }
+
+    static constexpr char tooMany[] = "there is one argument too many";
 
     CLI::App app;
     std::vector<std::unique_ptr<Slot>> slots;

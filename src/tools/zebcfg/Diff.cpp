@@ -15,27 +15,43 @@ constexpr char cyan[] = "\033[36m";
 constexpr char bold[] = "\033[1m";
 constexpr char plain[] = "\033[0m";
 
-std::vector<std::string> linesOf(const std::string& text)
+// A line, and how it may be shown.
+struct Line {
+    std::string text;
+    std::string shown;
+};
+
+bool operator==(const Line& left, const Line& right)
 {
-    std::vector<std::string> lines;
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line);)
-        lines.push_back(line);
-    if (!text.empty() && text.back() != '\n')
-        lines.back() += "\n\\ No newline at end of file";
-    return lines;
+    return left.text == right.text;
 }
 
-// A line of the file as it may be shown.
+// A line of the file with a password masked, also where its colon is missing.
 std::string masked(const std::string& line)
 {
-    const auto colon = line.find(':');
-    if (colon == std::string::npos)
+    const auto end = line.find_first_of(": \t");
+    const auto value = line.find_first_not_of(": \t", end);
+    if (end == std::string::npos || value == std::string::npos)
         return line;
-    const auto value = line.find_first_not_of(": \t", colon);
-    const std::string text = value == std::string::npos ? "" : line.substr(value);
-    const std::string shown = shownValue(line.substr(0, colon), text);
-    return shown == text ? line : line.substr(0, value) + shown;
+    return line.substr(0, value) + shownValue(line.substr(0, end), line.substr(value));
+}
+
+std::vector<Line> linesOf(const std::string& text)
+{
+    std::vector<Line> lines;
+    std::istringstream in(text);
+    bool isHidden = false;  // A line that continues a masked one is masked too.
+    for (std::string line; std::getline(in, line);) {
+        const bool isContinuation = !line.empty() && (line.front() == ' ' || line.front() == '\t');
+        const std::string shown = isContinuation && isHidden ? std::string(" ") + passwordMask : masked(line);
+        isHidden = shown != line;
+        lines.push_back({line, shown});
+    }
+    if (!text.empty() && text.back() != '\n') {
+        lines.back().text += '\n';
+        lines.back().shown += "\n\\ No newline at end of file";
+    }
+    return lines;
 }
 
 // Writes lines with a mark in front and, on a terminal, in a colour.
@@ -81,7 +97,7 @@ std::string unifiedDiff(const std::string& before, const std::string& after, con
 {
     if (before == after)
         return {};
-    dtl::Diff<std::string> diff(linesOf(before), linesOf(after));
+    dtl::Diff<Line, std::vector<Line>> diff(linesOf(before), linesOf(after));
     diff.onHuge();
     diff.compose();
     diff.composeUnifiedHunks();
@@ -92,8 +108,8 @@ std::string unifiedDiff(const std::string& before, const std::string& after, con
         writer.line(cyan, "@@ -" + rangeOf(hunk.b == 0 ? 0 : hunk.a, hunk.b) + " +" +
                               rangeOf(hunk.d == 0 ? 0 : hunk.c, hunk.d) + " @@");
         for (const auto* lines : {&hunk.common[0], &hunk.change, &hunk.common[1]}) {
-            for (const auto& [text, info] : *lines)
-                writer.line(colorOf(info.type), markOf(info.type) + masked(text));
+            for (const auto& [line, info] : *lines)
+                writer.line(colorOf(info.type), markOf(info.type) + line.shown);
         }
     }
     return writer.out;

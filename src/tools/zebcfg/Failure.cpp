@@ -64,9 +64,9 @@ std::string shownValue(const std::string& attribute, const std::string& value)
         return value;
     if (isPassword(attribute))
         return passwordMask;
-    const auto colon = value.find(':');
-    if (isSameName(attribute, invalidLine) && colon != std::string::npos && isPassword(value.substr(0, colon)))
-        return value.substr(0, colon) + ": " + passwordMask;
+    const std::string name = value.substr(0, value.find_first_of(": \t"));  // Its line may have had no colon.
+    if (isSameName(attribute, invalidLine) && isPassword(name))
+        return name + ": " + passwordMask;
     return value;
 }
 

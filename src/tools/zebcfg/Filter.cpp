@@ -9,9 +9,10 @@ namespace {
 constexpr int filterError = 87;  // its usual name has another number in <ldap.h>
 constexpr char blanks[] = " \t\r\n";
 
-[[noreturn]] void refuse(const std::string& filter, const std::string& reason)
+// The filter itself is not repeated: its value may be a password.
+[[noreturn]] void refuse(const std::string& reason)
 {
-    throw Failure(filterError, "the filter " + filter + " cannot be used: " + reason);
+    throw Failure(filterError, "the filter cannot be used: " + reason);
 }
 
 std::string trimmed(const std::string& text)
@@ -26,19 +27,19 @@ bool isHexPair(const std::string& text, std::size_t at)
            std::isxdigit(static_cast<unsigned char>(text[at + 1])) != 0;
 }
 
-void requirePlainValue(const std::string& filter, const std::string& value)
+void requirePlainValue(const std::string& value)
 {
     if (value == "*")
         return;
     if (value.empty())
-        refuse(filter, "a value or * is missing behind the =");
+        refuse("a value or * is missing behind the =");
     if (value.find('*') != std::string::npos)
-        refuse(filter, "* stands for any value, not for a part of one (a * of the value is written \\2a)");
+        refuse("* stands for any value, not for a part of one (a * of the value is written \\2a)");
     if (value.find_first_of("()") != std::string::npos)
-        refuse(filter, "one test is possible, and a parenthesis of its value is written \\28 or \\29");
+        refuse("one test is possible, and a parenthesis of its value is written \\28 or \\29");
     for (auto at = value.find('\\'); at != std::string::npos; at = value.find('\\', at + 1)) {
         if (!isHexPair(value, at + 1))
-            refuse(filter, "two hex digits belong behind a backslash");
+            refuse("two hex digits belong behind a backslash");
     }
 }
 
@@ -49,18 +50,18 @@ std::string simpleFilter(const std::string& text)
     std::string rest = trimmed(text);
     if (!rest.empty() && rest.front() == '(') {
         if (rest.back() != ')')
-            refuse(text, "the closing parenthesis is missing");
+            refuse("the closing parenthesis is missing");
         rest = trimmed(rest.substr(1, rest.size() - 2));
     }
     if (!rest.empty() && std::string("&|!(").find(rest.front()) != std::string::npos)
-        refuse(text, "one test on one attribute is possible, without &, | and !");
+        refuse("one test on one attribute is possible, without &, | and !");
     const auto equals = rest.find('=');
     const std::string name = trimmed(rest.substr(0, equals));
     if (name.empty() || equals == std::string::npos)
-        refuse(text, "it has the form (attribute=value) or (attribute=*)");
+        refuse("it has the form (attribute=value) or (attribute=*)");
     if (std::string("<>~:").find(name.back()) != std::string::npos)
-        refuse(text, "only = is possible, not >=, <=, ~= or :=");
+        refuse("only = is possible, not >=, <=, ~= or :=");
     const std::string value = trimmed(rest.substr(equals + 1));
-    requirePlainValue(text, value);
+    requirePlainValue(value);
     return name + '=' + value;
 }

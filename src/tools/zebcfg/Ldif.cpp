@@ -116,7 +116,7 @@ public:
     {
         const char* const colon = std::strchr(unfolded, ':');
         if (colon == nullptr)
-            throw failure(0, std::string("a line lacks a colon: ") + unfolded);
+            throw failure(0, "the line lacks a colon");
         if (colon[1] == '<')
             throw failure(LDAP_UNWILLING_TO_PERFORM, "values are not fetched from URLs");
         berval name = {};

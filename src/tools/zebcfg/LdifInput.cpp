@@ -6,10 +6,11 @@
 #include "PrivateFile.h"
 #include "Update.h"
 
-#include <fstream>
 #include <iostream>
 #include <iterator>
 #include <optional>
+
+#include <fcntl.h>
 
 namespace {
 
@@ -81,12 +82,15 @@ private:
     std::string skippedText;
 };
 
+// The records may hold passwords.
 void keepSkipped(const std::string& name, const std::string& text)
 {
-    std::ofstream file(name);
-    file << text;
-    if (!file.flush())
-        throw systemFailure(0, "cannot write " + name);
+    {
+        const Descriptor made(::open(name.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
+        if (!made.isOpen())
+            throw systemFailure(0, "cannot write " + name);
+    }
+    overwriteFile(name, text);
 }
 
 }  // namespace

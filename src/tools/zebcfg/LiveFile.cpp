@@ -94,12 +94,14 @@ FileLock::FileLock(const std::string& path) : name(path + ".lock")
 {
     using namespace std::chrono_literals;
     constexpr auto pause = 20ms;
-    const auto end = std::chrono::steady_clock::now() + 60s;
-    for (bool isTold = false; !tryLock(); isTold = true) {
-        if (std::chrono::steady_clock::now() > end)
+    const auto begin = std::chrono::steady_clock::now();
+    for (bool isTold = false; !tryLock();) {
+        const auto waited = std::chrono::steady_clock::now() - begin;
+        if (waited > 60s)
             throw Failure(LDAP_BUSY, "another zebcfg is updating the file (it holds " + name + "); try again later");
-        if (!isTold)
+        if (waited > 1s && !isTold)
             std::cerr << "zebcfg: waiting for another zebcfg, which holds " << name << '\n';
+        isTold = waited > 1s;
         std::this_thread::sleep_for(pause);
     }
 }

@@ -201,16 +201,20 @@ std::string Session::spellingOfMissing(const std::string& dn) const
     return exists(dn) ? dn : textOf(cfg_get_entry(cfg.get()));
 }
 
+std::vector<std::string> Session::values(const std::string& dn, const std::string& attribute) const
+{
+    const auto found = search(dn, LDAP_SCOPE_BASE, attribute + "=*", {attribute});
+    const bool isThere = !found.empty() && !found.front().attributes.empty();
+    return isThere ? found.front().attributes.front().values : std::vector<std::string>();
+}
+
 // A filter cannot tell an empty value from any value.
 bool Session::holds(const std::string& dn, const std::string& attribute, const std::string& value) const
 {
     if (!value.empty())
         return !search(dn, LDAP_SCOPE_BASE, attribute + '=' + escapedForFilter(value), {attribute}).empty();
-    const auto found = search(dn, LDAP_SCOPE_BASE, attribute + "=*", {attribute});
-    if (found.empty())
-        return false;
-    const auto& values = found.front().attributes.front().values;
-    return std::find(values.begin(), values.end(), value) != values.end();
+    const auto found = values(dn, attribute);
+    return std::find(found.begin(), found.end(), value) != found.end();
 }
 
 std::vector<Entry> Session::entriesWith(const std::vector<std::string>& names, std::size_t count) const

@@ -25,6 +25,9 @@ public:
     std::vector<Entry> search(const std::string& base, int scope, const std::string& filter = {},
                               const std::vector<std::string>& names = {}) const;
     bool exists(const std::string& dn) const;
+    // The values of one attribute of an entry; none when it has no such attribute. Throws Failure (32) without the
+    // entry.
+    std::vector<std::string> values(const std::string& dn, const std::string& attribute) const;
     // Whether the entry holds the value, as the library compares values of that attribute.
     bool holds(const std::string& dn, const std::string& attribute, const std::string& value) const;
     // The root and every entry that has one of the attributes. Those with an objectclass come first, and only while

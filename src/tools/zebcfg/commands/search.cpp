@@ -46,6 +46,13 @@ struct Request {
         names.erase(names.begin());
     }
 
+    std::string shownFilter() const
+    {
+        const auto equals = filter.find('=');
+        const std::string name = filter.substr(0, equals);
+        return name + '=' + shownValue(name, filter.substr(equals + 1));
+    }
+
     bool wants(const char* name) const { return std::find(names.begin(), names.end(), name) != names.end(); }
 
     std::string filter = anyEntry;
@@ -60,7 +67,7 @@ void writeLdif(const Call& call, const Request& request, const std::vector<Entry
         std::cout << "version: 1\n\n";
     if (plainness < 2)
         std::cout << "# base <" << call.value("base") << "> with scope " << call.value("scope", "sub")
-                  << "\n# filter: (" << request.filter << ")\n\n";
+                  << "\n# filter: (" << request.shownFilter() << ")\n\n";
     for (const Entry& entry : entries)
         std::cout << toLdif(entry, call.has("names-only"), wrap);
     if (plainness < 2)
