@@ -119,7 +119,19 @@ private:
             const bool isAllowedKnown = failure.extended != CFG_ERR_INT_SYNTAX;  // The text of the others tells it.
             return findingOf(failure, line.first, isAllowedKnown ? next : allowedFor(line.name) + "; " + next);
         }
-        return {Severity::error, line.first, "the line has no name and colon", LDAP_INVALID_SYNTAX, 0, next, {}};
+        const std::string reason = line.hasColon ? line.name + ": the value is refused beside those before it"
+                                                 : "the line has no name and colon";
+        return {Severity::error, line.first, reason, LDAP_INVALID_SYNTAX, 0, next, {}};
+    }
+
+    // Values that differ; 0 where a password among them cannot be decoded, which is a finding of its own.
+    std::size_t countOf(const std::string& dn, const std::string& name) const
+    {
+        try {
+            return session.values(dn, name).size();
+        } catch (const Failure&) {
+            return 0;
+        }
     }
 
     void findSeveralValues()
@@ -128,7 +140,7 @@ private:
             const AttributeType* const type = findAttributeType(key.second);
             if (numbers.size() < 2 || type == nullptr || !type->isSingle)
                 continue;
-            if (session.values(key.first, key.second).size() > 1)
+            if (countOf(key.first, key.second) > 1)
                 findings.push_back({Severity::warning, numbers[1], type->name + ": it is meant to have one value",
                                     LDAP_CONSTRAINT_VIOLATION, CFG_ERR_SINGLE_VALUED,
                                     "the first one is on line " + std::to_string(numbers[0]) + "; take one out",

@@ -36,10 +36,17 @@ bool isInclude(std::string_view line)
     return line.size() >= word.size() && isSameName(line.substr(0, word.size()), word);
 }
 
-// Finds what the reader must not see: includes, which it would follow, and NUL bytes, which end its lines.
+// Whether the reader takes the line in front of a record for its number. A record of nothing else gives none, or the
+// one before once more.
+bool isIndex(std::string_view line)
+{
+    return !line.empty() && std::isdigit(static_cast<unsigned char>(line[0])) != 0;
+}
+
+// Finds what the reader must not see: includes, which it would follow, NUL bytes, which end its lines, and numbers.
 void requireHarmless(const std::string& text, const std::string& shownName)
 {
-    bool beginsRecord = true;  // leading comments and index numbers do not count
+    bool beginsRecord = true;  // leading comments do not count
     int number = 0;
     for (std::size_t begin = 0; begin < text.size();) {
         ++number;
@@ -50,13 +57,14 @@ void requireHarmless(const std::string& text, const std::string& shownName)
             failure.emplace(0, "there is a NUL byte in the line", shownName);
         else if (beginsRecord && isInclude(line))
             failure.emplace(LDAP_UNWILLING_TO_PERFORM, "other files are not included", shownName);
+        else if (beginsRecord && isIndex(line))
+            failure.emplace(0, "a record begins with its dn", shownName);
         if (failure) {
             failure->fileLine = number;
             throw *failure;
         }
         const bool isBlank = line.empty() || line == "\r";
-        beginsRecord = isBlank || (beginsRecord && (line[0] == '#' || line[0] == ' ' ||
-                                                    std::isdigit(static_cast<unsigned char>(line[0])) != 0));
+        beginsRecord = isBlank || (beginsRecord && (line[0] == '#' || line[0] == ' '));
         begin = end + 1;
     }
 }
@@ -95,7 +103,7 @@ public:
         buffer.reset(raw);
         if (status < 0)
             throw failure(0, "the LDIF cannot be read");
-        recordText = status > 0 ? raw : "";
+        recordText = status > 0 && raw != nullptr ? raw : "";
         rest = raw;
         line = firstLine();
         return status > 0;
