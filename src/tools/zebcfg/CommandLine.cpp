@@ -18,7 +18,7 @@ using Values = std::map<std::string, std::vector<std::string>>;
 // The rest of the help behind the list of options.
 std::string footerOf(const Command& command)
 {
-    return std::string("Example:\n  ") + command.example;
+    return std::string("Example:\n  ") + command.example + "\n\nThe options of all commands: zebcfg --help";
 }
 
 std::string usageOf(const Command& command)
@@ -46,6 +46,7 @@ public:
     Parser() : app("The command line tool for the configuration file of the directory server.", "zebcfg")
     {
         app.formatter(std::make_shared<HelpFormatter>());
+        app.get_formatter()->label("SUBCOMMAND", "COMMAND");
         app.set_help_flag();
         app.fallthrough();
         app.allow_extras();
@@ -101,6 +102,7 @@ private:
     {
         CLI::App* const sub = app.add_subcommand(command.name, command.summary);
         sub->set_help_flag();
+        sub->group("Commands");
         sub->footer(footerOf(command));
         addOptions(*sub, command.options);
         if (!command.operands.empty())

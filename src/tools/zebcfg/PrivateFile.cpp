@@ -17,6 +17,11 @@ namespace {
 constexpr mode_t permissions = 07777;
 constexpr mode_t ownerOnly = 0700;
 
+std::string nameOfDescriptor(int descriptor)
+{
+    return "/proc/self/fd/" + std::to_string(descriptor);
+}
+
 int createLike(const std::string& path, const struct stat& like)
 {
     (void)::unlink(path.c_str());
@@ -107,6 +112,12 @@ PrivateFile::~PrivateFile()
     keepOnSignals(path);
 }
 
+std::string PrivateFile::openName() const
+{
+    constexpr std::size_t longest = 260;
+    return path.size() <= longest ? path : nameOfDescriptor(file.get());
+}
+
 void PrivateFile::write(const std::string& text)
 {
     if (::ftruncate(file.get(), 0) != 0 || ::lseek(file.get(), 0, SEEK_SET) != 0)
@@ -154,7 +165,7 @@ MemoryFile::MemoryFile(const std::string& text) : file(::memfd_create("zebcfg", 
 
 std::string MemoryFile::name() const
 {
-    return "/proc/self/fd/" + std::to_string(file.get());
+    return nameOfDescriptor(file.get());
 }
 
 std::string readFile(const std::string& name, const std::string& shownName)

@@ -37,7 +37,8 @@ public:
     PrivateFile& operator=(const PrivateFile&) = delete;
     ~PrivateFile();
 
-    const std::string& name() const noexcept { return path; }
+    // A name under which this process can open it: the library takes none that is longer than 260 bytes.
+    std::string openName() const;
     // Replaces the content.
     void write(const std::string& text);
     // Throws when there is no room for as many bytes more.

@@ -137,7 +137,8 @@ std::string Session::explain(int code) const
     const std::string shown = shownValue(attribute, value);
     const std::string range =
         std::to_string(cfg_get_minimum(handle)) + " to " + std::to_string(cfg_get_maximum(handle));
-    const int extended = cfg_get_exterror(handle);
+    const int known = cfg_get_exterror(handle);
+    const int extended = known != 0 ? known : code;  // The option calls leave nothing in the handle.
     if (isTextFailure(extended))
         return std::string("there are bytes that are no text in the locale's encoding, ") + ::nl_langinfo(CODESET);
     if (isPassword(attribute) && extended == code && code > LDAP_OTHER && code < CFG_ERR_UNEXPECTED)

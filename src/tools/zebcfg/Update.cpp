@@ -34,7 +34,7 @@ public:
     }
 
     const LiveFile& file() const { return replacement ? replacement->live() : *live; }
-    std::string name() const { return replacement ? replacement->copy().name() : memory->name(); }
+    std::string name() const { return replacement ? replacement->copy().openName() : memory->name(); }
 
     // Shows the change, or makes it. A text that is the same as before leaves the file alone.
     void finish()
