@@ -24,7 +24,7 @@ say() {
     failed=1
 }
 body() { tail -n +2 "$1"; }
-fingerprint() { stat -c '%i %y' "$work/zebslapd.conf" 2>/dev/null || true; }
+fingerprint() { stat -c '%i %x %y' "$work/zebslapd.conf" 2>/dev/null || true; }
 same() { diff -u --label expected --label actual "$1" "$2" || say "$3"; }
 
 # Runs the command of the last step, and compares.
@@ -35,6 +35,8 @@ finish_step() {
     local before actual=0
     before=$(fingerprint)
     (cd "$work" && bash -c "$command") <"$directory/input" >"$directory/out" 2>"$directory/err" || actual=$?
+    local after
+    after=$(fingerprint)
     same "$directory/output" "$directory/out" "standard output of: $command"
     same "$directory/errors" "$directory/err" "standard error of: $command"
     [ "$actual" = "$status" ] || say "exit status $actual instead of $status: $command"
@@ -46,7 +48,7 @@ finish_step() {
         same "$changed" "$directory/lines" "the changed lines of: $command"
     else
         cmp "$directory/before/zebslapd.conf" "$work/zebslapd.conf" 2>/dev/null || [ ! -e "$work/zebslapd.conf" ] || say "the file is changed by: $command"
-        [ "$before" = "$(fingerprint)" ] || say "inode or time of the file is changed by: $command"
+        [ "$before" = "$after" ] || say "inode or a time of the file is changed by: $command"
     fi
     for name in $(ls -A "$work"); do
         [ -e "$directory/before/$name" ] || [ "$name" = zebslapd.conf.bak ] || [[ " $made " = *" $name "* ]] || say "$name is left by: $command"

@@ -85,7 +85,7 @@ const std::vector<Command>& commands()
          "zebcfg tree 'cn=Front End, cn=Configuration'",
          runTree},
         {"passwd",
-         "give an entry a new password, which is asked for twice",
+         "give an entry a new password (default: zeb-slapdAdminPW), which is asked for twice",
          {{"-y,--new-password-file", "FILE", "read it from a file, without one line end behind it", Kind::file}},
          {{"DN", Kind::dn, true, false}, {"ATTRIBUTE", Kind::attribute, false, false}},
          "zebcfg passwd cn=Configuration zeb-slapdAdminPW",

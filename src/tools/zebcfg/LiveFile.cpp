@@ -55,7 +55,7 @@ LiveFile::LiveFile(const std::string& name) : shown(name), resolved(resolvedName
         throw fileFailure(
             CFG_ERR_CONFIG_OPEN,
             Failure(CFG_CONNECT_ERROR, "this is no regular file; name the configuration file with -F", shown));
-    const Descriptor file(::open(resolved.c_str(), O_RDONLY | O_CLOEXEC));
+    const Descriptor file(openForReading(resolved));
     if (!file.isOpen() || ::fstat(file.get(), &read) != 0)
         throw fileFailure(CFG_ERR_CONFIG_OPEN,
                           systemFailure(CFG_CONNECT_ERROR, "the configuration file cannot be read", shown));

@@ -168,9 +168,16 @@ std::string MemoryFile::name() const
     return nameOfDescriptor(file.get());
 }
 
+int openForReading(const std::string& name) noexcept
+{
+    constexpr int flags = O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
+    const int file = ::open(name.c_str(), flags | O_NOATIME);
+    return file < 0 && errno == EPERM ? ::open(name.c_str(), flags) : file;
+}
+
 std::string readFile(const std::string& name, const std::string& shownName)
 {
-    const Descriptor file(::open(name.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
+    const Descriptor file(openForReading(name));
     if (!file.isOpen())
         throw systemFailure(LDAP_OTHER, "cannot open", shownName);
     return readAll(file.get(), shownName);

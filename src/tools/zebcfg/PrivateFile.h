@@ -66,6 +66,9 @@ private:
     const Descriptor file;
 };
 
+// Opens a file for reading without a trace in its access time, where that is allowed; negative with the reason in
+// errno.
+int openForReading(const std::string& name) noexcept;
 // The content of a regular file. Throws Failure.
 std::string readFile(const std::string& name, const std::string& shownName);
 // Replaces the content of a file in place. Only for private files. Throws Failure.

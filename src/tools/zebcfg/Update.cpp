@@ -119,6 +119,7 @@ void tellQuarantined(const Call& call, const Workplace& place, const Changes& ch
 
 void update(const Call& call, const std::function<void(Changes& changes)>& body)
 {
+    (void)call.login();  // A password is asked for before others have to wait for the lock.
     Workplace place(call, Damage::refused);
     try {
         Changes changes(place.name(), place.file().shownName(), call.login());
@@ -134,6 +135,7 @@ void update(const Call& call, const std::function<void(Changes& changes)>& body)
 
 void replaceText(const Call& call, const std::function<std::string(const LiveFile& file)>& newText)
 {
+    (void)call.login();
     Workplace place(call, Damage::allowed);
     overwriteFile(place.name(), newText(place.file()));
     place.finish();
