@@ -37,8 +37,9 @@ std::string Call::fileName() const
         return value("config");
     if (const char* const name = getDefaultConfigFilename())
         return name;
-    Failure failure(CFG_CONNECT_ERROR, "no configuration file is named with -F, and there is no default: the registry "
-                                       "key SOFTWARE\\ZEB\\LDAP\\Client has no value LDAPHome");
+    Failure failure(CFG_CONNECT_ERROR,
+                    "no configuration file is named with -F, and there is no default: the install "
+                    "location is looked for in " ZEBCFG_REGISTRY "/SOFTWARE/ZEB/LDAP/Client/LDAPHome");
     failure.extended = CFG_ERR_CONFIG_FILENAME;
     throw failure;
 }
