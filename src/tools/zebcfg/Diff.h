@@ -1,4 +1,5 @@
-// Two texts compared line by line, as diff -u shows them.
+// Two texts compared line by line, as diff -u shows them. It happens in this process, so that passwords reach no other
+// program and can be masked line by line.
 #ifndef ZEBCFG_DIFF_H
 #define ZEBCFG_DIFF_H
 
