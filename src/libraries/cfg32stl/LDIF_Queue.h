@@ -15,7 +15,7 @@ template <typename T>
 struct LDIF_PieceAllocator {
     using value_type = T;
     using is_always_equal = std::true_type;
-    static constexpr std::size_t size = std::size_t{64} << 10;  // bytes
+    static constexpr std::size_t size = std::size_t{32} << 10;  // bytes
 
     T* allocate(std::size_t /*count*/)
     {

@@ -91,6 +91,7 @@ void LDIF_TreeBuilder::prepare()
 {
     if (entries.size() > parents.size())
         entries.popBack();  // for which memory ran out in add
+    nodesByDn = LDIF_HashIndex();
     std::vector<Number> counts(nodes.size());
     for (Number number = 0; number < entries.size(); ++number) {
         parents[number] = definedAncestor(parents[number]);

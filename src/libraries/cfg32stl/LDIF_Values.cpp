@@ -117,6 +117,8 @@ LDIF_Values& LDIF_Values::operator-=(const std::string& text)
 
 LDIF_Values& LDIF_Values::operator-=(const std::vector<std::string>& texts)
 {
+    if (texts.size() == 1)
+        return *this -= texts.front();  // which keeps the index
     std::vector<bool> isGone(size());
     size_type left = size();
     for (auto text = texts.begin(); text != texts.end() && left > 0; ++text) {
