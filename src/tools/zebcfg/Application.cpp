@@ -2,7 +2,6 @@
 
 #include "CommandLine.h"
 #include "Failure.h"
-#include "Json.h"
 #include "Signals.h"
 
 #include <clocale>
@@ -21,27 +20,9 @@ void useUtf8InPlainLocale()
     (void)std::setlocale(LC_ALL, "");
 }
 
-bool isGiven(int argc, char** argv, const char* shortName, const char* longName)
+int runCommand(int argc, char** argv, Telling& telling)
 {
-    for (int i = 1; i < argc; ++i) {
-        if (std::strcmp(argv[i], shortName) == 0 || std::strcmp(argv[i], longName) == 0)
-            return true;
-    }
-    return false;
-}
-
-void report(const Failure& failure, bool isJson, bool isVerbose)
-{
-    std::cout.flush();
-    if (isJson)
-        std::cerr << toJson(failure, isVerbose) << '\n';
-    else
-        std::cerr << "zebcfg: " << failure.line() << '\n' << (isVerbose ? failure.dump : "");
-}
-
-int runCommand(int argc, char** argv)
-{
-    const Call call = readCommandLine(argc, argv);
+    const Call call = readCommandLine(argc, argv, telling);
     if (call.command() == nullptr)
         return 0;
     showPasswords(call.has("show-passwords"));
@@ -57,14 +38,15 @@ int runApplication(int argc, char** argv)
 {
     useUtf8InPlainLocale();
     handleSignals();
+    Telling telling;
     Failure failure;
     try {
-        return runCommand(argc, argv);
+        return runCommand(argc, argv, telling);
     } catch (const Failure& caught) {
         failure = caught;
     } catch (const std::exception& caught) {
         failure = Failure(0, caught.what());
     }
-    report(failure, isGiven(argc, argv, "-j", "--json"), isGiven(argc, argv, "-v", "--verbose"));
+    report(failure, telling);
     return failure.exitStatus();
 }

@@ -1,6 +1,6 @@
 #include "Call.h"
 
-#include "Failure.h"
+#include "Json.h"
 #include "Password.h"
 
 #include <cstdlib>
@@ -8,6 +8,15 @@
 #include <utility>
 
 #include <unistd.h>
+
+void report(const Failure& failure, const Telling& telling)
+{
+    std::cout.flush();
+    if (telling.isJson)
+        std::cerr << toJson(failure, telling.isVerbose) << '\n';
+    else
+        std::cerr << "zebcfg: " << failure.line() << '\n' << (telling.isVerbose ? failure.dump : "");
+}
 
 Call::Call(const Command* chosen, std::map<std::string, std::vector<std::string>> given,
            std::vector<std::string> operandsGiven)
@@ -92,8 +101,8 @@ void Call::say(const std::string& text) const
         warn(text);
 }
 
-void Call::warn(const std::string& text)
+void Call::warn(const std::string& text) const
 {
     std::cout.flush();
-    std::cerr << "zebcfg: " << text << '\n';
+    std::cerr << (isJson() ? noteToJson(text) : "zebcfg: " + text) << '\n';
 }

@@ -3,12 +3,21 @@
 #define ZEBCFG_CALL_H
 
 #include "Command.h"
+#include "Failure.h"
 #include "Session.h"
 
 #include <map>
 #include <optional>
 #include <string>
 #include <vector>
+
+// How failures and notes are written to standard error.
+struct Telling {
+    bool isJson = false;
+    bool isVerbose = false;
+};
+
+void report(const Failure& failure, const Telling& telling);
 
 class Call {
 public:
@@ -38,9 +47,10 @@ public:
     // Whether what goes to a terminal, standard output for one, is to be coloured.
     bool hasColor(int descriptor) const;
 
-    // One line on standard error; say() keeps still under --quiet.
+    Telling telling() const { return {isJson(), isVerbose()}; }
+    // One note on standard error; say() keeps still under --quiet.
     void say(const std::string& text) const;
-    static void warn(const std::string& text);
+    void warn(const std::string& text) const;
 
 private:
     const Command* chosenCommand;

@@ -4,6 +4,7 @@
 #include "Attributes.h"
 #include "Failure.h"
 
+#include <algorithm>
 #include <iostream>
 #include <iterator>
 #include <memory>
@@ -59,13 +60,18 @@ public:
         }
     }
 
-    Call parse(int argc, char** argv)
+    // telling is set also when the line is refused, by the options up to the fault.
+    Call parse(int argc, char** argv, Telling& telling)
     {
+        std::string fault;
         try {
             app.parse(argc, argv);
         } catch (const CLI::ParseError& error) {
-            throw Failure(0, std::string(error.what()) + "; see zebcfg --help");
+            fault = error.what();
         }
+        telling = {isGiven("json"), isGiven("verbose")};
+        if (!fault.empty())
+            throw Failure(0, fault + "; see zebcfg --help");
         const auto chosen = app.get_subcommands();
         const CLI::App& used = chosen.empty() ? app : *chosen.front();
         const Command* const command = chosen.empty() ? nullptr : findCommand(used.get_name());
@@ -107,6 +113,12 @@ private:
         addOptions(*sub, command.options);
         if (!command.operands.empty())
             sub->add_option("operands", words)->group("")->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+    }
+
+    bool isGiven(const char* key) const
+    {
+        return std::any_of(slots.begin(), slots.end(),
+                           [&](const auto& slot) { return slot->key == key && slot->option->count() != 0; });
     }
 
     // Options of the command come first where a key is used twice.
@@ -176,11 +188,11 @@ private:
 
 }  // namespace
 
-Call readCommandLine(int argc, char** argv)
+Call readCommandLine(int argc, char** argv, Telling& telling)
 {
     // The words behind the hidden command are another command line, and no options of this one.
     const Command* const hidden = argc > 1 ? findCommand(argv[1]) : nullptr;
     if (hidden != nullptr && isHidden(*hidden))
         return {hidden, {}, std::vector<std::string>(argv + 2, argv + argc)};
-    return Parser().parse(argc, argv);
+    return Parser().parse(argc, argv, telling);
 }

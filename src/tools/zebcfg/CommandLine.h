@@ -4,7 +4,8 @@
 
 #include "Call.h"
 
-// Throws Failure for a line that is not understood. A call without a command has written help or version itself.
-Call readCommandLine(int argc, char** argv);
+// Throws Failure for a line that is not understood; telling says how that is reported. A call without a command has
+// written help or version itself.
+Call readCommandLine(int argc, char** argv, Telling& telling);
 
 #endif

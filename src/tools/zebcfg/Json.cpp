@@ -67,6 +67,16 @@ std::string toJson(const Failure& failure, bool withDump)
     return textOf(object, -1);
 }
 
+std::string noteToJson(const std::string& text)
+{
+    return textOf({{"note", text}}, -1);
+}
+
+std::string diffToJson(const std::string& diff)
+{
+    return textOf({{"diff", diff}}, 2);
+}
+
 std::string toJson(const std::vector<Entry>& entries)
 {
     Object list = Object::array();

@@ -13,6 +13,8 @@ struct Finding;
 struct Node;
 
 std::string toJson(const Failure& failure, bool withDump);
+std::string noteToJson(const std::string& text);
+std::string diffToJson(const std::string& diff);
 // An array of {"dn": ..., "attributes": {NAME: [VALUE...]}}, with passwords masked.
 std::string toJson(const std::vector<Entry>& entries);
 std::string toJson(const std::vector<std::string>& values);

@@ -68,7 +68,7 @@ private:
     {
         if (!call.has("continue"))
             throw Failure(failure);
-        Call::warn(failure.line());
+        report(failure, call.telling());
         skippedText += "# " + failure.line() + '\n' + text + '\n';
         if (!firstFailure)
             firstFailure = failure;

@@ -4,6 +4,7 @@
 #include "ConfigText.h"
 #include "Diff.h"
 #include "Failure.h"
+#include "Json.h"
 #include "LiveFile.h"
 #include "Outline.h"
 #include "PrivateFile.h"
@@ -41,7 +42,7 @@ public:
     {
         const std::string after = readFile(name(), file().shownName());
         if (call.isDryRun())
-            std::cout << unifiedDiff(file().text(), after, file().shownName(), call.hasColor(STDOUT_FILENO));
+            showDiff(call, file().text(), after, file().shownName());
         else if (after != file().text())
             replacement->install();
         if (call.isVerbose() && !call.isDryRun())
@@ -141,6 +142,14 @@ void replaceText(const Call& call, const std::function<std::string(const LiveFil
     place.finish();
 }
 
+void showDiff(const Call& call, const std::string& before, const std::string& after, const std::string& shownName)
+{
+    const std::string diff = unifiedDiff(before, after, shownName, !call.isJson() && call.hasColor(STDOUT_FILENO));
+    std::cout << (call.isJson() ? diffToJson(diff) + '\n' : diff);
+    if (!std::cout.flush())
+        throw systemFailure(0, "cannot write the output, and nothing is changed");
+}
+
 void requireLogin(const Call& call, const std::string& text, const std::string& shownName)
 {
     if (!call.login())
@@ -153,10 +162,8 @@ void putInPlace(const Call& call, const LiveFile& other)
 {
     const std::string name = resolvedName(call.fileName());
     const FileLock lock(name);
-    if (call.isDryRun()) {
-        std::cout << unifiedDiff("", other.text(), call.fileName(), call.hasColor(STDOUT_FILENO));
-        return;
-    }
+    if (call.isDryRun())
+        return showDiff(call, "", other.text(), call.fileName());
     PrivateFile copy(siblingOf(name), {other.path(), other.status()});
     copy.write(other.text());
     copy.sync();

@@ -17,6 +17,9 @@ void update(const Call& call, const std::function<void(Changes& changes)>& body)
 // damaged. Throws Failure as update() does.
 void replaceText(const Call& call, const std::function<std::string(const LiveFile& file)>& newText);
 
+// Writes what changes to standard output. Throws Failure when it cannot be written.
+void showDiff(const Call& call, const std::string& before, const std::string& after, const std::string& shownName);
+
 // The login of the call, if any, against a text: update() does so by itself. Throws Failure.
 void requireLogin(const Call& call, const std::string& text, const std::string& shownName);
 

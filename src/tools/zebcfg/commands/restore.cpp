@@ -1,5 +1,4 @@
 #include "Check.h"
-#include "Diff.h"
 #include "Failure.h"
 #include "Update.h"
 
@@ -36,7 +35,7 @@ int runRestore(const Call& call)
     }
     replaceText(call, [&](const LiveFile& file) {
         if (!call.isDryRun() && !call.isQuiet())
-            std::cout << unifiedDiff(file.text(), backup.text(), file.shownName(), call.hasColor(STDOUT_FILENO));
+            showDiff(call, file.text(), backup.text(), file.shownName());
         return backup.text();
     });
     return 0;
