@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <sstream>
 #include <vector>
@@ -22,7 +23,7 @@ std::string editorName()
 {
     for (const char* const variable : {"VISUAL", "EDITOR"}) {
         const char* const value = std::getenv(variable);
-        if (value != nullptr && *value != '\0')
+        if (value != nullptr && value[std::strspn(value, " \t\n")] != '\0')
             return value;
     }
     return "vi";

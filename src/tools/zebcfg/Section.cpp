@@ -39,9 +39,11 @@ Section::Section(const std::string& text, const std::string& dn) : whole(text), 
     end = behindLines(text, last);
 }
 
-// What follows begins with a line of its own.
+// What follows begins with a line of its own, and a text without an end would be taken for one that is cut off.
 std::string Section::with(const std::string& replacement) const
 {
-    const bool lacksEnd = !replacement.empty() && replacement.back() != '\n' && end < whole.size();
+    if (replacement == part())
+        return whole;
+    const bool lacksEnd = !replacement.empty() && replacement.back() != '\n';
     return whole.substr(0, begin) + replacement + (lacksEnd ? "\n" : "") + whole.substr(end);
 }

@@ -42,6 +42,8 @@ std::string editedText(const Call& call, const LiveFile& file)
     for (std::string part = section.part();;) {
         part = editor.edit(part);
         std::string text = section.with(part);
+        if (text.empty() && !file.text().empty())
+            throw Failure(0, "the text is empty, and nothing is changed", file.shownName());
         if (isAccepted(text, file.shownName()))
             return text;
         if (!wantsToEditAgain(unifiedDiff(file.text(), text, file.shownName(), call.hasColor(STDERR_FILENO))))
