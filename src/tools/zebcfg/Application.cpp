@@ -23,10 +23,8 @@ void useUtf8InPlainLocale()
 int runCommand(int argc, char** argv, Telling& telling)
 {
     const Call call = readCommandLine(argc, argv, telling);
-    if (call.command() == nullptr)
-        return 0;
     showPasswords(call.has("show-passwords"));
-    const int status = call.command()->run(call);
+    const int status = call.command() != nullptr ? call.command()->run(call) : 0;
     if (!std::cout.flush())
         throw systemFailure(0, "cannot write the output");
     return status;

@@ -5,6 +5,7 @@
 #include "Failure.h"
 
 #include <algorithm>
+#include <cstring>
 #include <iostream>
 #include <iterator>
 #include <memory>
@@ -63,12 +64,16 @@ public:
     // telling is set also when the line is refused, by the options up to the fault.
     Call parse(int argc, char** argv, Telling& telling)
     {
+        char** const end = argv + argc;
+        char** const mark = std::find_if(argv, end, [](const char* word) { return std::strcmp(word, "--") == 0; });
         std::string fault;
         try {
-            app.parse(argc, argv);
+            app.parse(static_cast<int>(mark - argv), argv);
         } catch (const CLI::ParseError& error) {
             fault = error.what();
         }
+        // What stands behind the mark are operands, whatever they look like.
+        words.insert(words.end(), mark == end ? end : mark + 1, end);
         telling = {isGiven("json"), isGiven("verbose")};
         if (!fault.empty())
             throw Failure(0, fault + "; see zebcfg --help");

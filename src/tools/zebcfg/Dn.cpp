@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-DnSpeller::DnSpeller() : emptyFile(""), session(emptyFile.name(), "an empty file") {}
+DnSpeller::DnSpeller() : emptyFile(""), session(emptyFile.name(), "") {}
 
 std::string DnSpeller::operator()(const std::string& dn) const
 {
