@@ -9,6 +9,9 @@
 #include <cstring>
 #include <iostream>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 namespace {
 
 // A file in UTF-8 cannot be read in the plain locale, which cron and init scripts run programs in.
@@ -18,6 +21,18 @@ void useUtf8InPlainLocale()
     if (name == nullptr || std::strcmp(name, "C") == 0 || std::strcmp(name, "POSIX") == 0)
         (void)::setenv("LC_ALL", "C.UTF-8", 1);
     (void)std::setlocale(LC_ALL, "");
+}
+
+// A stream that is closed would give its number to the next file that is opened, and messages would go into that file.
+// What stands in for it can be read only, so that writing fails as before.
+void occupyStandardStreams()
+{
+    int file = 0;
+    do
+        file = ::open("/dev/null", O_RDONLY);
+    while (file >= 0 && file <= STDERR_FILENO);
+    if (file >= 0)
+        ::close(file);
 }
 
 int runCommand(int argc, char** argv, Telling& telling)
@@ -34,6 +49,7 @@ int runCommand(int argc, char** argv, Telling& telling)
 
 int runApplication(int argc, char** argv)
 {
+    occupyStandardStreams();
     useUtf8InPlainLocale();
     handleSignals();
     Telling telling;
