@@ -15,6 +15,7 @@ struct Option {
     const char* value;  // what it takes, for the help; null for a flag
     const char* help;
     Kind kind = Kind::other;
+    std::vector<std::string> words = {};  // the values that it takes; none for any value
 };
 
 struct Operand {

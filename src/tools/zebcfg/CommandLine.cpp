@@ -84,12 +84,14 @@ public:
         if (given.count("help") != 0 || given.count("version") != 0)
             return told(used, std::move(given));
         requireAllKnown(command);
+        requireWords(command);
         requireOperands(command);
         return {command, std::move(given), words};
     }
 
 private:
     struct Slot {
+        const Option& source;
         CLI::App* app;
         std::string key;
         std::string value;
@@ -99,7 +101,7 @@ private:
     void addOptions(CLI::App& to, const std::vector<Option>& options)
     {
         for (const Option& option : options) {
-            Slot& slot = *slots.emplace_back(std::make_unique<Slot>(Slot{&to, keyOf(option), {}}));
+            Slot& slot = *slots.emplace_back(std::make_unique<Slot>(Slot{option, &to, keyOf(option), {}}));
             if (option.value == nullptr) {
                 slot.option = to.add_flag(option.names, option.help);
                 continue;
@@ -170,6 +172,24 @@ private:
     {
         throw Failure(0, reason + "; see zebcfg " + (command != nullptr ? command->name + std::string(" ") : "") +
                              "--help");
+    }
+
+    static std::string listOf(const std::vector<std::string>& words)
+    {
+        std::string list;
+        for (const std::string& word : words)
+            list += (list.empty() ? "" : word == words.back() ? " or " : ", ") + word;
+        return list;
+    }
+
+    void requireWords(const Command* command) const
+    {
+        for (const auto& slot : slots) {
+            const auto& known = slot->source.words;
+            if (slot->option->count() != 0 && !known.empty() &&
+                std::find(known.begin(), known.end(), slot->value) == known.end())
+                refuse(command, longName(slot->source) + " takes " + listOf(known) + ", not " + slot->value);
+        }
     }
 
     void requireOperands(const Command* command) const

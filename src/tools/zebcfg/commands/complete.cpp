@@ -17,6 +17,14 @@ struct Line {
     std::vector<std::string> operands;
     const Option* pending = nullptr;  // waits for its value
     std::string file;                 // of -F
+
+    // The value that the option waits for, if one does.
+    void take(const std::string& value)
+    {
+        if (pending != nullptr && longName(*pending) == "--config")
+            file = value;
+        pending = nullptr;
+    }
 };
 
 std::vector<std::string> namesOf(const Option& option)
@@ -51,12 +59,14 @@ Line understand(const std::vector<std::string>& words, std::vector<Option>& opti
     options = optionsOf(nullptr);
     for (auto word = words.begin(); word + 1 < words.end(); ++word) {
         if (line.pending != nullptr) {
-            if (longName(*line.pending) == "--config")
-                line.file = *word;
-            line.pending = nullptr;
+            line.take(*word);
         } else if (word->size() > 1 && word->front() == '-') {
-            const Option* const option = findOption(options, *word);
-            line.pending = option != nullptr && option->value != nullptr ? option : nullptr;
+            const auto equals = word->find('=');
+            const Option* const option = findOption(options, word->substr(0, equals));
+            if (option != nullptr && option->value != nullptr)
+                line.pending = option;
+            if (equals != std::string::npos)
+                line.take(word->substr(equals + 1));
         } else if (line.command == nullptr) {
             line.command = findCommand(*word);
             options = optionsOf(line.command);
@@ -134,6 +144,8 @@ std::vector<std::string> completionsOf(const std::vector<std::string>& words)
         std::transform(options.begin(), options.end(), names.begin(), longName);
         return names;
     }
+    if (line.pending != nullptr && !line.pending->words.empty())
+        return line.pending->words;
     const Kind kind = kindOf(line);
     if (kind == Kind::file)
         return {"__files"};

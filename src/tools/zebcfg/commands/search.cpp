@@ -18,9 +18,7 @@ int scopeOf(const std::string& word)
         return LDAP_SCOPE_BASE;
     if (word == "one")
         return LDAP_SCOPE_ONELEVEL;
-    if (word == "sub")
-        return LDAP_SCOPE_SUBTREE;
-    throw Failure(0, "the scope is base, one or sub, not " + word);
+    return LDAP_SCOPE_SUBTREE;
 }
 
 // The length of lines that -o ldif_wrap=N asks for; 0 for any length.
