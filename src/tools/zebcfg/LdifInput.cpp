@@ -82,15 +82,16 @@ private:
     std::string skippedText;
 };
 
-// The records may hold passwords.
-void keepSkipped(const std::string& name, const std::string& text)
+// Makes the file for the records that are left out, which may hold passwords: what cannot be written is told before the
+// configuration is changed.
+void makeSkippedFile(const Call& call)
 {
-    {
-        const Descriptor made(::open(name.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
-        if (!made.isOpen())
-            throw systemFailure(0, "cannot write " + name);
-    }
-    overwriteFile(name, text);
+    const std::string name = call.value("skipped");
+    if (resolvedName(name) == resolvedName(call.fileName()))
+        throw Failure(0, "the records that are left out cannot go into the configuration file", name);
+    const Descriptor made(::open(name.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
+    if (!made.isOpen())
+        throw systemFailure(0, "cannot write " + name);
 }
 
 }  // namespace
@@ -98,8 +99,10 @@ void keepSkipped(const std::string& name, const std::string& text)
 int applyLdif(const Call& call, LdifRecord::Type type)
 {
     Run run(call, type);
+    if (call.has("skipped"))
+        makeSkippedFile(call);
     update(call, [&](Changes& changes) { run.apply(changes); });
     if (call.has("skipped"))
-        keepSkipped(call.value("skipped"), run.skipped());
+        overwriteFile(call.value("skipped"), run.skipped());
     return run.exitStatus();
 }
