@@ -59,7 +59,7 @@ LiveFile::LiveFile(const std::string& name) : shown(name), resolved(resolvedName
     if (!file.isOpen() || ::fstat(file.get(), &read) != 0)
         throw fileFailure(CFG_ERR_CONFIG_OPEN,
                           systemFailure(CFG_CONNECT_ERROR, "the configuration file cannot be read", shown));
-    content = readFile(resolved, shown);
+    content = readAll(file.get(), shown);
 }
 
 bool LiveFile::isCurrent() const

@@ -63,20 +63,6 @@ void writeAll(int file, const char* data, std::size_t size, const std::string& s
     }
 }
 
-std::string readAll(int file, const std::string& shownName)
-{
-    std::string text;
-    std::array<char, 65536> buffer = {};
-    for (;;) {
-        const ssize_t count = ::read(file, buffer.data(), buffer.size());
-        if (count == 0)
-            return text;
-        if (count < 0 && errno != EINTR)
-            throw systemFailure(LDAP_OTHER, "cannot read", shownName);
-        text.append(buffer.data(), count > 0 ? static_cast<std::size_t>(count) : 0);
-    }
-}
-
 }  // namespace
 
 Descriptor::~Descriptor()
@@ -173,6 +159,20 @@ int openForReading(const std::string& name) noexcept
     constexpr int flags = O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
     const int file = ::open(name.c_str(), flags | O_NOATIME);
     return file < 0 && errno == EPERM ? ::open(name.c_str(), flags) : file;
+}
+
+std::string readAll(int file, const std::string& shownName)
+{
+    std::string text;
+    std::array<char, 65536> buffer = {};
+    for (;;) {
+        const ssize_t count = ::read(file, buffer.data(), buffer.size());
+        if (count == 0)
+            return text;
+        if (count < 0 && errno != EINTR)
+            throw systemFailure(LDAP_OTHER, "cannot read", shownName);
+        text.append(buffer.data(), count > 0 ? static_cast<std::size_t>(count) : 0);
+    }
 }
 
 std::string readFile(const std::string& name, const std::string& shownName)

@@ -69,7 +69,8 @@ private:
 // Opens a file for reading without a trace in its access time, where that is allowed; negative with the reason in
 // errno.
 int openForReading(const std::string& name) noexcept;
-// The content of a regular file. Throws Failure.
+// What is left to read, or the content of a regular file. They throw Failure.
+std::string readAll(int file, const std::string& shownName);
 std::string readFile(const std::string& name, const std::string& shownName);
 // Replaces the content of a file in place. Only for private files. Throws Failure.
 void overwriteFile(const std::string& name, const std::string& text);

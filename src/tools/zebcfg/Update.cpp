@@ -69,13 +69,21 @@ private:
     std::unique_ptr<MemoryFile> memory;
 };
 
-// The first entry that differs, for the message.
-std::string firstDifference(const std::vector<Entry>& wanted, const std::vector<Entry>& found)
+// Names the first entry that differs, and its first attribute that does.
+Failure differenceOf(const std::vector<Entry>& wanted, const std::vector<Entry>& found)
 {
     const auto [left, right] = std::mismatch(wanted.begin(), wanted.end(), found.begin(), found.end());
-    if (left != wanted.end())
-        return left->dn;
-    return right != found.end() ? right->dn : "";
+    const Entry none;
+    const Entry& one = left != wanted.end() ? *left : none;
+    const Entry& other = right != found.end() ? *right : none;
+    Failure failure(LDAP_INVALID_SYNTAX, "would be read back from the file as another one; nothing is changed");
+    failure.entry = one.dn.empty() ? other.dn : one.dn;
+    const auto [attribute, end] =
+        std::mismatch(one.attributes.begin(), one.attributes.end(), other.attributes.begin(), other.attributes.end());
+    if (one.dn == other.dn && attribute != one.attributes.end())
+        failure.attribute = attribute->name;
+    failure.text = (failure.attribute.empty() ? "the entry " + failure.entry : "a value") + ' ' + failure.text;
+    return failure;
 }
 
 // Loads the new text as every program will, and compares all entries with those that the changes have made.
@@ -98,8 +106,7 @@ void requireReadBack(const Workplace& place, const Changes& changes)
     if (wanted == found && outline == again.outline() && readFile(copy.name(), place.file().shownName()) == text)
         return;
     place.requireRoom();
-    throw Failure(LDAP_INVALID_SYNTAX, "the entry " + firstDifference(wanted, found) +
-                                           " would be read back from the file as another one; nothing is changed");
+    throw differenceOf(wanted, found);
 }
 
 // The library moves such lines as soon as it loads the file.
