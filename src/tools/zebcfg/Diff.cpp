@@ -26,16 +26,6 @@ bool operator==(const Line& left, const Line& right)
     return left.text == right.text;
 }
 
-// A line of the file with a password masked, also where its colon is missing.
-std::string masked(const std::string& line)
-{
-    const auto end = line.find_first_of(": \t");
-    const auto value = line.find_first_not_of(": \t", end);
-    if (end == std::string::npos || value == std::string::npos)
-        return line;
-    return line.substr(0, value) + shownValue(line.substr(0, end), line.substr(value));
-}
-
 std::vector<Line> linesOf(const std::string& text)
 {
     std::vector<Line> lines;
@@ -43,7 +33,7 @@ std::vector<Line> linesOf(const std::string& text)
     bool isHidden = false;  // A line that continues a masked one is masked too.
     for (std::string line; std::getline(in, line);) {
         const bool isContinuation = !line.empty() && (line.front() == ' ' || line.front() == '\t');
-        const std::string shown = isContinuation && isHidden ? std::string(" ") + passwordMask : masked(line);
+        const std::string shown = isContinuation && isHidden ? std::string(" ") + passwordMask : shownLine(line);
         isHidden = shown != line;
         lines.push_back({line, shown});
     }

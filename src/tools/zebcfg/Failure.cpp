@@ -57,17 +57,25 @@ bool arePasswordsShown()
     return passwordsAreShown;
 }
 
-// A quarantined line may hold the password that was refused.
+// A name may have blanks behind it, as the library takes all up to the colon. A quarantined line may hold the password
+// that was refused, and so may the text that a failure without an attribute is about.
 std::string shownValue(const std::string& attribute, const std::string& value)
 {
     if (passwordsAreShown)
         return value;
-    if (isPassword(attribute))
+    if (isPassword(attribute.substr(0, attribute.find_first_of(" \t"))))
         return passwordMask;
-    const std::string name = value.substr(0, value.find_first_of(": \t"));  // Its line may have had no colon.
-    if (isSameName(attribute, invalidLine) && isPassword(name))
-        return name + ": " + passwordMask;
-    return value;
+    return attribute.empty() || isSameName(attribute, invalidLine) ? shownLine(value) : value;
+}
+
+std::string shownLine(const std::string& line)
+{
+    constexpr char separators[] = ":= \t";
+    const auto end = line.find_first_of(separators);
+    const auto value = line.find_first_not_of(separators, end);
+    if (value == std::string::npos)
+        return line;
+    return line.substr(0, value) + shownValue(line.substr(0, end), line.substr(value));
 }
 
 std::string replaced(std::string text, const std::string& word, const std::string& replacement)

@@ -38,6 +38,8 @@ void showPasswords(bool areShown);
 bool arePasswordsShown();
 // The value as output and messages show it.
 std::string shownValue(const std::string& attribute, const std::string& value);
+// The same for a line of the file, also where its colon is missing, or a filter.
+std::string shownLine(const std::string& line);
 // The text with each occurrence of a word replaced. An empty word changes nothing.
 std::string replaced(std::string text, const std::string& word, const std::string& replacement);
 

@@ -124,8 +124,7 @@ void Session::require(int code) const
     const std::string value = textOf(cfg_get_value(handle));
     failure.value = shownValue(failure.attribute, value);
     failure.dump = replaced(textOf(cfg_dump_exception(handle)), path, shownName);
-    if (failure.value != value)
-        failure.dump = replaced(failure.dump, value, passwordMask);
+    failure.dump = replaced(failure.dump, value, failure.value);
     throw failure;
 }
 

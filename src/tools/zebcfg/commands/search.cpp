@@ -44,12 +44,7 @@ struct Request {
         names.erase(names.begin());
     }
 
-    std::string shownFilter() const
-    {
-        const auto equals = filter.find('=');
-        const std::string name = filter.substr(0, equals);
-        return name + '=' + shownValue(name, filter.substr(equals + 1));
-    }
+    std::string shownFilter() const { return shownLine(filter); }
 
     bool wants(const char* name) const { return std::find(names.begin(), names.end(), name) != names.end(); }
 
