@@ -71,11 +71,12 @@ std::string shownValue(const std::string& attribute, const std::string& value)
 std::string shownLine(const std::string& line)
 {
     constexpr char separators[] = ":= \t";
-    const auto end = line.find_first_of(separators);
+    const auto begin = line.find_first_not_of("# \t");  // A line may have been commented out.
+    const auto end = line.find_first_of(separators, begin);
     const auto value = line.find_first_not_of(separators, end);
     if (value == std::string::npos)
         return line;
-    return line.substr(0, value) + shownValue(line.substr(0, end), line.substr(value));
+    return line.substr(0, value) + shownValue(line.substr(begin, end - begin), line.substr(value));
 }
 
 std::string replaced(std::string text, const std::string& word, const std::string& replacement)
