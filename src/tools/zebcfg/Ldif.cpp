@@ -7,6 +7,7 @@
 #include <cctype>
 #include <cstring>
 #include <optional>
+#include <string_view>
 
 #include <ldif.h>
 
@@ -105,18 +106,21 @@ public:
             throw failure(0, "the LDIF cannot be read");
         recordText = status > 0 && raw != nullptr ? raw : "";
         rest = raw;
-        line = firstLine();
+        line = nextNumber = firstLine();
         return status > 0;
     }
 
     // A blank line stands behind each record: the text ends with two line ends.
-    int firstLine() const { return static_cast<int>(lastLine) - linesIn(recordText.c_str()); }
+    int firstLine() const { return static_cast<int>(lastLine) - linesIn(recordText); }
 
     // The next line, unfolded, or null behind the last one.
     char* nextLine()
     {
-        line = static_cast<int>(lastLine) - linesIn(rest);
-        return ldif_getline(&rest);
+        line = nextNumber;
+        const std::size_t begin = offsetOfRest();
+        char* const unfolded = ldif_getline(&rest);
+        nextNumber += linesIn(std::string_view(recordText).substr(begin, offsetOfRest() - begin));
+        return unfolded;
     }
 
     // A line "name: value", with one value.
@@ -150,9 +154,12 @@ public:
     const std::string& record() const { return recordText; }
 
 private:
-    static int linesIn(const char* text)
+    static int linesIn(std::string_view text) { return static_cast<int>(std::count(text.begin(), text.end(), '\n')); }
+
+    // libldap unfolds the lines in its buffer, where they stand as they do in recordText.
+    std::size_t offsetOfRest() const
     {
-        return text != nullptr ? static_cast<int>(std::count(text, text + std::strlen(text), '\n')) : 0;
+        return rest != nullptr ? static_cast<std::size_t>(rest - buffer.get()) : recordText.size();
     }
 
     const std::string& shownName;
@@ -163,6 +170,7 @@ private:
     std::string recordText;
     char* rest = nullptr;
     int line = 0;
+    int nextNumber = 0;  // of the line at rest
 };
 
 LdifReader::LdifReader(std::string ldif, std::string shown) : text(std::move(ldif)), shownName(std::move(shown))
