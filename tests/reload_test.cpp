@@ -1,5 +1,6 @@
 // A reload that takes over entries from the tree before, held against a load of the same text.
 #include "LDIF_File.h"
+#include "LDIF_Loader.h"
 #include "support.h"
 
 #include <array>
@@ -17,10 +18,8 @@ namespace {
 
 // Lines that an entry may have, and lines that make trouble.
 const std::vector<std::string> usual = {"cn: a", "cn: b", "description: b", "zeb-slapdPort: 389", "# note", " folded"};
-const std::vector<std::string> odd = {"cn:  a",       "zeb-slapdPort: 70000", "no colon",
-                                      "cn: \u00e4\r", "dn: cn=\\28a",         "dn=x",
-
-                                      "dn: cn=a, o=x"};
+const std::vector<std::string> odd = {"cn:  a", "zeb-slapdPort: 70000", "no colon", "cn: \u00e4\r", "dn: cn=\\28a",
+                                      "dn=x",   "dn: cn=a, o=x"};
 const std::vector<std::string> bad = {"\n\ncn: a", "dn: bad", "cn: \xff", "\n\nversion: 1"};
 
 // A file of a few entries, some of them twice, that changes.
@@ -182,4 +181,30 @@ TEST_F(Reload, KnowsWhatBelongsToAnEntry)
         EXPECT_TRUE(isSameAsLoad(start + before, kept));
         EXPECT_TRUE(isSameAsLoad(start + after, kept));
     }
+}
+
+TEST_F(Reload, TakesNothingFromAnotherLocale)
+{
+    const std::string text = "dn: cn=a\n\ndn: cn=b\ncn: \u00fc\n\n";
+    std::optional<LDIF_File> kept;
+    EXPECT_TRUE(isSameAsLoad(text, kept));
+    const ScopedLocale ascii("C");
+    EXPECT_FALSE(isSameAsLoad(text, kept));
+}
+
+// Goes red where entries are read again that could be taken over.
+TEST(FormerTree, GivesWhatStandsAsFarFromEitherEnd)
+{
+    const std::string before = "dn: cn=a\n\ndn: cn=b\n\ndn: cn=c\n\ndn: cn=d\n\n";
+    const std::string now = "dn: cn=a\n\ndn: cn=b\n\ndn: cn=new\n\ndn: cn=d\n\n";
+    LDIF_Entry root;
+    LDIF_Comment waiting;
+    LDIF_Loader(root, waiting).load(std::string(before));
+    LDIF_FormerTree former(std::move(root), before.size(), now);
+    std::string taken;
+    for (const char* dn : {"cn=a", "cn=b", "cn=new", "cn=d"}) {
+        const auto entry = former.takeAt(now.find(dn) - 4);
+        taken += (entry ? entry->dn.str() : "none") + ' ';
+    }
+    EXPECT_EQ(taken, "none cn=b none cn=d ");  // what stands first in a file is always read
 }
