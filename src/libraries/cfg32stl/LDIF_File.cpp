@@ -84,14 +84,15 @@ try {
     completeAndThrow("System error reading file", [&](LDIF_Exception& failure) { failure.configFile = fileName; });
 }
 
-// Leaves an empty tree. Text that is not ASCII may read otherwise in another locale.
+// Leaves an empty tree, also when memory runs out. Text that is not ASCII may read otherwise in another locale.
 LDIF_FormerTree LDIF_File::giveUpTree(const std::string& newText)
 {
-    const char* const locale = std::setlocale(LC_CTYPE, nullptr);
+    LDIF_Entry tree = std::exchange(root, LDIF_Entry());
     const std::size_t oldSize = std::exchange(textSize, newText.size());
+    const char* const locale = std::setlocale(LC_CTYPE, nullptr);
     if (std::exchange(textLocale, locale) == locale)
-        return {std::exchange(root, LDIF_Entry()), oldSize, newText};
-    release(std::exchange(root, LDIF_Entry()));
+        return {std::move(tree), oldSize, newText};
+    release(std::move(tree));
     return {};
 }
 

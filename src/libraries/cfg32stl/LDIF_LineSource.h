@@ -54,7 +54,7 @@ public:
     const LDIF_PhysicalLine& read() override;
     void unread() override { pending = !leftNothing; }
 
-    // In bytes, behind the last line that was read and not taken back.
+    // In bytes, behind the last line that was read, also where that has been taken back.
     std::size_t position() const noexcept { return next; }
     // What stands from a position on, up to the last line that was read.
     std::string_view textFrom(std::size_t start) const noexcept

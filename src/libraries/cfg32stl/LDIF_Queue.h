@@ -54,12 +54,13 @@ public:
     T& front() noexcept { return (*this)[begin]; }
     T& back() noexcept { return (*this)[end - 1]; }
 
-    // Throws std::bad_alloc.
+    // Throws std::bad_alloc; then nothing has changed.
     void push(T&& object)
     {
         if (end / perPiece == pieces.size()) {
-            pieces.emplace_back();
-            pieces.back().reserve(perPiece);
+            Piece piece;
+            piece.reserve(perPiece);
+            pieces.push_back(std::move(piece));
         }
         pieces.back().push_back(std::move(object));
         ++end;

@@ -46,8 +46,7 @@ void dnFromStr(LDIF_Value& value, const std::string& text)
 {
     try {
         value.dnValue = std::make_unique<LDIF_DN>(cisString(text));
-        const std::string printed = value.dnValue->str();
-        value.stringValue = compact(printed);
+        value.stringValue = compact(value.dnValue->str());
     } catch (const LDIF_Exception&) {
         throwWrapped(text, value.attrType);
     }
