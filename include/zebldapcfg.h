@@ -156,9 +156,10 @@ ZEBLDAPCFG_API int cfg_unbind(CFG* cfg);
  * attribute zeb-slapdInvalidLine.
  *
  * 0; 49 without further details for a refused login; 21 for a password of more than 46 bytes; 32 when a login finds no
- * cn=Configuration; 86 for another method; 80 without a default file; 91 when the file cannot be found or read; 65 for
- * an attribute outside an entry; 34 for a bad DN; 162 for text that the locale cannot convert; 50 when a repaired file
- * cannot be written back. After a failure a handle that was bound stays bound to what it had.
+ * cn=Configuration; the status of the password codec (202, 203) when it finds a password that cannot be decoded; 86 for
+ * another method; 80 without a default file; 91 when the file cannot be found or read; 65 for an attribute outside an
+ * entry; 34 for a bad DN; 162 for text that the locale cannot convert; 50 when a repaired file cannot be written back.
+ * After a failure a handle that was bound stays bound to what it had.
  */
 ZEBLDAPCFG_API int cfg_bind_s(CFG* cfg, const char* dn, const char* password, int method);
 
