@@ -8,6 +8,7 @@
 #include <functional>
 #include <new>
 #include <ostream>
+#include <utility>
 
 namespace {
 
@@ -134,6 +135,15 @@ void LDIF_Entry::eraseChild(std::vector<LDIF_Entry>::iterator child)
     if (*childIndex != nullptr)
         (*childIndex)->positions.erase(static_cast<std::size_t>(child - children.begin()));
     children.erase(child);
+}
+
+LDIF_Entry LDIF_Entry::takeContent()
+{
+    childIndex->reset();
+    std::vector<LDIF_Entry> family = std::exchange(children, {});
+    LDIF_Entry content = std::exchange(*this, LDIF_Entry());
+    children = std::move(family);
+    return content;
 }
 
 std::vector<LDIF_Entry>::iterator LDIF_Entry::findChild(const LDIF_DN& path, std::size_t level)

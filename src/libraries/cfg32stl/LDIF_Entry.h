@@ -54,6 +54,8 @@ public:
     LDIF_Entry& place(LDIF_Entry&& child);
     // Removes a child with its subtree. Children come and go through this class alone, which may have them indexed.
     void eraseChild(std::vector<LDIF_Entry>::iterator child);
+    // Moves all but the children out of the entry. They stay where they are.
+    LDIF_Entry takeContent();
     // The child whose relativeDn is at or above the RDNs of path from level on, or the end.
     std::vector<LDIF_Entry>::iterator findChild(const LDIF_DN& path, std::size_t level);
 

@@ -71,11 +71,7 @@ std::optional<LDIF_Entry> LDIF_FormerTree::takeAt(std::size_t position)
         ++next;
     if (next == places.size() || places[next].offset != position)
         return std::nullopt;
-    LDIF_Entry& entry = *places[next++].entry;
-    std::vector<LDIF_Entry> children = std::exchange(entry.children, {});  // They stay where they are.
-    std::optional<LDIF_Entry> taken(std::exchange(entry, LDIF_Entry()));
-    entry.children = std::move(children);
-    return taken;
+    return places[next++].entry->takeContent();
 }
 
 void release(LDIF_Entry&& tree) noexcept
