@@ -103,6 +103,9 @@ public:
 void* allocateRegion(std::size_t size, bool isLarge) noexcept;
 void releaseRegion(void* region, std::size_t size) noexcept;
 
+// Lets the system take the memory of a region whose content is needed no more, once it is short of memory.
+void offerRegion(void* region, std::size_t size) noexcept;
+
 // Whether the build checks each block of memory, so that none may be handed out as a part of another.
 #if defined(__SANITIZE_ADDRESS__) || defined(ZEBLDAPCFG_CHECK_MEMORY)
 constexpr bool checksMemory = true;

@@ -67,6 +67,13 @@ void releaseRegion(void* region, std::size_t size) noexcept
     (void)::munmap(region, size);
 }
 
+void offerRegion(void* region, std::size_t size) noexcept
+{
+#ifdef MADV_FREE
+    (void)::madvise(region, size, MADV_FREE);
+#endif
+}
+
 void wipe(void* memory, std::size_t size) noexcept
 {
     ::explicit_bzero(memory, size);

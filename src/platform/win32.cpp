@@ -52,6 +52,11 @@ void releaseRegion(void* region, std::size_t /*size*/) noexcept
     _aligned_free(region);
 }
 
+void offerRegion(void* region, std::size_t size) noexcept
+{
+    (void)VirtualAlloc(region, size, MEM_RESET, PAGE_READWRITE);
+}
+
 void wipe(void* memory, std::size_t size) noexcept
 {
     SecureZeroMemory(memory, size);

@@ -2,6 +2,7 @@
 
 #include "platform.h"
 
+#include <array>
 #include <cstdint>
 
 namespace {
@@ -26,7 +27,9 @@ constexpr std::size_t headerSize = (sizeof(Slab) + granule - 1) / granule * gran
 
 Slab* partlyUsed[LDIF_Pool::largest / granule + 1];  // by size in granules: slabs that have room
 Slab* unused;                                        // slabs that serve no size
-std::size_t regions;
+std::size_t regions;                                 // without the idle ones
+std::array<void*, 256> idle;                         // regions without slabs, at first idleCount of them
+std::size_t idleCount;
 
 void link(Slab*& list, Slab& slab) noexcept
 {
@@ -63,7 +66,8 @@ bool hasRoom(const Slab& slab) noexcept
 void addRegion()
 {
     constexpr std::size_t smallTree = 8;  // regions: below, a large page that is mostly empty would count
-    char* const region = static_cast<char*>(allocateRegion(regionSize, regions >= smallTree));
+    char* const region =
+        static_cast<char*>(idleCount > 0 ? idle[--idleCount] : allocateRegion(regionSize, regions >= smallTree));
     if (region == nullptr)
         throw std::bad_alloc();
     ++regions;
@@ -86,13 +90,17 @@ Slab& addSlab(std::size_t granules)
     return slab;
 }
 
-// Gives a region back of which nothing is in use.
+// Offers a region back of which nothing is in use. What the system has not taken until it is needed again costs
+// nothing.
 void releaseSlabs(Slab& first) noexcept
 {
     for (std::size_t offset = 0; offset < regionSize; offset += slabSize)
         unlink(*reinterpret_cast<Slab*>(bytesOf(first) + offset));
-    releaseRegion(&first, regionSize);
     --regions;
+    if (idleCount == idle.size())
+        return releaseRegion(&first, regionSize);
+    offerRegion(&first, regionSize);
+    idle[idleCount++] = &first;
 }
 
 void giveBack(Slab& slab) noexcept
@@ -120,6 +128,8 @@ struct LastRegions {
                 releaseSlabs(first);
             slab = isUsed ? slab->next : unused;
         }
+        while (idleCount > 0)
+            releaseRegion(idle[--idleCount], regionSize);
     }
 } const lastRegions;
 

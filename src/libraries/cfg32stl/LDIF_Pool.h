@@ -8,7 +8,8 @@
 
 // Hands out blocks of one size from slabs, side by side and without a header for each, and a large tree in large pages,
 // which saves time and memory over the C heap. A slab whose blocks have all come back serves any size; a region whose
-// slabs have all come back is given back, but for the last few. For one thread at a time, as all of the library.
+// slabs have all come back is offered back to the system, but for the last few. For one thread at a time, as all of the
+// library.
 class LDIF_Pool {
 public:
     static constexpr std::size_t largest = 2048;  // bytes; larger blocks belong on the C heap
