@@ -1,5 +1,6 @@
 #include "platform.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <unistd.h>
@@ -52,6 +53,15 @@ int openForWriting(const std::string& name, const FileStatus& before) noexcept
     return created;
 }
 
+// Doubles a text, and overwrites what it stood in before: it may hold clear passwords.
+void enlarge(std::string& content)
+{
+    std::string larger(2 * content.size(), '\0');
+    std::copy(content.begin(), content.end(), larger.begin());
+    content.swap(larger);
+    wipe(larger.data(), larger.size());
+}
+
 bool isSameInode(const FileStatus& left, const FileStatus& right) noexcept
 {
     return left.st_dev == right.st_dev && left.st_ino == right.st_ino;
@@ -89,7 +99,7 @@ bool readFile(const std::string& name, std::string& content)
     std::size_t length = 0;
     for (;;) {
         if (length == content.size())
-            content.resize(2 * content.size());
+            enlarge(content);
         const ssize_t count = ::read(file.get(), &content[length], content.size() - length);
         if (count < 0 && errno == EINTR)
             continue;

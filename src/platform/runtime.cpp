@@ -1,7 +1,6 @@
 #include "platform.h"
 
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <sys/mman.h>
 #include <unistd.h>
