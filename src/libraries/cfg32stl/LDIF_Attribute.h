@@ -3,7 +3,6 @@
 #define LDIF_ATTRIBUTE_H
 
 #include "LDIF_Comment.h"
-#include "LDIF_Pool.h"
 #include "LDIF_Values.h"
 #include "cisString.h"
 
@@ -48,7 +47,7 @@ public:
 };
 
 // The attributes of one entry in ascending order of name, no two of the same name.
-class LDIF_Attributes : public std::vector<LDIF_Attribute, LDIF_PoolAllocator<LDIF_Attribute>> {
+class LDIF_Attributes : public std::vector<LDIF_Attribute> {
 public:
     std::string str() const;
     void appendTo(std::string& out) const;

@@ -2,7 +2,6 @@
 #ifndef LDIF_DN_H
 #define LDIF_DN_H
 
-#include "LDIF_Pool.h"
 #include "LDIF_RDN.h"
 
 #include <cstddef>
@@ -13,7 +12,7 @@
 // A distinguished name, held from the root outwards: index 0 is the rightmost RDN as written. A plain value: copies
 // share nothing. The empty DN is the root. Departures from RFC 4514: ";" separates like ",", white space and
 // parentheses around the parts are dropped, and case never counts in a comparison.
-class LDIF_DN final : public std::vector<LDIF_RDN, LDIF_PoolAllocator<LDIF_RDN>> {
+class LDIF_DN final : public std::vector<LDIF_RDN> {
 public:
     LDIF_DN() = default;
     // Parses the string form. Throws LDIF_Exception (34) with the whole text in value.
@@ -39,11 +38,6 @@ public:
     virtual bool operator!=(const LDIF_DN& other) const { return compare(other) != 0; }
     virtual bool operator<=(const LDIF_DN& other) const { return compare(other) >= 0; }
     virtual bool operator>=(const LDIF_DN& other) const { return compare(other) <= 0; }
-
-    // One on the heap is the parsed form of a value, of which a tree has many.
-    static void* operator new(std::size_t size) { return LDIF_Pool::allocate(size); }
-    static void operator delete(void* dn) noexcept { LDIF_Pool::release(dn, sizeof(LDIF_DN)); }
-    static void* operator new(std::size_t /*size*/, void* place) noexcept { return place; }
 
     // How many leading RDNs equal those of other from index start on.
     size_type commonLevels(const LDIF_DN& other, size_type start = 0) const;

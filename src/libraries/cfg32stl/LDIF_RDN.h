@@ -10,7 +10,6 @@
 #ifndef LDIF_RDN_H
 #define LDIF_RDN_H
 
-#include "LDIF_Pool.h"
 #include "cisString.h"
 
 #include <iosfwd>
@@ -78,7 +77,7 @@ private:
 };
 
 // An RDN: its pairs in ascending order of compare, no two equal. A parsed RDN has at least one.
-class LDIF_RDN final : public std::vector<LDIF_RDN_pair, LDIF_PoolAllocator<LDIF_RDN_pair>> {
+class LDIF_RDN final : public std::vector<LDIF_RDN_pair> {
 public:
     explicit LDIF_RDN(cisString& input);
     explicit LDIF_RDN(LDIF_DnReader& reader);

@@ -4,7 +4,6 @@
 
 #include "LDIF_Aid.h"
 #include "LDIF_HashIndex.h"
-#include "LDIF_Pool.h"
 #include "LDIF_Value.h"
 
 #include <memory>
@@ -13,7 +12,7 @@
 
 // The values of one attribute in the order in which they came, no two equal under the attribute's syntax. Values go in
 // and out by the operators only. Where an operation refuses a text, it throws LDIF_Exception with attrType and value.
-class LDIF_Values : public std::vector<LDIF_Value, LDIF_PoolAllocator<LDIF_Value>> {
+class LDIF_Values : public std::vector<LDIF_Value> {
 public:
     std::string attrName;       // as written
     const _AttrType* attrType;  // of all values; static
