@@ -1,6 +1,7 @@
 // Failures and their reports, the codes, strings, and the platform layer.
 #include "LDIF_AttrType.h"
 #include "LDIF_Exception.h"
+#include "LDIF_HashIndex.h"
 #include "LDIF_Util.h"
 #include "cisString.h"
 #include "platform.h"
@@ -9,6 +10,8 @@
 
 #include <algorithm>
 #include <gtest/gtest.h>
+#include <utility>
+#include <vector>
 
 static const ScopedLocale utf8;
 static const TempDirectory directory;
@@ -108,6 +111,32 @@ TEST(Strings, AreComparedTrimmedAndConverted)
     for (std::string bad : {hex.c_str(), "", "2", "2g", "G2"})
         EXPECT_FALSE(hex2byte(bad, byte) || byte != 9) << bad;
     EXPECT_EQ(byte2hex(0x0A, byte2hex(0xBF, hex = "x")), "xBF0A");
+}
+
+// Few hashes, so that positions stand far from where their hash says and across the end of the table.
+TEST(HashIndex, FindsWhatWasAddedAndNotRemoved)
+{
+    LDIF_HashIndex index;
+    std::vector<std::size_t> hashes;  // by position; 0 where it was removed
+    std::mt19937 random(1);
+    const auto isPresent = [&](std::size_t at) { return hashes[at] != 0; };
+    for (int step = 0; step < 1000; ++step) {
+        const std::size_t at = hashes.empty() ? 0 : random() % hashes.size();
+        if (hashes.size() < 20 || step % 3 == 0) {
+            hashes.push_back(~std::size_t{random() % 8});
+            index.add(hashes.back(), hashes.size() - 1);
+        } else if (isPresent(at) && step % 3 == 1) {
+            index.remove(std::exchange(hashes[at], 0), at);
+        } else if (isPresent(at) && hashes.size() > 30) {
+            index.erase(at);
+            hashes.erase(hashes.begin() + static_cast<std::ptrdiff_t>(at));
+        }
+        for (std::size_t each = 0; each < hashes.size(); ++each) {
+            const auto is = [&](std::size_t position) { return position == each; };
+            const std::size_t hash = isPresent(each) ? hashes[each] : ~std::size_t{each % 8};
+            ASSERT_EQ(index.find(hash, is), isPresent(each) ? each : LDIF_HashIndex::npos) << step;
+        }
+    }
 }
 
 TEST(Platform, HasARegistryOfFiles)

@@ -1,7 +1,9 @@
 // The locale of the process: text that it knows gives the same results in each, and other text is refused clearly. The
 // locales are made for this test, below LOCPATH.
 #include "LDIF_File.h"
+#include "LDIF_HashIndex.h"
 #include "LDIF_Util.h"
+#include "platform.h"
 #include "support.h"
 
 #include <gtest/gtest.h>
@@ -72,6 +74,29 @@ TEST(Locale, ChangesNoResult)
         }
     }
     EXPECT_EQ(valid, 19);
+}
+
+// Each byte at each place of a word of eight, alone and behind a word, beside letters and beside another such byte.
+TEST(Locale, HashesEqualTextsAlike)
+{
+    int equal = 0;
+    for (const char* locale : {"C", "de_CH.ISO-8859-1", "tr_TR.ISO-8859-9"}) {
+        const ScopedLocale scoped(locale);
+        for (const std::string around : {"", "Ab", "Abcdefg", "AbcdefgH\xC9jk", "AbcdefgHijklmno"})
+            for (std::size_t at = 0; at <= around.size(); ++at)
+                for (int one = 1; one < 256; ++one)
+                    for (const int other : {one, one ^ 0x20, one ^ 0x80}) {
+                        std::string left = around, right = around;
+                        left.insert(at, 1, static_cast<char>(one));
+                        right.insert(at, 1, static_cast<char>(other));
+                        const bool isEqual = _stricmp(left.c_str(), right.c_str()) == 0;
+                        ASSERT_EQ(exactHash(7, left) == exactHash(7, right), one == other) << left;
+                        right.append("\0x", 2);
+                        ASSERT_EQ(foldedHash(7, left) == foldedHash(7, right), isEqual) << locale << left << right;
+                        equal += isEqual && one != other ? 1 : 0;
+                    }
+    }
+    EXPECT_GT(equal, 0);
 }
 
 TEST(Locale, RefusesTextThatItDoesNotKnow)

@@ -2,19 +2,100 @@
 
 #include "platform.h"
 
+#include <chrono>
+#include <cstring>
+#include <exception>
+#include <random>
+
 namespace {
 
 constexpr std::size_t smallest = 16;
+constexpr std::uint64_t ones = 0x0101010101010101U;
+constexpr std::uint64_t highBits = 0x8080808080808080U;
 
-std::size_t mixed(std::size_t hash, unsigned char byte) noexcept
+__extension__ using Wide = unsigned __int128;
+
+// What a process draws by chance: without it nobody can choose texts whose hashes collide.
+struct Key {
+    std::uint64_t start;
+    std::uint64_t step;
+    std::uint64_t end;
+};
+
+template <typename Draw>
+Key drawKey(Draw draw)
 {
-    constexpr std::size_t prime = 0x100000001B3U;
-    hash = (hash ^ byte) * prime;
-    return hash ^ hash >> 29;
+    return {draw(), draw() | 1, draw() | 1};
 }
 
-// A byte that no text up to its first NUL holds.
-constexpr unsigned char separator = 0;
+// A system without random numbers leaves the time and the place of the process.
+const Key& key() noexcept
+{
+    static const Key drawn = [] {
+        try {
+            std::random_device device;
+            return drawKey([&] { return std::uint64_t{device()} << 32 | device(); });
+        } catch (const std::exception&) {
+            const auto now = static_cast<std::uint64_t>(std::chrono::system_clock::now().time_since_epoch().count());
+            return drawKey(std::mt19937_64(now ^ reinterpret_cast<std::uintptr_t>(&now)));
+        }
+    }();
+    return drawn;
+}
+
+std::uint64_t mixed(std::uint64_t left, std::uint64_t right) noexcept
+{
+    const Wide product = Wide{left} * right;
+    return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64U);
+}
+
+template <typename Word>
+std::uint64_t wordAt(const char* bytes) noexcept
+{
+    Word word = 0;
+    std::memcpy(&word, bytes, sizeof word);
+    return word;
+}
+
+// The bytes at the end of a text, at most eight; those of a longer text may be a part of the word before.
+std::uint64_t lastWord(std::string_view text) noexcept
+{
+    const char* const end = text.data() + text.size();
+    if (text.size() >= 8)
+        return wordAt<std::uint64_t>(end - 8);
+    if (text.size() >= 4)
+        return wordAt<std::uint32_t>(text.data()) | wordAt<std::uint32_t>(end - 4) << 32U;
+    if (text.empty())
+        return 0;
+    return wordAt<unsigned char>(text.data()) | wordAt<unsigned char>(text.data() + text.size() / 2) << 8U |
+           wordAt<unsigned char>(end - 1) << 16U;
+}
+
+// Each byte folded to lower case, all at once where they are ASCII: 'A' to 'Z' are the bytes of which the first sum
+// alone sets the high bit.
+std::uint64_t foldedWord(std::uint64_t word) noexcept
+{
+    if ((word & highBits) == 0) {
+        const std::uint64_t isUpper = ((word + ones * (0x80 - 'A')) ^ (word + ones * (0x7F - 'Z'))) & highBits;
+        return word | isUpper >> 2U;
+    }
+    char bytes[sizeof word];
+    std::memcpy(bytes, &word, sizeof word);
+    for (char& byte : bytes)
+        byte = static_cast<char>(foldCase(byte));
+    return wordAt<std::uint64_t>(bytes);
+}
+
+template <typename Fold>
+std::size_t hashed(std::size_t seed, std::string_view text, Fold fold) noexcept
+{
+    const Key& drawn = key();
+    std::uint64_t hash = seed ^ drawn.start;
+    for (std::size_t at = 0; at + 8 < text.size(); at += 8)
+        hash = mixed(hash ^ fold(wordAt<std::uint64_t>(text.data() + at)), drawn.step);
+    hash = mixed(hash ^ fold(lastWord(text)), drawn.step);
+    return static_cast<std::size_t>(mixed(hash ^ text.size(), drawn.end));
+}
 
 }  // namespace
 
@@ -57,6 +138,23 @@ void LDIF_HashIndex::erase(std::size_t position)
     --count;
 }
 
+// Closes the gap: a slot moves there unless it would stand before the first one of its hash.
+void LDIF_HashIndex::remove(std::size_t hash, std::size_t position) noexcept
+{
+    const std::size_t mask = slots.size() - 1;
+    std::size_t gap = firstSlot(static_cast<std::uint32_t>(hash));
+    while (slots[gap].next != position + 1)
+        gap = (gap + 1) & mask;
+    for (std::size_t at = (gap + 1) & mask; slots[at].next != 0; at = (at + 1) & mask) {
+        if (((at - firstSlot(slots[at].tag)) & mask) < ((at - gap) & mask))
+            continue;
+        slots[gap] = slots[at];
+        gap = at;
+    }
+    slots[gap] = Slot();
+    --count;
+}
+
 void LDIF_HashIndex::resize(std::size_t size)
 {
     std::vector<Slot> old(size);
@@ -67,16 +165,12 @@ void LDIF_HashIndex::resize(std::size_t size)
     }
 }
 
-std::size_t exactHash(std::size_t hash, std::string_view text) noexcept
+std::size_t exactHash(std::size_t seed, std::string_view text) noexcept
 {
-    for (const char byte : text)
-        hash = mixed(hash, static_cast<unsigned char>(byte));
-    return mixed(hash, separator);
+    return hashed(seed, text, [](std::uint64_t word) { return word; });
 }
 
-std::size_t foldedHash(std::size_t hash, std::string_view text) noexcept
+std::size_t foldedHash(std::size_t seed, std::string_view text) noexcept
 {
-    for (const char byte : text.substr(0, text.find('\0')))
-        hash = mixed(hash, foldCase(byte));
-    return mixed(hash, separator);
+    return hashed(seed, text.substr(0, text.find('\0')), foldedWord);
 }

@@ -18,6 +18,8 @@ public:
     void add(std::size_t hash, std::size_t position);
     // Removes a position, and lets those behind it move up by one, as the list does.
     void erase(std::size_t position);
+    // Removes a position that was added under that hash, and leaves all others as they are.
+    void remove(std::size_t hash, std::size_t position) noexcept;
 
     // The position added under that hash for which isWanted(position) holds, or npos.
     template <typename IsWanted>
@@ -47,8 +49,10 @@ private:
     std::size_t count = 0;
 };
 
-// Goes on from hash with the bytes of text; with foldedHash texts of equal case-insensitive comparison stay equal.
-std::size_t exactHash(std::size_t hash, std::string_view text) noexcept;
-std::size_t foldedHash(std::size_t hash, std::string_view text) noexcept;
+// A hash of the text, and of seed, which may be that of a text before it. With foldedHash texts that compare equal
+// without regard to case, up to the first NUL, stay equal as long as the locale folds case the same. Each process has
+// hashes of its own.
+std::size_t exactHash(std::size_t seed, std::string_view text) noexcept;
+std::size_t foldedHash(std::size_t seed, std::string_view text) noexcept;
 
 #endif
