@@ -7,6 +7,7 @@
 #include "zebldapcfg.h"
 
 #include <algorithm>
+#include <functional>
 #include <ostream>
 
 namespace {
@@ -293,42 +294,46 @@ void LDIF_RDN_pair::appendTo(std::string& out) const
 
 LDIF_RDN::LDIF_RDN(cisString& input) : LDIF_RDN(takeFront<LDIF_RDN>(input)) {}
 
-// RDN = pair *( "+" pair ), followed by "," or ";" or the end
 LDIF_RDN::LDIF_RDN(LDIF_DnReader& reader)
 {
     if (reader.atEnd())
         throw dnFailure(CFG_ERR_DN_NO_ATTRIBUTE, "Missing RDN attribute");
     const std::size_t start = reader.position();
     try {
-        for (;;) {
-            if (empty())
-                emplace_back(reader);
-            else
-                add(LDIF_RDN_pair(reader));
-            if (reader.atEnd() || reader.isAt(L',') || reader.isAt(L';'))
-                return;
-            if (!reader.isAt(L'+'))
-                throw dnFailure(CFG_ERR_DN_VALUE, "Invalid character in RDN value: " + nextByte(reader));
-            reader.advance();
-            reader.skipEdges();
-        }
+        read(reader);
     } catch (...) {
         wrapAndThrow(("System error parsing rdn: " + reader.rest(start)).c_str());
     }
 }
 
+// RDN = pair *( "+" pair ), followed by "," or ";" or the end
+void LDIF_RDN::read(LDIF_DnReader& reader)
+{
+    emplace_back(reader);
+    while (!reader.atEnd() && !reader.isAt(L',') && !reader.isAt(L';')) {
+        if (!reader.isAt(L'+'))
+            throw dnFailure(CFG_ERR_DN_VALUE, "Invalid character in RDN value: " + nextByte(reader));
+        reader.advance();
+        reader.skipEdges();
+        emplace_back(reader);
+    }
+    sort();
+}
+
 LDIF_RDN& LDIF_RDN::operator+=(const LDIF_RDN_pair& pair)
 {
-    add(pair);
+    push_back(pair);
+    sort();
     return *this;
 }
 
-void LDIF_RDN::add(LDIF_RDN_pair pair)
+// Of equal pairs the first one stays.
+void LDIF_RDN::sort()
 {
-    const auto place =
-        std::find_if(begin(), end(), [&](const LDIF_RDN_pair& present) { return pair.compare(present) <= 0; });
-    if (place == end() || pair != *place)
-        insert(place, std::move(pair));
+    if (size() < 2)
+        return;
+    std::stable_sort(begin(), end(), std::greater<>());  // the operators turn the sign of compare round
+    erase(std::unique(begin(), end()), end());
 }
 
 std::string LDIF_RDN::str() const

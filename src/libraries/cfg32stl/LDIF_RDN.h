@@ -100,7 +100,8 @@ public:
     std::size_t hash(std::size_t seed) const noexcept;
 
 private:
-    void add(LDIF_RDN_pair pair);
+    void read(LDIF_DnReader& reader);
+    void sort();
 };
 
 std::ostream& operator<<(std::ostream& stream, const LDIF_RDN_pair& pair);
