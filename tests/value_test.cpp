@@ -1,5 +1,6 @@
 // The attribute types, the value syntaxes, values, lists of values, and the password codec.
 #include "LDIF_AttrTable.h"
+#include "LDIF_Attribute.h"
 #include "LDIF_Exception.h"
 #include "LDIF_Syntax.h"
 #include "LDIF_Values.h"
@@ -244,6 +245,51 @@ TEST(Values, FindTheSameInLongListsAsOneByOne)
                       return list.str();
                   }));
         EXPECT_EQ(atOnce.str(), list.str());
+    }
+}
+
+// A value that cannot be decoded fails what looks behind it, and nothing else.
+TEST(Values, FindPasswordsInLongListsAsOneByOne)
+{
+    LDIF_Values list("zeb-slapdAdminPW");
+    for (int number = 0; number < 80; ++number)
+        list.emplace_back(list.attrType, number == 60 ? ">x<" : std::to_string(number));
+    for (const char* text : {"0", "59", ">x<", "61", "79", "80", "0000000000000000000000000000000000000000000000"}) {
+        const auto oneByOne = [&] {
+            const LDIF_Value value(list.attrType, text);
+            const auto isEqual = [&](const LDIF_Value& each) { return each.compare(value) == 0; };
+            return std::to_string(std::find_if(list.begin(), list.end(), isEqual) - list.begin());
+        };
+        EXPECT_EQ(outcomeOf([&] { return std::to_string(list.find(text) - list.data()); }), outcomeOf(oneByOne))
+            << text;
+    }
+    list -= "7";
+    EXPECT_EQ(codesOf([&] { list -= ">x<"; }), std::tuple(202, 202, "_pwcodec_decode_buffer( right );"));
+    list.erase(list.begin() + 59);
+    list += "8";
+    EXPECT_EQ(list.find("79") - list.data(), 77);
+    EXPECT_EQ((list += "7").size(), 79U);
+}
+
+// Blocks of one entry with few names and with many, before, between and beyond those that are there.
+TEST(Attributes, AreMergedAsOneByOne)
+{
+    std::mt19937 random(1);
+    for (std::size_t size = 0; size < 60; ++size) {
+        LDIF_Attributes merged, oneByOne, other;
+        for (auto* list : {&merged, &other})
+            for (std::size_t count = 0; count < size; ++count) {
+                const std::string number = std::to_string(random() % 50);
+                const std::string name = (random() % 2 == 0 ? "a" : random() % 2 == 0 ? "A" : "\u00e9") + number;
+                LDIF_Attribute attribute(name, number);
+                attribute.comment.lines.emplace_back().value = "# " + name;
+                *list += attribute;
+            }
+        oneByOne = merged;
+        for (const LDIF_Attribute& attribute : other)
+            oneByOne += attribute;
+        EXPECT_EQ((merged += other).str(), oneByOne.str()) << size;
+        EXPECT_EQ((merged += merged).str(), oneByOne.str()) << size;
     }
 }
 

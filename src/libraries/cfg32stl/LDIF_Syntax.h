@@ -8,6 +8,8 @@
 #include "LDIF_AttrType.h"
 #include "LDIF_Exception.h"
 
+#include <cstddef>
+#include <optional>
 #include <string>
 
 class LDIF_Value;
@@ -43,6 +45,7 @@ void dnFromBin(LDIF_Value& value, const void* data, int length);
 // text. Two passwords are compared decoded.
 int pwCompare(const LDIF_Value& left, const LDIF_Value& right);
 void pwFromStr(LDIF_Value& value, const std::string& text);
+std::optional<std::size_t> pwHash(const LDIF_Value& value);
 
 // Throw LDIF_Exception (92) for a syntax without a binary or a string form.
 [[noreturn]] void BinarySyntaxNotImplemented(const char* syntax, const _AttrType* attrType, const std::string& value,
@@ -81,12 +84,11 @@ constexpr LDIF_Syntax plugin = ces;
 
 }  // namespace syntax
 
-// Whether the values of this one's type can be told apart by a hash: all but passwords, which only the codec compares.
-bool canHash(const LDIF_Value& value) noexcept;
 // Whether the comparison ignores case, so that equal values have equal hashes only under one folding of the locale.
 bool foldsCase(const LDIF_Value& value) noexcept;
-// Values that compare equal have equal hashes.
-std::size_t hashOf(const LDIF_Value& value);
+// Values that compare equal have equal hashes. None for a password that the codec cannot decode, and for other values
+// that can only be compared.
+std::optional<std::size_t> hashOf(const LDIF_Value& value);
 
 // A failure of a syntax: the codes, the text, and the value and type at fault.
 LDIF_Exception syntaxFailure(int ldapErr, int extErr, const std::string& text, const std::string& value,

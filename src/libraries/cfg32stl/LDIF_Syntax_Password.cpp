@@ -1,5 +1,6 @@
 #include "LDIF_Syntax.h"
 
+#include "LDIF_HashIndex.h"
 #include "LDIF_Util.h"
 #include "LDIF_Value.h"
 #include "PasswordCodec.h"
@@ -28,14 +29,20 @@ void requireLength(const std::string& text, const _AttrType* type, SourcePos pos
                             text, type, pos);
 }
 
-// The clear text of a value, or null for an empty value. side names the operand in the failure.
-ClearText decode(const LDIF_Value& value, const char* side, SourcePos pos = SourcePos::here())
+// The status of the codec. clear stays null for an empty value.
+int decode(const LDIF_Value& value, ClearText& clear)
 {
     const std::string text = value.str();
+    return text.empty() ? 0 : decodePassword(text, clear);
+}
+
+// The clear text of a value that is compared. side names it in the failure.
+ClearText operand(const LDIF_Value& value, const char* side, SourcePos pos = SourcePos::here())
+{
     ClearText clear;
-    const int status = text.empty() ? 0 : decodePassword(text, clear);
+    const int status = decode(value, clear);
     if (status != 0)
-        throw syntaxFailure(status, status, std::string("_pwcodec_decode_buffer( ") + side + " );", text,
+        throw syntaxFailure(status, status, std::string("_pwcodec_decode_buffer( ") + side + " );", value.str(),
                             value.attrType, pos);
     return clear;
 }
@@ -44,8 +51,8 @@ ClearText decode(const LDIF_Value& value, const char* side, SourcePos pos = Sour
 
 int pwCompare(const LDIF_Value& left, const LDIF_Value& right)
 try {
-    const ClearText leftClear = decode(left, "left");
-    const ClearText rightClear = decode(right, "right");
+    const ClearText leftClear = operand(left, "left");
+    const ClearText rightClear = operand(right, "right");
     if (leftClear != nullptr && rightClear != nullptr)
         return std::strcmp(leftClear.get(), rightClear.get());
     return static_cast<int>(leftClear != nullptr) - static_cast<int>(rightClear != nullptr);
@@ -56,6 +63,14 @@ try {
         failure.value = left.str();
         failure.attrType = left.attrType;
     });
+}
+
+std::optional<std::size_t> pwHash(const LDIF_Value& value)
+{
+    ClearText clear;
+    if (decode(value, clear) != 0)
+        return std::nullopt;
+    return clear != nullptr ? exactHash(0, clear.get()) : 0;
 }
 
 void pwFromStr(LDIF_Value& value, const std::string& text)

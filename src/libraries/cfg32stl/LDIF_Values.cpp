@@ -6,6 +6,7 @@
 #include "platform.h"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 namespace {
@@ -166,22 +167,31 @@ LDIF_Value* LDIF_Values::find(const std::string& text)
 const LDIF_Value* LDIF_Values::findEqual(const LDIF_Value& value) const
 {
     constexpr size_type longList = 32;
-    if (size() >= longList && canHash(value)) {
-        const std::size_t found = findByHash(value);
-        return data() + (found != LDIF_HashIndex::npos ? found : size());
+    const auto hash = size() >= longList ? hashOf(value) : std::nullopt;
+    size_type start = 0;  // those before it are not equal
+    if (hash.has_value()) {
+        const LDIF_HashIndex& positions = indexed(value);
+        const auto found = positions.find(*hash, [&](std::size_t at) { return (*this)[at].equals(value); });
+        if (found != LDIF_HashIndex::npos)
+            return data() + found;
+        start = positions.size();
     }
-    return std::find_if(data(), data() + size(), [&](const LDIF_Value& each) { return each.equals(value); });
+    return std::find_if(data() + start, data() + size(), [&](const LDIF_Value& each) { return each.equals(value); });
 }
 
-// The index knows the first values of the list, and takes in those that have come since the last call.
-std::size_t LDIF_Values::findByHash(const LDIF_Value& value) const
+// The values from the front up to one that has no hash. Those that have come since the last call are taken in.
+const LDIF_HashIndex& LDIF_Values::indexed(const LDIF_Value& value) const
 {
     const std::size_t folding = foldsCase(value) ? caseFolding() : 0;
     if (*index == nullptr || (*index)->folding != folding)
         *index = std::make_unique<Index>();
     (*index)->folding = folding;
     LDIF_HashIndex& positions = (*index)->positions;
-    while (positions.size() < size())
-        positions.add(hashOf((*this)[positions.size()]), positions.size());
-    return positions.find(hashOf(value), [&](std::size_t at) { return (*this)[at].equals(value); });
+    while (positions.size() < size()) {
+        const auto hash = hashOf((*this)[positions.size()]);
+        if (!hash.has_value())
+            break;
+        positions.add(*hash, positions.size());
+    }
+    return positions;
 }

@@ -56,7 +56,7 @@ private:
 
     void removeMarked(const std::vector<bool>& isGone) noexcept;
     const LDIF_Value* findEqual(const LDIF_Value& value) const;
-    std::size_t findByHash(const LDIF_Value& value) const;
+    const LDIF_HashIndex& indexed(const LDIF_Value& value) const;
 
     mutable LDIF_Aid<std::unique_ptr<Index>> index;
 };
