@@ -6,9 +6,11 @@
 #include "platform.h"
 #include "support.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <iconv.h>
 #include <langinfo.h>
+#include <random>
 
 static const TempDirectory directory;
 static const std::string name = directory / "f";
@@ -97,6 +99,24 @@ TEST(Locale, HashesEqualTextsAlike)
                     }
     }
     EXPECT_GT(equal, 0);
+}
+
+// What is one name in one locale may be two in another, at other places of the list.
+TEST(Locale, MayChangeWhileAttributesAreFound)
+{
+    std::mt19937 random(1);
+    LDIF_Attributes list;
+    for (int step = 0; step < 4000; ++step) {
+        const ScopedLocale scoped(step / 50 % 2 == 0 ? "C" : "de_CH.ISO-8859-1");
+        const cisString attribute(std::string{'x', static_cast<char>(0xC0 + random() % 60)});
+        const auto place = std::find(list.begin(), list.end(), attribute);
+        const bool isFound = list.find(attribute) != list.data() + list.size();
+        ASSERT_EQ(isFound, place != list.end()) << step;
+        if (random() % 2 == 0)
+            list += LDIF_Attribute(attribute, "x");
+        else if (isFound)
+            list -= LDIF_Attribute(attribute, "");
+    }
 }
 
 TEST(Locale, RefusesTextThatItDoesNotKnow)

@@ -2,8 +2,11 @@
 
 #include "LDIF_Exception.h"
 #include "LDIF_Util.h"
+#include "platform.h"
 
 #include <algorithm>
+#include <iterator>
+#include <utility>
 
 LDIF_Attribute::LDIF_Attribute(const std::string& attributeName, const std::string& text)
     : name(attributeName), values(attributeName)
@@ -56,11 +59,9 @@ LDIF_Attribute& LDIF_Attribute::operator+=(const std::string& value)
 
 void LDIF_Attribute::add(const LDIF_Line& line, LDIF_Comment& before)
 {
-    comment.lines.reserve(comment.lines.size() + before.lines.size());
+    comment.makeRoom(before.lines.size());
     values += line.value;
-    for (LDIF_Line& each : before.lines)
-        comment.lines.push_back(std::move(each));
-    before.clear();
+    comment += std::move(before);
 }
 
 std::string LDIF_Attributes::str() const
@@ -76,10 +77,19 @@ void LDIF_Attributes::appendTo(std::string& out) const
         attribute.appendTo(out);
 }
 
+// Names beyond ASCII have their places by the locale, which may have changed since the list was sorted.
+bool LDIF_Attributes::isSorted() const
+{
+    const std::size_t present = caseFolding();
+    if (*sortedUnder != present)
+        *sortedUnder = std::is_sorted(begin(), end()) ? present : 0;
+    return *sortedUnder == present;
+}
+
 // The first attribute that does not sort before name. Names mostly come in ascending order, so the end comes first.
 LDIF_Attributes::iterator LDIF_Attributes::placeOf(const std::string& name)
 {
-    if (!isPlain(name)) {  // its place depends on the locale, which may have changed
+    if (!isPlain(name) && !isSorted()) {
         const auto present = std::find(begin(), end(), name);
         if (present != end())
             return present;
@@ -127,10 +137,28 @@ LDIF_Attributes& LDIF_Attributes::operator-=(const LDIF_Attribute& attribute)
 
 LDIF_Attributes& LDIF_Attributes::operator+=(const LDIF_Attributes& other)
 {
-    if (this == &other)
+    return this == &other ? *this : *this += LDIF_Attributes(other);
+}
+
+// First the attributes that are there take on what comes for them, then those that are new take their places.
+LDIF_Attributes& LDIF_Attributes::operator+=(LDIF_Attributes&& other)
+{
+    constexpr size_type shortList = 8;
+    if (other.size() < shortList || !isSorted() || !other.isSorted()) {
+        for (LDIF_Attribute& attribute : other)
+            *this += std::move(attribute);
         return *this;
-    for (const LDIF_Attribute& attribute : other)
-        *this += attribute;
+    }
+    auto present = begin();
+    for (LDIF_Attribute& attribute : other) {
+        present = std::find_if(present, end(), [&](const LDIF_Attribute& each) { return !(each < attribute); });
+        if (present != end() && *present == attribute)
+            *present += attribute;
+    }
+    const auto inPlace = static_cast<difference_type>(size());
+    insert(end(), std::make_move_iterator(other.begin()), std::make_move_iterator(other.end()));
+    std::inplace_merge(begin(), begin() + inPlace, end());
+    erase(std::unique(begin(), end()), end());
     return *this;
 }
 

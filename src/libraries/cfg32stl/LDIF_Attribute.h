@@ -2,10 +2,12 @@
 #ifndef LDIF_ATTRIBUTE_H
 #define LDIF_ATTRIBUTE_H
 
+#include "LDIF_Aid.h"
 #include "LDIF_Comment.h"
 #include "LDIF_Values.h"
 #include "cisString.h"
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -61,13 +63,17 @@ public:
     // Removes the attribute of the same name, if there is one.
     LDIF_Attributes& operator-=(const LDIF_Attribute& attribute);
     LDIF_Attributes& operator+=(const LDIF_Attributes& other);
+    LDIF_Attributes& operator+=(LDIF_Attributes&& other);
 
     // The attribute of that name, or the end: data() + size().
     LDIF_Attribute* find(const cisString& name);
     const LDIF_Attribute* find(const cisString& name) const { return const_cast<LDIF_Attributes*>(this)->find(name); }
 
 private:
+    bool isSorted() const;
     iterator placeOf(const std::string& name);
+
+    mutable LDIF_Aid<std::size_t> sortedUnder;  // the folding of the locale; 0 where it is not known
 };
 
 #endif

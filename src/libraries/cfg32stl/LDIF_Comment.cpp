@@ -1,6 +1,9 @@
 #include "LDIF_Comment.h"
 
+#include <algorithm>
+#include <iterator>
 #include <ostream>
+#include <utility>
 
 std::string LDIF_Comment::str() const
 {
@@ -26,9 +29,22 @@ LDIF_Comment& LDIF_Comment::operator+=(const LDIF_Line& line)
 
 LDIF_Comment& LDIF_Comment::operator+=(const LDIF_Comment& other)
 {
-    lines.reserve(lines.size() + other.lines.size());  // other may be this one
-    lines.insert(lines.end(), other.lines.begin(), other.lines.end());
+    return *this += LDIF_Comment(other);
+}
+
+LDIF_Comment& LDIF_Comment::operator+=(LDIF_Comment&& other)
+{
+    makeRoom(other.lines.size());
+    std::move(other.lines.begin(), other.lines.end(), std::back_inserter(lines));
+    other.clear();
     return *this;
+}
+
+// At least doubles, so that many small additions stay cheap.
+void LDIF_Comment::makeRoom(std::size_t count)
+{
+    if (lines.capacity() - lines.size() < count)
+        lines.reserve(lines.size() + std::max(lines.size(), count));
 }
 
 LDIF_Comment& LDIF_Comment::clear()

@@ -4,6 +4,7 @@
 
 #include "LDIF_Line.h"
 
+#include <cstddef>
 #include <iosfwd>
 #include <string>
 #include <vector>
@@ -20,6 +21,9 @@ public:
     // Adds a comment or blank line; any other is ignored.
     LDIF_Comment& operator+=(const LDIF_Line& line);
     LDIF_Comment& operator+=(const LDIF_Comment& other);
+    LDIF_Comment& operator+=(LDIF_Comment&& other);
+    // Makes room for that many more lines, so that adding them cannot fail.
+    void makeRoom(std::size_t count);
     LDIF_Comment& clear();
 };
 
