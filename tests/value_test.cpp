@@ -193,6 +193,7 @@ TEST(Values, HoldNoTwoThatAreEqual)
         for (const std::string& text : texts)
             list += text;
         EXPECT_EQ(((copy = list = std::as_const(list)) += list).str(), expected);
+        EXPECT_EQ((copy += LDIF_Values(list)).str(), expected);
         EXPECT_EQ(((list -= texts[0]) -= texts[0]).str(), expected.substr(expected.find('\n') + 1));
     }
     EXPECT_TRUE(slapdValue("Version", "").compare("a") == -1 && slapdValue("Version", "a").compare("") == 1);
@@ -208,6 +209,8 @@ TEST(Values, StayAsTheyWereBeforeTheFailure)
     EXPECT_EQ(add("01"), "version: 1\n");
     EXPECT_EQ(outcomeOf([&] { return (list -= "9").str(); }), range + "[3]");
     EXPECT_EQ(add((others += "1") += "9"), range + "[4]");
+    EXPECT_EQ(outcomeOf([&] { return (list += LDIF_Values(others)).str(); }), range + "[4]");
+    EXPECT_EQ(list.str(), "version: 1\n");
     others.attrType = list.attrType;
     EXPECT_EQ(outcomeOf([&] { return (list = others).str(); }), range + "[5]");
     EXPECT_EQ(list.str(), "cn: 1\n");
@@ -291,6 +294,21 @@ TEST(Attributes, AreMergedAsOneByOne)
         EXPECT_EQ((merged += other).str(), oneByOne.str()) << size;
         EXPECT_EQ((merged += merged).str(), oneByOne.str()) << size;
     }
+}
+
+TEST(Values, MoveInAsTheyAre)
+{
+    LDIF_Values list("zeb-slapdAdminPW"), others("zeb-slapdAdminPW");
+    list += "a";
+    (others += "a") += "b";
+    const std::string kept = list[0].str(), moved = others[1].str();
+    list += std::move(others);
+    EXPECT_EQ(list.str(), "zeb-slapdAdminPW: " + kept + "\nzeb-slapdAdminPW: " + moved + '\n');
+    LDIF_Values undecodable("zeb-slapdAdminPW");
+    undecodable += ">x<";
+    const auto failure = failureOf([&] { list += std::move(undecodable); });
+    EXPECT_EQ(failure->msg + failure->value, "_pwcodec_decode_buffer( right );>x<");
+    EXPECT_EQ(list.size(), 2U);
 }
 
 TEST(Password, IsComparedInClearAndDecodedOnlyAsItWasEncoded)

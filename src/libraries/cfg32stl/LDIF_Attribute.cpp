@@ -45,6 +45,15 @@ LDIF_Attribute& LDIF_Attribute::operator+=(const LDIF_Attribute& other)
     return *this;
 }
 
+LDIF_Attribute& LDIF_Attribute::operator+=(LDIF_Attribute&& other)
+{
+    if (*this == other) {
+        comment += std::move(other.comment);
+        values += std::move(other.values);
+    }
+    return *this;
+}
+
 LDIF_Attribute& LDIF_Attribute::operator+=(const LDIF_Comment& lines)
 {
     comment += lines;
@@ -110,7 +119,7 @@ LDIF_Attributes& LDIF_Attributes::operator+=(LDIF_Attribute&& attribute)
 {
     const auto place = placeOf(attribute.name);
     if (place != end() && *place == attribute)
-        *place += attribute;
+        *place += std::move(attribute);
     else
         insert(place, std::move(attribute));
     return *this;
@@ -153,7 +162,7 @@ LDIF_Attributes& LDIF_Attributes::operator+=(LDIF_Attributes&& other)
     for (LDIF_Attribute& attribute : other) {
         present = std::find_if(present, end(), [&](const LDIF_Attribute& each) { return !(each < attribute); });
         if (present != end() && *present == attribute)
-            *present += attribute;
+            *present += std::move(attribute);
     }
     const auto inPlace = static_cast<difference_type>(size());
     insert(end(), std::make_move_iterator(other.begin()), std::make_move_iterator(other.end()));

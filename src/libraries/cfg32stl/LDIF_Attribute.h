@@ -40,6 +40,7 @@ public:
 
     // Adds comment and values of an attribute of the same name; any other is ignored.
     LDIF_Attribute& operator+=(const LDIF_Attribute& other);
+    LDIF_Attribute& operator+=(LDIF_Attribute&& other);
     LDIF_Attribute& operator+=(const LDIF_Comment& lines);
     // Throws LDIF_Exception for a value that the syntax refuses.
     LDIF_Attribute& operator+=(const std::string& value);
@@ -54,7 +55,8 @@ public:
     std::string str() const;
     void appendTo(std::string& out) const;
 
-    // Adds an attribute in its place, or its comment and values to the one that has its name.
+    // Adds an attribute in its place, or its comment and values to the one that has its name. What is moved in is not
+    // validated again; after a failure the list holds what came before the value that failed.
     LDIF_Attributes& operator+=(const LDIF_Attribute& attribute);
     LDIF_Attributes& operator+=(LDIF_Attribute&& attribute);
     // Adds the value of a line of type attribute, and moves the lines that stand before it to the attribute's comment.

@@ -70,13 +70,17 @@ void LDIF_Values::appendTo(std::string& out) const
 LDIF_Values& LDIF_Values::operator+=(const std::string& text)
 {
     try {
-        LDIF_Value value(attrType, text);
-        if (empty() || findEqual(value) == data() + size())
-            push_back(std::move(value));
+        addNew(LDIF_Value(attrType, text));
         return *this;
     } catch (...) {
         wrapAndThrow("System error in LDIF_Values::operator +=", fieldsOf(*this, text));
     }
+}
+
+void LDIF_Values::addNew(LDIF_Value&& value)
+{
+    if (!contains(value))
+        push_back(std::move(value));
 }
 
 LDIF_Values& LDIF_Values::operator+=(const LDIF_Value& value)
@@ -98,6 +102,31 @@ LDIF_Values& LDIF_Values::operator+=(const LDIF_Values& other)
         return *this;
     } catch (...) {
         wrapAndThrow("System error in LDIF_Values::operator +=", fieldsOf(*this, other));
+    }
+}
+
+LDIF_Values& LDIF_Values::operator+=(LDIF_Values&& other)
+{
+    try {
+        for (LDIF_Value& value : other)
+            takeOver(std::move(value));
+        return *this;
+    } catch (...) {
+        wrapAndThrow("System error in LDIF_Values::operator +=", fieldsOf(*this, other));
+    }
+}
+
+// The value of another type is validated through its text.
+void LDIF_Values::takeOver(LDIF_Value&& value)
+{
+    if (value.attrType != attrType) {
+        *this += value.str();
+        return;
+    }
+    try {
+        addNew(std::move(value));
+    } catch (...) {
+        wrapAndThrow("System error in LDIF_Values::operator +=", fieldsOf(*this, value.str()));
     }
 }
 

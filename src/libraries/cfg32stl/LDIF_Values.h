@@ -35,6 +35,8 @@ public:
     LDIF_Values& operator+=(const LDIF_Value& value);
     // Adds all values of other. After a failure those before the failing one are in the list.
     LDIF_Values& operator+=(const LDIF_Values& other);
+    // The same, but values of this list's type move in as they are. What is left of other is no list any more.
+    LDIF_Values& operator+=(LDIF_Values&& other);
     // Removes the value equal to text, if there is one. An empty list takes any text.
     LDIF_Values& operator-=(const std::string& text);
     // Removes the values equal to these texts, one after the other up to the one that leaves nothing, but moves the
@@ -54,6 +56,8 @@ private:
         std::size_t folding = 0;  // of the locale under which the hashes were made
     };
 
+    void addNew(LDIF_Value&& value);
+    void takeOver(LDIF_Value&& value);
     void removeMarked(const std::vector<bool>& isGone) noexcept;
     const LDIF_Value* findEqual(const LDIF_Value& value) const;
     const LDIF_HashIndex& indexed(const LDIF_Value& value) const;
