@@ -17,18 +17,19 @@ const char* registryRoot() noexcept
 // What the page says that a value of this type is.
 static std::string valueOf(const _AttrType& type)
 {
+    const LDIF_Syntax* const family = &syntaxOf(type);
     std::ostringstream text;
-    if (type.fromStr == enumFromStr) {
+    if (family == &syntax::enumerated) {
         for (const char* const* word = type.enumValues; *word != nullptr; ++word)
             text << (word == type.enumValues ? "" : "|") << *word;
-    } else if (type.fromStr == maskFromStr) {
+    } else if (family == &syntax::mask) {
         text << "bits of 0x" << std::hex << std::uppercase << type.bitmask;
-    } else if (type.fromStr == intFromStr) {
+    } else if (family == &syntax::integer) {
         text << type.minimum << " to " << type.maximum;
-    } else if (type.fromStr == dnFromStr) {
+    } else if (family == &syntax::dn) {
         text << "DN";
     } else {
-        text << (type.fromStr == pwFromStr ? "password" : type.match == cisCompare ? "caseless text" : "text");
+        text << (family == &syntax::pw ? "password" : family == &syntax::cis ? "caseless text" : "text");
         if (type.maximum != 0)
             text << (type.minimum != 0 ? ", " + std::to_string(type.minimum) + " to " : ", at most ") << type.maximum
                  << " bytes";

@@ -29,7 +29,7 @@ TEST(AttrTypes, AreFoundByNameInAnyCase)
 {
     const _AttrType* const otherwise = getAttrType(nullptr);
     EXPECT_EQ(otherwise - _attrMapArray, 115);
-    EXPECT_TRUE(otherwise->fromStr == cesFromStr && !otherwise->isSingle && otherwise->maximum == 0);
+    EXPECT_TRUE(&syntaxOf(*otherwise) == &syntax::ces && !otherwise->isSingle && otherwise->maximum == 0);
     for (const _AttrType* type = _attrMapArray; type != otherwise; ++type) {
         std::string name = type->name;
         EXPECT_EQ(getAttrType(name.c_str()), type);
@@ -249,6 +249,19 @@ TEST(Values, FindTheSameInLongListsAsOneByOne)
                   }));
         EXPECT_EQ(atOnce.str(), list.str());
     }
+}
+
+TEST(Values, KnowNoShortCutForATypeMadeByHand)
+{
+    _AttrType type = *getAttrType("cn");
+    type.match = [](const LDIF_Value& left, const LDIF_Value& right) {
+        return static_cast<int>(left.str().size()) - static_cast<int>(right.str().size());
+    };
+    LDIF_Values list("cn");
+    list.attrType = &type;
+    for (int number = 0; number < 100; ++number)
+        list += std::string(static_cast<std::size_t>(number % 50), number < 50 ? 'a' : 'b');
+    EXPECT_EQ(list.size(), 50U);
 }
 
 // A value that cannot be decoded fails what looks behind it, and nothing else.

@@ -87,7 +87,7 @@ bool isStrangeInHead(const LDIF_Attribute& attribute)
 // A clear password gets another form each time.
 bool hasPassword(const LDIF_Attribute& attribute)
 {
-    return attribute.values.attrType->match == pwCompare;
+    return &syntaxOf(*attribute.values.attrType) == &syntax::pw;
 }
 
 // Checks that a text which has lost a piece is the same whether it is loaded or reloaded.

@@ -1,4 +1,4 @@
-// The value syntaxes. Each is a family of five functions; most families take over those of another.
+// The value syntaxes. Each is a family of functions; most families take over those of another.
 //
 // Every value holds its stringValue; an integer holds binaryValue beside it, and a DN dnValue. A text that is refused
 // is an LDIF_Exception with value and attrType.
@@ -20,9 +20,11 @@ void cesFromStr(LDIF_Value& value, const std::string& text);
 void cesFromBin(LDIF_Value& value, const void* data, int length);
 std::string cesToStr(const LDIF_Value& value);
 void* cesToBin(const LDIF_Value& value, int& length);
+std::optional<std::size_t> cesHash(const LDIF_Value& value);
 
 // Text compared without regard to case.
 int cisCompare(const LDIF_Value& left, const LDIF_Value& right);
+std::optional<std::size_t> cisHash(const LDIF_Value& value);
 
 // One of the enumValues of its type, without regard to case.
 void enumFromStr(LDIF_Value& value, const std::string& text);
@@ -40,6 +42,7 @@ void maskFromBin(LDIF_Value& value, const void* data, int length);
 int dnCompare(const LDIF_Value& left, const LDIF_Value& right);
 void dnFromStr(LDIF_Value& value, const std::string& text);
 void dnFromBin(LDIF_Value& value, const void* data, int length);
+std::optional<std::size_t> dnHash(const LDIF_Value& value);
 
 // A password, kept encoded: a text framed by ">" and "<" is taken as encoded already. The limits are those of the clear
 // text. Two passwords are compared decoded.
@@ -53,42 +56,50 @@ std::optional<std::size_t> pwHash(const LDIF_Value& value);
 [[noreturn]] void StringSyntaxNotImplemented(const char* syntax, const _AttrType* attrType, const std::string& value,
                                              SourcePos pos = SourcePos::here());
 
-// The five functions of a family, as a row of the attribute type table takes them over.
+// A syntax: the five functions of its family, as a row of the attribute type table takes them over, and a sixth.
 struct LDIF_Syntax {
+    const char* name;
     decltype(_AttrType::match) compare;
     decltype(_AttrType::fromStr) fromStr;
     decltype(_AttrType::fromBin) fromBin;
     decltype(_AttrType::toStr) toStr;
     decltype(_AttrType::toBin) toBin;
+    // Equal values have equal hashes. None for a value that can only be compared: a password that the codec cannot
+    // decode, a DN without its parsed form. Null where that holds for all values.
+    std::optional<std::size_t> (*hash)(const LDIF_Value& value);
+    bool foldsCase;  // and so gives other hashes where the locale folds case otherwise
 };
 
 namespace syntax {
 
-constexpr LDIF_Syntax ces = {cesCompare, cesFromStr, cesFromBin, cesToStr, cesToBin};
-constexpr LDIF_Syntax cis = {cisCompare, ces.fromStr, ces.fromBin, ces.toStr, ces.toBin};
-constexpr LDIF_Syntax enumerated = {cis.compare, enumFromStr, cis.fromBin, cis.toStr, cis.toBin};
-constexpr LDIF_Syntax integer = {intCompare, intFromStr, intFromBin, ces.toStr, ces.toBin};
-constexpr LDIF_Syntax mask = {integer.compare, maskFromStr, maskFromBin, integer.toStr, integer.toBin};
-constexpr LDIF_Syntax dn = {dnCompare, dnFromStr, dnFromBin, cis.toStr, cis.toBin};
-constexpr LDIF_Syntax pw = {pwCompare, pwFromStr, ces.fromBin, ces.toStr, ces.toBin};
+inline constexpr LDIF_Syntax ces = {"ces", cesCompare, cesFromStr, cesFromBin, cesToStr, cesToBin, cesHash, false};
+inline constexpr LDIF_Syntax cis = {"cis", cisCompare, ces.fromStr, ces.fromBin, ces.toStr, ces.toBin, cisHash, true};
+inline constexpr LDIF_Syntax enumerated = {"enum",    cis.compare, enumFromStr, cis.fromBin,
+                                           cis.toStr, cis.toBin,   cis.hash,    true};
+inline constexpr LDIF_Syntax integer = {"int",     intCompare, intFromStr, intFromBin,
+                                        ces.toStr, ces.toBin,  ces.hash,   false};
+inline constexpr LDIF_Syntax mask = {"mask",        integer.compare, maskFromStr,  maskFromBin,
+                                     integer.toStr, integer.toBin,   integer.hash, false};
+inline constexpr LDIF_Syntax dn = {"dn", dnCompare, dnFromStr, dnFromBin, cis.toStr, cis.toBin, dnHash, true};
+inline constexpr LDIF_Syntax pw = {"pw", pwCompare, pwFromStr, ces.fromBin, ces.toStr, ces.toBin, pwHash, false};
 
 // Texts under another name: no character of them is looked at.
-constexpr LDIF_Syntax oid = cis;
-constexpr LDIF_Syntax dc = cis;
-constexpr LDIF_Syntax url = cis;
-constexpr LDIF_Syntax krbdn = cis;
-constexpr LDIF_Syntax env = cis;
-constexpr LDIF_Syntax path = ces;
-constexpr LDIF_Syntax file = ces;
-constexpr LDIF_Syntax plugin = ces;
+inline constexpr const LDIF_Syntax& oid = cis;
+inline constexpr const LDIF_Syntax& dc = cis;
+inline constexpr const LDIF_Syntax& url = cis;
+inline constexpr const LDIF_Syntax& krbdn = cis;
+inline constexpr const LDIF_Syntax& env = cis;
+inline constexpr const LDIF_Syntax& path = ces;
+inline constexpr const LDIF_Syntax& file = ces;
+inline constexpr const LDIF_Syntax& plugin = ces;
+
+// That of a type made by hand from other functions, which are known to the type alone.
+inline constexpr LDIF_Syntax foreign = {"foreign", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, false};
 
 }  // namespace syntax
 
-// Whether the comparison ignores case, so that equal values have equal hashes only under one folding of the locale.
-bool foldsCase(const LDIF_Value& value) noexcept;
-// Values that compare equal have equal hashes. None for a password that the codec cannot decode, and for other values
-// that can only be compared.
-std::optional<std::size_t> hashOf(const LDIF_Value& value);
+// The syntax of a type: one of those above, so that their addresses tell them apart.
+const LDIF_Syntax& syntaxOf(const _AttrType& type) noexcept;
 
 // A failure of a syntax: the codes, the text, and the value and type at fault.
 LDIF_Exception syntaxFailure(int ldapErr, int extErr, const std::string& text, const std::string& value,

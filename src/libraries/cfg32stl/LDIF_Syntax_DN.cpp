@@ -61,3 +61,8 @@ void dnFromBin(LDIF_Value& value, const void* data, int length)
         throwWrapped(value.str(), value.attrType);
     }
 }
+
+std::optional<std::size_t> dnHash(const LDIF_Value& value)
+{
+    return value.dnValue != nullptr ? std::optional(value.dnValue->hash()) : std::nullopt;
+}

@@ -1,5 +1,6 @@
 #include "LDIF_Syntax.h"
 
+#include "LDIF_HashIndex.h"
 #include "LDIF_Util.h"
 #include "LDIF_Value.h"
 #include "platform.h"
@@ -70,7 +71,7 @@ void cesFromStr(LDIF_Value& value, const std::string& text)
 void cesFromBin(LDIF_Value& value, const void* data, int length)
 {
     if (data != nullptr && length >= 1)
-        BinarySyntaxNotImplemented("ces", value.attrType, "<binary>");
+        BinarySyntaxNotImplemented(syntax::ces.name, value.attrType, "<binary>");
 }
 
 std::string cesToStr(const LDIF_Value& value)
@@ -82,8 +83,13 @@ void* cesToBin(const LDIF_Value& value, int& length)
 {
     length = static_cast<int>(value.binaryLength);
     if (value.binaryValue == nullptr)
-        BinarySyntaxNotImplemented("ces", value.attrType, value.str());
+        BinarySyntaxNotImplemented(syntax::ces.name, value.attrType, value.str());
     return value.binaryValue.get();
+}
+
+std::optional<std::size_t> cesHash(const LDIF_Value& value)
+{
+    return exactHash(0, value.stringValue);
 }
 
 int cisCompare(const LDIF_Value& left, const LDIF_Value& right)
@@ -95,4 +101,9 @@ int cisCompare(const LDIF_Value& left, const LDIF_Value& right)
     if (leftText.empty() || rightText.empty())
         return static_cast<int>(!leftText.empty()) - static_cast<int>(!rightText.empty());
     return _stricmp(leftText.c_str(), rightText.c_str());
+}
+
+std::optional<std::size_t> cisHash(const LDIF_Value& value)
+{
+    return foldedHash(0, value.stringValue);
 }

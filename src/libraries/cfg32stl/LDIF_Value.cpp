@@ -127,7 +127,8 @@ std::string LDIF_Value::str() const
 
 const std::string& LDIF_Value::text(std::string& buffer) const
 {
-    return attrType != nullptr && attrType->toStr == cesToStr ? stringValue : buffer = str();
+    const bool isHere = attrType != nullptr && &syntaxOf(*attrType) != &syntax::foreign;
+    return isHere ? stringValue : buffer = str();
 }
 
 int LDIF_Value::compare(const LDIF_Value& other) const
@@ -146,8 +147,7 @@ int LDIF_Value::compare(const std::string& text) const
 
 bool LDIF_Value::equals(const LDIF_Value& other) const
 {
-    if (attrType == other.attrType && attrType != nullptr && attrType->match == cesCompare &&
-        attrType->toStr == cesToStr)
+    if (attrType == other.attrType && attrType != nullptr && &syntaxOf(*attrType) == &syntax::ces)
         return stringValue == other.stringValue;
     return compare(other) == 0;
 }

@@ -196,10 +196,11 @@ LDIF_Value* LDIF_Values::find(const std::string& text)
 const LDIF_Value* LDIF_Values::findEqual(const LDIF_Value& value) const
 {
     constexpr size_type longList = 32;
-    const auto hash = size() >= longList ? hashOf(value) : std::nullopt;
+    const LDIF_Syntax& family = syntaxOf(*value.attrType);
+    const auto hash = size() >= longList && family.hash != nullptr ? family.hash(value) : std::nullopt;
     size_type start = 0;  // those before it are not equal
     if (hash.has_value()) {
-        const LDIF_HashIndex& positions = indexed(value);
+        const LDIF_HashIndex& positions = indexed(family);
         const auto found = positions.find(*hash, [&](std::size_t at) { return (*this)[at].equals(value); });
         if (found != LDIF_HashIndex::npos)
             return data() + found;
@@ -209,15 +210,15 @@ const LDIF_Value* LDIF_Values::findEqual(const LDIF_Value& value) const
 }
 
 // The values from the front up to one that has no hash. Those that have come since the last call are taken in.
-const LDIF_HashIndex& LDIF_Values::indexed(const LDIF_Value& value) const
+const LDIF_HashIndex& LDIF_Values::indexed(const LDIF_Syntax& family) const
 {
-    const std::size_t folding = foldsCase(value) ? caseFolding() : 0;
+    const std::size_t folding = family.foldsCase ? caseFolding() : 0;
     if (*index == nullptr || (*index)->folding != folding)
         *index = std::make_unique<Index>();
     (*index)->folding = folding;
     LDIF_HashIndex& positions = (*index)->positions;
     while (positions.size() < size()) {
-        const auto hash = hashOf((*this)[positions.size()]);
+        const auto hash = family.hash((*this)[positions.size()]);
         if (!hash.has_value())
             break;
         positions.add(*hash, positions.size());

@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+struct LDIF_Syntax;
+
 // The values of one attribute in the order in which they came, no two equal under the attribute's syntax. Values go in
 // and out by the operators only. Where an operation refuses a text, it throws LDIF_Exception with attrType and value.
 class LDIF_Values : public std::vector<LDIF_Value> {
@@ -60,7 +62,7 @@ private:
     void takeOver(LDIF_Value&& value);
     void removeMarked(const std::vector<bool>& isGone) noexcept;
     const LDIF_Value* findEqual(const LDIF_Value& value) const;
-    const LDIF_HashIndex& indexed(const LDIF_Value& value) const;
+    const LDIF_HashIndex& indexed(const LDIF_Syntax& family) const;
 
     mutable LDIF_Aid<std::unique_ptr<Index>> index;
 };

@@ -1,6 +1,6 @@
 #include "cfg.h"
 
-#include "LDIF_AttrType.h"
+#include "LDIF_Syntax.h"
 #include "LDIF_Util.h"
 #include "PasswordCodec.h"
 
@@ -46,19 +46,11 @@ private:
     const int type;
 };
 
-// All password attributes, and no other, have this function.
-decltype(_AttrType::match) matchOfPasswords()
-{
-    static const _AttrType* const type = getAttrType("zeb-slapdAdminPW");
-    return type->match;
-}
-
 // Turns the entries that a search has found into the records of a result.
 class ChainBuilder {
 public:
     ChainBuilder(const LDIF_File& file, const LDIF_AttrFilter& wanted)
-        : selection(wanted), isDecoding(file.getAuthentication() != LDIF_File::noAccess),
-          passwordMatch(matchOfPasswords())
+        : selection(wanted), isDecoding(file.getAuthentication() != LDIF_File::noAccess)
     {}
 
     Chain build(const std::vector<const LDIF_Entry*>& found) const
@@ -92,7 +84,7 @@ private:
     void addValues(CFGMessage& parent, const LDIF_Entry& entry, const LDIF_Attribute& attribute) const
     {
         const _AttrType* const type = attribute.values.attrType;
-        const bool isPassword = isDecoding && type != nullptr && type->match == passwordMatch;
+        const bool isPassword = isDecoding && type != nullptr && &syntaxOf(*type) == &syntax::pw;
         RecordList list(parent.child, CFG_MSG_VALUE);
         std::string buffer;
         for (const LDIF_Value& value : attribute.values) {
@@ -118,7 +110,6 @@ private:
 
     const LDIF_AttrFilter& selection;
     const bool isDecoding;
-    const decltype(_AttrType::match) passwordMatch;
 };
 
 // Whatever but an LDIF_Exception happens while the chain is built counts as exhausted memory.

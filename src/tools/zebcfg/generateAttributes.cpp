@@ -8,26 +8,27 @@
 
 namespace {
 
-const char* syntaxOf(const _AttrType& type)
+// The name of a syntax in the tool.
+const char* nameOf(const LDIF_Syntax& family)
 {
-    if (type.fromStr == syntax::pw.fromStr)
+    if (&family == &syntax::pw)
         return "password";
-    if (type.fromStr == syntax::dn.fromStr)
+    if (&family == &syntax::dn)
         return "dn";
-    if (type.fromStr == syntax::mask.fromStr)
+    if (&family == &syntax::mask)
         return "bits";
-    if (type.fromStr == syntax::integer.fromStr)
+    if (&family == &syntax::integer)
         return "number";
-    if (type.fromStr == syntax::enumerated.fromStr)
+    if (&family == &syntax::enumerated)
         return "word";
     return "text";
 }
 
 void writeRow(std::ostream& out, const _AttrType& type)
 {
-    out << "{\"" << type.name << "\", Syntax::" << syntaxOf(type) << ", " << type.minimum << ", " << type.maximum
-        << ", " << type.bitmask << "U, " << (type.isSingle ? "true" : "false") << ", {";
-    const bool isEnforced = type.fromStr == syntax::enumerated.fromStr;
+    out << "{\"" << type.name << "\", Syntax::" << nameOf(syntaxOf(type)) << ", " << type.minimum << ", "
+        << type.maximum << ", " << type.bitmask << "U, " << (type.isSingle ? "true" : "false") << ", {";
+    const bool isEnforced = &syntaxOf(type) == &syntax::enumerated;
     for (const char* const* word = type.enumValues; isEnforced && *word != nullptr; ++word)
         out << '"' << *word << "\", ";
     out << "}},\n";
