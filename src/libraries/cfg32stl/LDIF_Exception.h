@@ -104,4 +104,13 @@ template <typename AddFields>
     throw failure;
 }
 
+// Gives what body gives, and wraps what it throws as wrapAndThrow does.
+template <typename AddFields, typename Body>
+decltype(auto) wrapping(const char* systemError, AddFields addFields, Body body, SourcePos pos = SourcePos::here())
+try {
+    return body();
+} catch (...) {
+    wrapAndThrow(systemError, addFields, pos);
+}
+
 #endif

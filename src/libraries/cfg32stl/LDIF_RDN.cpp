@@ -42,6 +42,21 @@ std::string nextByte(const LDIF_DnReader& reader)
     return reader.rest().substr(0, 1);
 }
 
+// Does body, and wraps what it throws: a system error shows the text that is being parsed.
+template <typename Text, typename Body>
+void parsing(const char* part, Text text, Body body, SourcePos pos = SourcePos::here())
+try {
+    body();
+} catch (...) {
+    wrapAndThrow((std::string("System error parsing ") + part + ": " + text()).c_str(), pos);
+}
+
+// The text from here on, when it is asked for.
+auto textFromHere(const LDIF_DnReader& reader)
+{
+    return [&reader, start = reader.position()] { return reader.rest(start); };
+}
+
 // What a message shows of a text that does not begin with an attribute name.
 std::string attributeExcerpt(const std::string& text)
 {
@@ -88,23 +103,17 @@ LDIF_RDN_attribute::LDIF_RDN_attribute(LDIF_DnReader& reader)
 
 LDIF_RDN_value::LDIF_RDN_value(cisString& input)
 {
-    try {
+    const auto text = [&] { return std::string(input); };
+    parsing("rdn value", text, [&] {
         LDIF_DnReader reader(input);
         read(reader);
         input = cisString(reader.rest());
-    } catch (...) {
-        wrapAndThrow(("System error parsing rdn value: " + input).c_str());
-    }
+    });
 }
 
 LDIF_RDN_value::LDIF_RDN_value(LDIF_DnReader& reader)
 {
-    const std::size_t start = reader.position();
-    try {
-        read(reader);
-    } catch (...) {
-        wrapAndThrow(("System error parsing rdn value: " + reader.rest(start)).c_str());
-    }
+    parsing("rdn value", textFromHere(reader), [&] { read(reader); });
 }
 
 // value = "#" hex / quote quoted / plain; nothing at all is an empty quoted value
@@ -252,12 +261,7 @@ LDIF_RDN_pair::LDIF_RDN_pair(LDIF_DnReader& reader)
 {
     if (reader.atEnd())
         throw dnFailure(CFG_ERR_DN_NO_ATTRIBUTE, "Missing RDN attribute");
-    const std::size_t start = reader.position();
-    try {
-        read(reader);
-    } catch (...) {
-        wrapAndThrow(("System error parsing rdn: " + reader.rest(start)).c_str());
-    }
+    parsing("rdn", textFromHere(reader), [&] { read(reader); });
 }
 
 // pair = attribute "=" value
@@ -298,12 +302,7 @@ LDIF_RDN::LDIF_RDN(LDIF_DnReader& reader)
 {
     if (reader.atEnd())
         throw dnFailure(CFG_ERR_DN_NO_ATTRIBUTE, "Missing RDN attribute");
-    const std::size_t start = reader.position();
-    try {
-        read(reader);
-    } catch (...) {
-        wrapAndThrow(("System error parsing rdn: " + reader.rest(start)).c_str());
-    }
+    parsing("rdn", textFromHere(reader), [&] { read(reader); });
 }
 
 // RDN = pair *( "+" pair ), followed by "," or ";" or the end

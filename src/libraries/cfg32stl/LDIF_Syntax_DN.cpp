@@ -8,9 +8,12 @@
 
 namespace {
 
-// Wraps an LDIF_Exception that is being handled, with the value and type at fault.
-[[noreturn]] void throwWrapped(const std::string& value, const _AttrType* attrType, SourcePos pos = SourcePos::here())
-{
+// Does body, and wraps an LDIF_Exception that it throws, with the value and type at fault.
+template <typename Body>
+void wrappingFailures(const std::string& value, const _AttrType* attrType, Body body, SourcePos pos = SourcePos::here())
+try {
+    body();
+} catch (const LDIF_Exception&) {
     const auto addFields = [&](LDIF_Exception& failure) {
         failure.value = value;
         failure.attrType = attrType;
@@ -24,11 +27,8 @@ const LDIF_DN& parsedDn(const LDIF_Value& value, LDIF_DN& buffer)
     if (value.dnValue != nullptr)
         return *value.dnValue;
     const std::string text = value.str();
-    try {
-        return buffer = cisString(text);
-    } catch (const LDIF_Exception&) {
-        throwWrapped(text, value.attrType);
-    }
+    wrappingFailures(text, value.attrType, [&] { buffer = cisString(text); });
+    return buffer;
 }
 
 }  // namespace
@@ -44,22 +44,18 @@ int dnCompare(const LDIF_Value& left, const LDIF_Value& right)
 
 void dnFromStr(LDIF_Value& value, const std::string& text)
 {
-    try {
+    wrappingFailures(text, value.attrType, [&] {
         value.dnValue = std::make_unique<LDIF_DN>(cisString(text));
         value.stringValue = compact(value.dnValue->str());
-    } catch (const LDIF_Exception&) {
-        throwWrapped(text, value.attrType);
-    }
+    });
 }
 
 void dnFromBin(LDIF_Value& value, const void* data, int length)
 {
-    try {
+    wrappingFailures(value.stringValue, value.attrType, [&] {
         syntax::cis.fromBin(value, data, length);
         dnFromStr(value, value.str());
-    } catch (const LDIF_Exception&) {
-        throwWrapped(value.str(), value.attrType);
-    }
+    });
 }
 
 std::optional<std::size_t> dnHash(const LDIF_Value& value)

@@ -81,14 +81,11 @@ LDIF_Value::LDIF_Value(const _AttrType* type, const std::string& text) : attrTyp
         failure.value = text;
         throw failure;
     }
-    try {
-        attrType->fromStr(*this, text);
-    } catch (...) {
-        wrapAndThrow("System error in LDIF_Value( string ) constructor", [&](LDIF_Exception& failure) {
-            addAttribute(failure, type);
-            failure.value = text;
-        });
-    }
+    const auto addFields = [&](LDIF_Exception& failure) {
+        addAttribute(failure, type);
+        failure.value = text;
+    };
+    wrapping("System error in LDIF_Value( string ) constructor", addFields, [&] { attrType->fromStr(*this, text); });
 }
 
 LDIF_Value::LDIF_Value(const _AttrType* type, const void* data, int length) : attrType(type)
@@ -98,12 +95,9 @@ LDIF_Value::LDIF_Value(const _AttrType* type, const void* data, int length) : at
         failure.value = "binary";
         throw failure;
     }
-    try {
-        attrType->fromBin(*this, data, length);
-    } catch (...) {
-        wrapAndThrow("System error in LDIF_Value( binary ) constructor",
-                     [&](LDIF_Exception& failure) { addAttribute(failure, type); });
-    }
+    const auto addFields = [&](LDIF_Exception& failure) { addAttribute(failure, type); };
+    wrapping("System error in LDIF_Value( binary ) constructor", addFields,
+             [&] { attrType->fromBin(*this, data, length); });
 }
 
 LDIF_Value::LDIF_Value(const LDIF_Value& other)

@@ -11,19 +11,27 @@
 
 namespace {
 
+constexpr char addition[] = "System error in LDIF_Values::operator +=";
+constexpr char removal[] = "System error in LDIF_Values::operator -=";
+
 // What a failed operator on a list knows: the list's type and the text of the value.
-auto fieldsOf(const LDIF_Values& list, const std::string& value)
+auto fieldsOf(const LDIF_Values& list, const std::string& text)
 {
-    return [&list, value](LDIF_Exception& failure) {
+    return [&](LDIF_Exception& failure) {
         failure.attrType = list.attrType;
-        failure.value = value;
+        failure.value = text;
     };
+}
+
+auto fieldsOf(const LDIF_Values& list, const LDIF_Value& value)
+{
+    return [&](LDIF_Exception& failure) { fieldsOf(list, value.str())(failure); };
 }
 
 // The same for a whole list of values: a system error names the first of them.
 auto fieldsOf(const LDIF_Values& list, const LDIF_Values& values)
 {
-    return [&list, &values](LDIF_Exception& failure) {
+    return [&](LDIF_Exception& failure) {
         failure.attrType = list.attrType;
         if (failure.nested == nullptr && !values.empty())
             failure.value = values.front().str();
@@ -40,16 +48,14 @@ LDIF_Values& LDIF_Values::operator=(const LDIF_Values& other)
 {
     if (this == &other)
         return *this;
-    try {
+    wrapping("System error in LDIF_Values::operator =", fieldsOf(*this, other), [&] {
         clear();
         index->reset();
         attrName = other.attrName;
         attrType = other.attrType;
         *this += other;
-        return *this;
-    } catch (...) {
-        wrapAndThrow("System error in LDIF_Values::operator =", fieldsOf(*this, other));
-    }
+    });
+    return *this;
 }
 
 std::string LDIF_Values::str() const
@@ -69,12 +75,8 @@ void LDIF_Values::appendTo(std::string& out) const
 
 LDIF_Values& LDIF_Values::operator+=(const std::string& text)
 {
-    try {
-        addNew(LDIF_Value(attrType, text));
-        return *this;
-    } catch (...) {
-        wrapAndThrow("System error in LDIF_Values::operator +=", fieldsOf(*this, text));
-    }
+    wrapping(addition, fieldsOf(*this, text), [&] { addNew(LDIF_Value(attrType, text)); });
+    return *this;
 }
 
 void LDIF_Values::addNew(LDIF_Value&& value)
@@ -85,64 +87,50 @@ void LDIF_Values::addNew(LDIF_Value&& value)
 
 LDIF_Values& LDIF_Values::operator+=(const LDIF_Value& value)
 {
-    try {
-        return *this += value.str();
-    } catch (...) {
-        wrapAndThrow("System error in LDIF_Values::operator +=", fieldsOf(*this, value.str()));
-    }
+    wrapping(addition, fieldsOf(*this, value), [&] { *this += value.str(); });
+    return *this;
 }
 
 LDIF_Values& LDIF_Values::operator+=(const LDIF_Values& other)
 {
     if (this == &other)
         return *this;
-    try {
+    wrapping(addition, fieldsOf(*this, other), [&] {
         for (const LDIF_Value& value : other)
             *this += value.str();
-        return *this;
-    } catch (...) {
-        wrapAndThrow("System error in LDIF_Values::operator +=", fieldsOf(*this, other));
-    }
+    });
+    return *this;
 }
 
 LDIF_Values& LDIF_Values::operator+=(LDIF_Values&& other)
 {
-    try {
+    wrapping(addition, fieldsOf(*this, other), [&] {
         for (LDIF_Value& value : other)
             takeOver(std::move(value));
-        return *this;
-    } catch (...) {
-        wrapAndThrow("System error in LDIF_Values::operator +=", fieldsOf(*this, other));
-    }
+    });
+    return *this;
 }
 
-// The value of another type is validated through its text.
+// A value of another type is validated through its text.
 void LDIF_Values::takeOver(LDIF_Value&& value)
 {
-    if (value.attrType != attrType) {
+    if (value.attrType == attrType)
+        wrapping(addition, fieldsOf(*this, value), [&] { addNew(std::move(value)); });
+    else
         *this += value.str();
-        return;
-    }
-    try {
-        addNew(std::move(value));
-    } catch (...) {
-        wrapAndThrow("System error in LDIF_Values::operator +=", fieldsOf(*this, value.str()));
-    }
 }
 
 LDIF_Values& LDIF_Values::operator-=(const std::string& text)
 {
-    try {
+    wrapping(removal, fieldsOf(*this, text), [&] {
         const auto found = find(text) - data();
-        if (static_cast<size_type>(found) < size()) {
-            if (*index != nullptr && static_cast<size_type>(found) < (*index)->positions.size())
-                (*index)->positions.erase(static_cast<size_type>(found));
-            erase(begin() + found);
-        }
-        return *this;
-    } catch (...) {
-        wrapAndThrow("System error in LDIF_Values::operator -=", fieldsOf(*this, text));
-    }
+        if (static_cast<size_type>(found) == size())
+            return;
+        if (*index != nullptr && static_cast<size_type>(found) < (*index)->positions.size())
+            (*index)->positions.erase(static_cast<size_type>(found));
+        erase(begin() + found);
+    });
+    return *this;
 }
 
 LDIF_Values& LDIF_Values::operator-=(const std::vector<std::string>& texts)
@@ -160,7 +148,7 @@ LDIF_Values& LDIF_Values::operator-=(const std::vector<std::string>& texts)
             --left;
         } catch (...) {
             removeMarked(isGone);
-            wrapAndThrow("System error in LDIF_Values::operator -=", fieldsOf(*this, *text));
+            wrapAndThrow(removal, fieldsOf(*this, *text));
         }
     }
     removeMarked(isGone);
