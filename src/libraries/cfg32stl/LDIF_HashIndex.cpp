@@ -22,23 +22,21 @@ struct Key {
     std::uint64_t end;
 };
 
-template <typename Draw>
-Key drawKey(Draw draw)
-{
-    return {draw(), draw() | 1, draw() | 1};
+// A system without random numbers leaves the time and the place of the process.
+std::uint64_t drawSeed() noexcept
+try {
+    std::random_device device;
+    return std::uint64_t{device()} << 32U | device();
+} catch (const std::exception&) {
+    const auto now = static_cast<std::uint64_t>(std::chrono::system_clock::now().time_since_epoch().count());
+    return now ^ reinterpret_cast<std::uintptr_t>(&now);
 }
 
-// A system without random numbers leaves the time and the place of the process.
 const Key& key() noexcept
 {
     static const Key drawn = [] {
-        try {
-            std::random_device device;
-            return drawKey([&] { return std::uint64_t{device()} << 32 | device(); });
-        } catch (const std::exception&) {
-            const auto now = static_cast<std::uint64_t>(std::chrono::system_clock::now().time_since_epoch().count());
-            return drawKey(std::mt19937_64(now ^ reinterpret_cast<std::uintptr_t>(&now)));
-        }
+        std::mt19937_64 draw(drawSeed());
+        return Key{draw(), draw() | 1, draw() | 1};
     }();
     return drawn;
 }
