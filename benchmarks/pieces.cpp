@@ -4,11 +4,12 @@
 #include "LDIF_AttrType.h"
 #include "LDIF_Attribute.h"
 #include "LDIF_DN.h"
-#include "LDIF_Entry.h"
+#include "LDIF_EntryReader.h"
 #include "LDIF_Line.h"
 #include "LDIF_LineSource.h"
 #include "LDIF_Loader.h"
 #include "LDIF_Search.h"
+#include "LDIF_Tree.h"
 #include "LDIF_Value.h"
 
 #include <benchmark/benchmark.h>
@@ -43,7 +44,7 @@ LDIF_DN parsed(const std::string& text)
 void readLines(benchmark::State& state)
 {
     for (auto _ : state) {
-        LDIF_TextSource in{std::string(input().text)};
+        LDIF_TextSource in(input().text);
         LDIF_Line line;
         int last = 0;
         do
@@ -144,55 +145,61 @@ BENCHMARK(insertAttributes)->Arg(1)->Arg(0);
 
 // --- Entries ----------------------------------------------------------------------------------------------------
 
-// An entry with that many children, and the DNs of these.
+// A tree of that many leaves below one parent, and their DNs.
 struct Family {
-    LDIF_Entry parent{parsed(suffixDn)};
-    std::vector<LDIF_DN> children;
+    LDIF_Tree tree;
+    std::vector<LDIF_DN> leaves;
 };
 
-Family makeFamily(std::size_t size)
+Family loaded(const Request& request)
 {
-    Family family;
-    generateEntries({Shape::flat, size}, [&](const GeneratedEntry& entry) {
-        if (!entry.isLeaf)
-            return;
-        family.children.push_back(parsed(entry.dn));
-        family.parent.place(LDIF_Entry(family.children.back()));
-    });
+    const Input made = generateInput(request);
+    TextBuffer text(made.text.size());
+    std::copy(made.text.begin(), made.text.end(), text.data());
+    Family family{LDIF_Tree(std::move(text), made.text.size()), {}};
+    LDIF_Comment waiting;
+    LDIF_Loader(family.tree, waiting).load();
+    std::transform(made.leaves.begin(), made.leaves.end(), std::back_inserter(family.leaves), parsed);
     return family;
 }
 
-// Any of the children, each time another one.
+// Any of the leaves, each time another one.
 void findEntry(benchmark::State& state)
 {
     const auto size = static_cast<std::size_t>(state.range(0));
     static std::map<std::size_t, Family> families;  // made once, although the function runs several times
     if (families.count(size) == 0)
-        families.emplace(size, makeFamily(size));
+        families.emplace(size, loaded({Shape::flat, size}));
     Family& family = families.at(size);
     std::mt19937_64 engine;
     for (auto _ : state) {
-        if (family.parent.find(family.children[engine() % size]) == nullptr)
-            throw std::logic_error("a child that is not found");
+        if (family.tree.find(family.leaves[engine() % size]) == LDIF_Tree::none)
+            throw std::logic_error("a leaf that is not found");
     }
 }
 BENCHMARK(findEntry)->Arg(20)->Arg(5000)->Arg(100000);
 
-const LDIF_Entry& tree()
+// A whole text, as it is written.
+void readEntries(benchmark::State& state)
 {
-    static const LDIF_Entry loaded = [] {
-        LDIF_Entry root;
-        LDIF_Comment waiting;
-        LDIF_Loader(root, waiting).load(std::string(input().text));
-        return root;
-    }();
-    return loaded;
+    LDIF_EntryReader reader;
+    const std::string_view text = input().text;
+    const std::size_t start = text.find("\n\n") + 1;
+    for (auto _ : state) {
+        for (std::size_t at = start; at < text.size(); at += reader.length()) {
+            if (reader.read(text.substr(at)) != LDIF_EntryReader::asWritten)
+                throw std::logic_error("an entry that is not as it would be written");
+        }
+    }
+    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
 }
+BENCHMARK(readEntries);
 
 // One leaf against a filter that it does not match, or that the presence of an attribute matches.
 void matchFilter(benchmark::State& state)
 {
-    const LDIF_Entry& leaf = tree().children.front().children.front().children.front();
+    static Family family = loaded({Shape::flat, 1});
+    const LDIF_EntryText leaf = family.tree.text(family.tree.find(family.leaves.front()));
     const std::string filters[] = {"(zeb-slapdServerID=match)", "(zeb-slapdSizeLimit=99)",
                                    "(zeb-slapdMasterDN=cn=nobody, o=Example)", "(objectclass=*)"};
     const std::string& text = filters[state.range(0)];
@@ -202,17 +209,6 @@ void matchFilter(benchmark::State& state)
     state.SetLabel(text);
 }
 BENCHMARK(matchFilter)->DenseRange(0, 3);
-
-void renderTree(benchmark::State& state)
-{
-    for (auto _ : state) {
-        std::string text;
-        tree().appendTreeTo(text);
-        benchmark::DoNotOptimize(text);
-    }
-    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(input().text.size()));
-}
-BENCHMARK(renderTree);
 
 }  // namespace
 

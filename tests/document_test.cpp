@@ -142,7 +142,7 @@ TEST_F(Document, RefreshFollowsTheModificationTime)
     const std::tuple<time_t, std::string, std::string, std::string> steps[] = {
         {1000, "dn: cn=a\n", "yes", "a"}, {1000, "dn: cn=b\n", "no", "a"},
         {999, "dn: cn=b\n", "yes", "b"},  {1001, "dn: cn=c\n\ndn: x\n", "34/1013 Missing RDN value: x [4]", "c"},
-        {999, "dn: cn=b\n", "no", "c"},   {1003, "dn: cn=e\nx\n", noRename + folder + "none/b\"  [1]", "e"},
+        {999, "dn: cn=b\n", "yes", "b"},  {1003, "dn: cn=e\nx\n", noRename + folder + "none/b\"  [1]", "e"},
         {1003, "dn: cn=b\n", "no", "e"},
     };
     for (const auto& [time, text, result, suffix] : steps) {
@@ -286,41 +286,18 @@ TEST(Objects, FilesKeepTheModeThatTheyHaveNow)
     }
 }
 
-TEST(Objects, EntriesTakeOverOrCopyWhatTheyAreGiven)
+TEST(Objects, EntriesAreReadFromTheirText)
 {
-    const auto entry = [](const char* dn) { return LDIF_Entry(LDIF_DN(cisString(dn))); };
-    LDIF_Entry root;
-    LDIF_Entry child = entry("cn=a, o=b");
-    EXPECT_EQ(&(root += child), &root);
-    child.attributes += LDIF_Attribute("x", "1");
-    EXPECT_EQ(root.children.front().str(), "dn: cn=a, o=b\n\n");
-    LDIF_Entry parent = entry("O=B");
-    parent += LDIF_Attribute("o", "B");
-    EXPECT_EQ(&root.place(std::move(parent)), &root);
-    LDIF_Entry again = entry("CN=A, o=b");
-    again += LDIF_Attribute("y", "2");
-    EXPECT_EQ(&(root += again), root.find(LDIF_DN(cisString("cn=a,o=b"))));
-    std::ostringstream text;
-    text << root;
-    EXPECT_EQ(text.str(), "\ndn: O=B\no: B\n\ndn: cn=a, o=b\ny: 2\n\n");
-    LDIF_Entry family = entry("o=y"), stranger = entry("cn=z, o=y");
-    LDIF_Line line;
-    line.type = LDIF_Line::comment;
-    line.value = "# c";
-    LDIF_Comment comment;
-    comment += line;
-    root.place(entry("ou=x, cn=w, o=y"));
-    family.relativeDn.clear();
-    LDIF_Entry inner = entry("cn=w, o=y");
-    inner.relativeDn = LDIF_DN(cisString("cn=w"));
-    (family += comment).children.push_back(inner);
-    family.relativeDn = family.dn;
-    text.str("");
-    root += family;
-    text << root.children.back();
-    EXPECT_EQ(text.str(), "# c\ndn: o=y\n\ndn: cn=w, o=y\n\ndn: ou=x, cn=w, o=y\n\n") << "adopts below a child";
-    EXPECT_EQ(codesOf([&] { root.children.front() += stranger; }),
-              std::tuple(80, 1000, std::string("[cn=z, o=y] is not child of [O=B]")));
-    EXPECT_EQ(root.clear().str(), "");
-    EXPECT_TRUE(root.children.empty());
+    const ScopedLocale utf8;
+    for (const std::string text : {"dn: cn=a\n\n", "\n# c\n\nDN: cn=\u00fc, o=b\n# d\nx: 1\nx: \ny: 2\n\n"}) {
+        LDIF_Entry entry(text);
+        EXPECT_EQ(entry.str(), text);
+        EXPECT_TRUE(entry.isSameAs(LDIF_Entry(text)));
+        EXPECT_FALSE((entry += LDIF_Attribute("y", "3")).isSameAs(LDIF_Entry(text)));
+        EXPECT_EQ(entry.clear().str(), "");
+    }
+    const char* const others[] = {"",        "dn: cn=a\n",        "x: 1\n\n",        "dn: cn=a\n\nx: 1\n\n",
+                                  "# c\n\n", "dn: cn=a\n# c\n\n", "dn: cn=a\nx\n\n", "dn: cn=a\ndn: cn=b\n\n"};
+    for (const char* text : others)
+        EXPECT_EQ(std::get<0>(codesOf([&] { LDIF_Entry entry{std::string_view(text)}; })), 80) << text;
 }

@@ -169,18 +169,23 @@ TEST(Platform, NamesReadsAndComparesFiles)
         status.st_mode = S_IFREG | mode;
         FileStatus made = {};
         removeFile(directory / "file");
-        EXPECT_TRUE(writeFile(directory / "file", "x", status) && _stat((directory / "file").c_str(), &made) == 0);
+        EXPECT_TRUE(writeFile(directory / "file", {"x"}, status) && _stat((directory / "file").c_str(), &made) == 0);
         EXPECT_EQ(made.st_mode, status.st_mode);
         status.st_mode = S_IFREG | 0666;
-        EXPECT_TRUE(writeFile(directory / "file", "y", status) && _stat((directory / "file").c_str(), &made) == 0);
+        EXPECT_TRUE(writeFile(directory / "file", {"y"}, status) && _stat((directory / "file").c_str(), &made) == 0);
         EXPECT_EQ(made.st_mode, S_IFREG | mode) << "a file that is there keeps its mode";
     }
-    for (const std::string& text : {std::string(100000, 'x'), std::string("a\r\n\0b", 5), std::string()})
-        EXPECT_TRUE(writeFile(directory / "file", text, status) && readFile(directory / "file", content) &&
-                    content == text);
+    TextBuffer read;
+    std::size_t size = 0;
+    for (const std::string& text : {std::string(100'000, 'x'), std::string("a\r\n\0b", 5), std::string(),
+                                    std::string(5'000'000, 'y'), std::string(300'000, 'z')}) {
+        EXPECT_TRUE(writeFile(directory / "file", {text, "", "+", text}, status));
+        EXPECT_TRUE(readFile(directory / "file", read, size));
+        EXPECT_TRUE(std::string_view(read.data(), size) == text + '+' + text) << text.size();
+    }
     ASSERT_EQ(::mkfifo((directory / "fifo").c_str(), 0600), 0);
     for (const char* name : {"", "fifo", "gone/file"})
-        EXPECT_FALSE(readFile(directory / name, content) || writeFile(directory / name, "x", status)) << name;
+        EXPECT_FALSE(readFile(directory / name, read, size) || writeFile(directory / name, {"x"}, status)) << name;
     std::filesystem::create_symlink("file", directory / "link");
     const auto same = [&](auto name, auto other) { return isSameFile(directory / name, directory / other); };
     EXPECT_TRUE(same("file", "./file") && same("link", "file") && same("link", "link"));

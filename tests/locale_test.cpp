@@ -141,16 +141,29 @@ TEST(Locale, RefusesTextThatItDoesNotKnow)
     EXPECT_EQ(wide2multibyte(L"\u00fc"), "\xFC");
 }
 
-// What has not changed is written as it was read.
+// What an entry was under the locale of its load, it stays; what the present one cannot convert is not written.
 TEST(Locale, MayChangeWhileAFileIsLoaded)
 {
-    const ScopedLocale utf8;
-    const std::string text = "charset: UTF-8\nversion: 1\n\ndn: cn=Z\u00fcrich\nx: \u00fc\n\n";
-    LDIF_File file = load(text);
-    file.flush();
-    const ScopedLocale other("C");
-    EXPECT_EQ(failureOf([] { LDIF_DN(cisString("cn=Z\u00fcrich")); })->ldapErr, 162);
-    file.add(LDIF_DN(cisString("cn=b")), nullptr);
-    file.flush();
-    EXPECT_EQ(readText(name), text + "dn: cn=b\n\n");
+    const std::string start = "charset: UTF-8\nversion: 1\n\ndn: cn=Z\u00fcrich\nx: \u00fc\n\n";
+    const std::string hidden = "dn: cn=\\E3\\80\\80a\nx: 1\n\n";  // an ideographic space
+    for (const std::string& text : {start, "charset: UTF-8\nversion: 1\n\n" + hidden}) {
+        const ScopedLocale utf8;
+        LDIF_File file = load(text);
+        const LDIF_DN dn(cisString(text == start ? "cn=z\u00fcrich" : "cn=\\E3\\80\\80a"));
+        const auto find = [&] { return file.findEntries(dn, LDIF_Search_Results::base, LDIF_Filter("x")).size(); };
+        const auto flush = [&] { return file.flush(), std::string(); };
+        {
+            const ScopedLocale other("C");
+            for (int time = 0; time < 2; ++time) {
+                EXPECT_FALSE(file.refresh());
+                EXPECT_EQ(outcomeOf(flush).substr(0, 7), "162/162") << time;
+                EXPECT_EQ(readText(name), text);
+            }
+            EXPECT_EQ(find(), 1U);
+        }
+        EXPECT_FALSE(file.refresh());
+        EXPECT_EQ(find(), 1U);
+        EXPECT_EQ(outcomeOf(flush), "");
+        EXPECT_EQ(readText(name), text);
+    }
 }

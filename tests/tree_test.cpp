@@ -1,13 +1,9 @@
-// The tree with its indexes and kept texts, held against the plain walk that they save.
-#include "LDIF_Entry.h"
-#include "LDIF_Loader.h"
-#include "LDIF_Renderer.h"
-#include "LDIF_TreeBuilder.h"
+// The tree held against the plain steps: how entries hang, and what becomes of their texts.
+#include "plainTree.h"
+#include "support.h"
 
-#include <algorithm>
 #include <gtest/gtest.h>
 #include <random>
-#include <sstream>
 
 const char* registryRoot() noexcept
 {
@@ -16,180 +12,122 @@ const char* registryRoot() noexcept
 
 namespace {
 
-bool isAtOrAbove(const LDIF_DN& ancestor, const LDIF_DN& dn)
-{
-    return ancestor.intersection(dn) == ancestor;
-}
-
-// A tree of DNs alone, placed and found by walking.
-struct Plain {
-    LDIF_DN dn;
-    std::vector<Plain> children;
-
-    void place(Plain child)
-    {
-        for (Plain& each : children) {
-            if (each.dn == child.dn)
-                return;
-            if (isAtOrAbove(each.dn, child.dn))
-                return each.place(std::move(child));
-        }
-        const auto adopted = std::stable_partition(children.begin(), children.end(),
-                                                   [&](const Plain& each) { return !isAtOrAbove(child.dn, each.dn); });
-        child.children.assign(adopted, children.end());
-        children.erase(adopted, children.end());
-        children.push_back(std::move(child));
-    }
-
-    const Plain* find(const LDIF_DN& wanted) const
-    {
-        if (dn == wanted)
-            return this;
-        for (const Plain& each : children)
-            if (const Plain* found = each.find(wanted))
-                return found;
-        return nullptr;
-    }
-
-    bool erase(const LDIF_DN& wanted)
-    {
-        for (auto each = children.begin(); each != children.end(); ++each) {
-            if (each->dn == wanted) {
-                children.erase(each);
-                return true;
-            }
-            if (each->erase(wanted))
-                return true;
-        }
-        return false;
-    }
-
-    std::string str(const LDIF_DN& parent = LDIF_DN()) const
-    {
-        LDIF_DN relative = dn;
-        std::string text = (relative -= parent).str() + " {";
-        for (const Plain& each : children)
-            text += each.str(dn);
-        return text + "} ";
-    }
-};
-
-std::string shapeOf(const LDIF_Entry& entry)
-{
-    std::string text = entry.relativeDn.str() + " {";
-    for (const LDIF_Entry& each : entry.children)
-        text += shapeOf(each);
-    return text + "} ";
-}
-
-// DNs that often meet: equal ones in another spelling, ancestors before and behind their descendants, large families.
+// DNs that often meet: equal ones in another spelling or form, ancestors before and after their descendants, large
+// families, levels that are missing.
 LDIF_DN randomDn(std::mt19937& random)
 {
-    const char* const spellings[] = {"cn", "CN"};
+    const char* const names[] = {"cn=", "CN=", "cn=#3", "cn=\""};
     std::string text;
     for (auto levels = random() % 4; levels > 0; --levels)
-        text += std::string(spellings[random() % 2]) + "=" + std::to_string(random() % 7 == 0 ? 0 : random() % 3) + ",";
+        text += names[random() % 2 + (random() % 9 == 0 ? 2 : 0)] +
+                std::to_string(random() % 7 == 0 ? 0 : random() % 3) + ',';
     text += "ou=" + std::to_string(random() % 90) + (random() % 5 == 0 ? "+o=x" : "") + ",o=\u00dc";
+    for (std::size_t quote = 0; (quote = text.find('"', quote)) != std::string::npos; quote += 3)
+        text.insert(quote + 2, 1, '"');
     return LDIF_DN(cisString(text));
 }
 
-bool eraseFrom(LDIF_Entry& root, const LDIF_DN& dn)
+bool eraseFrom(LDIF_Tree& tree, const LDIF_DN& dn)
 {
-    LDIF_DN above = dn;
-    do
-        above.pop_back();
-    while (root.find(above) == nullptr);
-    LDIF_Entry& parent = *root.find(above);
-    LDIF_DN relative = dn;
-    const auto child = parent.findChild(relative -= above, 0);
-    if (child == parent.children.end() || child->relativeDn != relative)
+    const LDIF_Tree::Number entry = tree.find(dn);
+    if (entry == LDIF_Tree::none)
         return false;
-    parent.eraseChild(child);
+    tree.erase(entry);
     return true;
+}
+
+// The DN and value of an entry that has many lines of text, so that dead text is given back now and then.
+LDIF_Entry someEntry(const LDIF_DN& dn, int step)
+{
+    LDIF_Entry entry(dn);
+    entry += LDIF_Attribute("x", step % 50 == 0 ? "a\nline end" : std::to_string(step));
+    entry += LDIF_Attribute("y", std::string(step % 7 * 300, 'y'));
+    return entry;
 }
 
 }  // namespace
 
-TEST(Tree, IsTheSameAsByThePlainWalk)
+TEST(Tree, IsTheSameAsByThePlainSteps)
 {
-    std::setlocale(LC_ALL, "C.UTF-8");
+    const ScopedLocale utf8;
     for (unsigned seed = 0; seed < 6; ++seed) {
         std::mt19937 random(seed);
-        LDIF_Entry root;
-        LDIF_Renderer renderer;
-        Plain plain;
+        LoadedFile file;
+        PlainFile plain;
+        file.tree.finish();
         for (int step = 0; step < 400; ++step) {
             const LDIF_DN dn = randomDn(random);
-            LDIF_Entry entry(dn);
-            entry += LDIF_Attribute("x", std::to_string(step));
-            switch (random() % 4) {
-            case 0:
-                ASSERT_EQ(eraseFrom(root, dn), plain.erase(dn)) << dn;
-                break;
-            case 1:
-                root += entry;
-                plain.place({dn, {}});
-                break;
-            default:
-                root.place(std::move(entry));
-                plain.place({dn, {}});
+            if (random() % 4 == 0) {
+                ASSERT_EQ(eraseFrom(file.tree, dn), plain.tree.erase(dn)) << dn;
+            } else {
+                const LDIF_Entry entry = someEntry(dn, step);
+                plain.tree.place({entry, dn, {}});
+                file.tree.add(LDIF_Entry(entry));
             }
             const LDIF_DN wanted = randomDn(random);
-            ASSERT_EQ(root.find(wanted) != nullptr, plain.find(wanted) != nullptr) << wanted;
-            ASSERT_EQ(shapeOf(root), plain.str()) << "seed " << seed << " step " << step;
-            std::ostringstream whole;
-            whole << root;
-            ASSERT_EQ(renderer.render(root, LDIF_Comment()), whole.str()) << "seed " << seed << " step " << step;
+            ASSERT_EQ(file.tree.find(wanted) != LDIF_Tree::none, plain.tree.find(wanted) != nullptr) << wanted;
+            ASSERT_EQ(file.str(), plain.str()) << "seed " << seed << " step " << step;
         }
     }
 }
 
-TEST(Tree, IsTheSameBuiltAtOnceAsEntryByEntry)
+// Goes red where an entry that is read as a whole hangs elsewhere than one that comes alone.
+TEST(Tree, IsTheSameReadAtOnceAsEntryByEntry)
 {
-    std::setlocale(LC_ALL, "C.UTF-8");
-    for (unsigned seed = 0; seed < 200; ++seed) {
+    const ScopedLocale utf8;
+    for (unsigned seed = 0; seed < 100; ++seed) {
         std::mt19937 random(seed);
-        LDIF_Entry placed;
-        LDIF_Entry built;
-        LDIF_TreeBuilder builder(built);
-        for (auto count = random() % 300; count > 0; --count) {
-            LDIF_Entry entry(random() % 50 == 0 ? LDIF_DN() : randomDn(random));
-            entry += LDIF_Attribute("x", std::to_string(count));
-            LDIF_Entry copy = entry;
-            copy.relativeDn.clear();
-            builder.add(std::move(copy));
-            placed.place(std::move(entry));
-        }
-        builder.finish();
-        ASSERT_EQ(shapeOf(built), shapeOf(placed)) << "seed " << seed;
-        std::ostringstream one;
-        std::ostringstream other;
-        one << built;
-        other << placed;
-        ASSERT_EQ(one.str(), other.str()) << "seed " << seed;
+        std::string text = "charset: x\nversion: 1\n\n";
+        for (auto count = random() % 200; count > 0; --count)
+            text += LDIF_Entry(random() % 50 == 0 ? LDIF_DN() : randomDn(random)).str();
+        LoadedFile file;
+        PlainFile plain;
+        file.load(text);
+        plain.load(text);
+        ASSERT_EQ(file.str(), plain.str()) << "seed " << seed;
     }
 }
 
-// Names in any order and case, some of them again, with comments: the loader keeps those of a large entry apart.
+// Entries stay the text of the file, and are text again after a change, unless text cannot carry them.
+TEST(Tree, KeepsEntriesAsText)
+{
+    const ScopedLocale utf8;
+    LoadedFile file;
+    file.load(
+        "charset: x\nversion: 1\n\ndn: cn=a\nx: 1\n\ndn: cn=\\28b\nx: 1\n\ndn: cn=c\ny: 2\nx:1\n\ndn: cn=d\\, e\n\n");
+    const auto isText = [&](const char* dn) {
+        return file.tree.object(file.tree.find(LDIF_DN(cisString(dn)))) == nullptr;
+    };
+    const char* const start = file.tree.fileText();
+    const auto isSlice = [&](const char* dn) {
+        const char* const text = file.tree.text(file.tree.find(LDIF_DN(cisString(dn)))).text.data();
+        return text >= start && text < start + file.tree.fileSize();
+    };
+    EXPECT_TRUE(isSlice("cn=a"));
+    EXPECT_FALSE(isText("cn=\\28b")) << "the parenthesis would be lost";
+    EXPECT_TRUE(isText("cn=c") && !isSlice("cn=c")) << "rearranged";
+    EXPECT_TRUE(isSlice("cn=\"d, e\""));
+    for (const auto& [value, staysText] : {std::pair("2", true), {"two\nlines", false}, {" edge", false}}) {
+        {
+            (*LDIF_Tree::Opened(file.tree, file.tree.find(LDIF_DN(cisString("cn=a"))))) += LDIF_Attribute("z", value);
+        }
+        EXPECT_EQ(isText("cn=a"), staysText) << value;
+    }
+}
+
+// Names in any order and case, some of them again, with comments: a large entry keeps those apart that come late.
 TEST(Tree, TakesTheAttributesOfALargeEntryInAnyOrder)
 {
-    std::mt19937 random(4);
-    std::string text;
-    for (int number = 0; number < 3000; ++number)
-        text += "# " + std::to_string(number) + (number % 2 != 0 ? "\nX" : "\nx") + std::to_string(random() % 1500) +
-                ": " + std::to_string(random() % 3) + '\n';
-    std::istringstream lines(text);
-    LDIF_Attributes plain;
-    LDIF_Comment before;
-    for (LDIF_Line line; line.next(lines, 0) > 0 && line.type != LDIF_Line::endOfFile;) {
-        if (line.type == LDIF_Line::attribute)
-            plain.add(line, before);
-        else
-            before += line;
+    for (const char* const fold : {"", "z:\n folded\n"}) {
+        std::mt19937 random(4);
+        std::string text = std::string("dn: cn=a\n") + fold;
+        for (int number = 0; number < 3000; ++number)
+            text += "# " + std::to_string(number) + (number % 2 != 0 ? "\nX" : "\nx") +
+                    std::to_string(random() % 1500) + ": " + std::to_string(random() % 3) + '\n';
+        LoadedFile file;
+        PlainFile plain;
+        file.load(text);
+        plain.load(text);
+        EXPECT_EQ(file.str(), plain.str());
     }
-    LDIF_Entry root;
-    LDIF_Loader(root, before).load("dn: cn=a\n" + text);
-    ASSERT_EQ(root.children.size(), 1U);
-    EXPECT_GT(plain.size(), 1000U);
-    EXPECT_EQ(root.children.front().attributes.str(), plain.str());
 }

@@ -1,7 +1,7 @@
 #include "platform.h"
 
-#include <algorithm>
 #include <cerrno>
+#include <cstring>
 #include <fcntl.h>
 #include <unistd.h>
 #include <utility>
@@ -43,23 +43,48 @@ void takeOver(int file, const FileStatus& before) noexcept
     (void)::fchmod(file, hasGroup ? mode : mode & ~groupPermissions);
 }
 
-// A new file like the one before, or the one that is there, cut to length 0; negative when neither can be opened.
+// The status of an open regular file; false for any other, and on failure.
+bool readRegular(int file, FileStatus& status) noexcept
+{
+    return file >= 0 && ::fstat(file, &status) == 0 && isRegular(status);
+}
+
+// A new file like the one before, or the one that is there, cut to length 0; negative when neither can be opened, and
+// for what is no regular file.
 int openForWriting(const std::string& name, const FileStatus& before) noexcept
 {
     const int created = openFile(name, O_WRONLY | O_CREAT | O_EXCL, before.st_mode & ownerOnly);
-    if (created < 0)
-        return openFile(name, O_WRONLY | O_TRUNC);
-    takeOver(created, before);
-    return created;
+    if (created >= 0) {
+        takeOver(created, before);
+        return created;
+    }
+    FileStatus status = {};
+    const int present = openFile(name, O_WRONLY);
+    if (present < 0 || (readRegular(present, status) && ::ftruncate(present, 0) == 0))
+        return present;
+    ::close(present);
+    return -1;
 }
 
-// Doubles a text, and overwrites what it stood in before: it may hold clear passwords.
-void enlarge(std::string& content)
+// Doubles a buffer, and overwrites what it was before: it may hold clear passwords.
+void enlarge(TextBuffer& content)
 {
-    std::string larger(2 * content.size(), '\0');
-    std::copy(content.begin(), content.end(), larger.begin());
-    content.swap(larger);
-    wipe(larger.data(), larger.size());
+    TextBuffer larger(2 * content.size());
+    std::memcpy(larger.data(), content.data(), content.size());
+    wipe(content.data(), content.size());
+    content = std::move(larger);
+}
+
+// False when a write has failed.
+bool writeAll(int file, std::string_view bytes) noexcept
+{
+    while (!bytes.empty()) {
+        const ssize_t count = ::write(file, bytes.data(), bytes.size());
+        if (count < 0 && errno != EINTR)
+            return false;
+        bytes.remove_prefix(count > 0 ? static_cast<std::size_t>(count) : 0);
+    }
+    return true;
 }
 
 bool isSameInode(const FileStatus& left, const FileStatus& right) noexcept
@@ -89,41 +114,52 @@ bool isSamePlace(const std::string& name, const std::string& other)
 
 }  // namespace
 
-bool readFile(const std::string& name, std::string& content)
+bool readFile(const std::string& name, TextBuffer& content, std::size_t& length)
 {
     const Descriptor file(openFile(name, O_RDONLY));
     FileStatus status = {};
-    if (file.get() < 0 || ::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode))
+    if (!readRegular(file.get(), status))
         return false;
-    content.resize(static_cast<std::size_t>(status.st_size) + 1);  // one more, to meet the end in the same read
-    std::size_t length = 0;
-    for (;;) {
+    content = TextBuffer(static_cast<std::size_t>(status.st_size) + 1);  // one more, to meet the end in the same read
+    for (length = 0;;) {
         if (length == content.size())
             enlarge(content);
-        const ssize_t count = ::read(file.get(), &content[length], content.size() - length);
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count < 0)
-            return false;
+        const ssize_t count = ::read(file.get(), content.data() + length, content.size() - length);
         if (count == 0)
-            break;
-        length += static_cast<std::size_t>(count);
+            return true;
+        if (count > 0)
+            length += static_cast<std::size_t>(count);
+        else if (errno != EINTR)
+            return wipe(content.data(), length), false;
     }
-    content.resize(length);
-    return true;
 }
 
-bool writeFile(const std::string& name, const std::string& text, const FileStatus& before)
+bool isRegular(const FileStatus& status) noexcept
 {
+    return S_ISREG(status.st_mode);
+}
+
+// Small pieces are gathered, so that the system is called seldom.
+bool writeFile(const std::string& name, const std::vector<std::string_view>& pieces, const FileStatus& before)
+{
+    constexpr std::size_t gathered = std::size_t{64} << 10;
+    std::string buffer;
+    buffer.reserve(gathered);
     const Descriptor file(openForWriting(name, before));
     if (file.get() < 0)
         return false;
-    for (std::size_t done = 0; done < text.size();) {
-        const ssize_t count = ::write(file.get(), &text[done], text.size() - done);
-        if (count < 0 && errno != EINTR)
-            break;
-        done += count > 0 ? static_cast<std::size_t>(count) : 0;
+    for (const std::string_view piece : pieces) {
+        if (buffer.size() + piece.size() > gathered) {
+            if (!writeAll(file.get(), buffer))
+                return true;
+            buffer.clear();
+        }
+        if (piece.size() <= gathered)
+            buffer += piece;
+        else if (!writeAll(file.get(), piece))
+            return true;
     }
+    (void)writeAll(file.get(), buffer);
     return true;
 }
 

@@ -1,10 +1,13 @@
 #include "platform.h"
 
+#include <algorithm>
 #include <array>
 #include <cctype>
 #include <clocale>
 #include <cstdlib>
 #include <cstring>
+#include <locale.h>
+#include <new>
 
 namespace {
 
@@ -57,13 +60,17 @@ struct Locale {
 Locale lastLocale = {"", false, 0};
 int holds = 0;  // the number of LocaleHold objects
 
+void look(const char* name) noexcept
+{
+    lastLocale = {"", convertsAscii(), foldingNumber()};
+    std::strncat(lastLocale.name, name, sizeof lastLocale.name - 1);
+}
+
 void askForLocale() noexcept
 {
     const char* const name = std::setlocale(LC_CTYPE, nullptr);
-    if (isSameText(name, lastLocale.name))
-        return;
-    lastLocale = {"", convertsAscii(), foldingNumber()};
-    std::strncat(lastLocale.name, name, sizeof lastLocale.name - 1);
+    if (!isSameText(name, lastLocale.name))
+        look(name);
 }
 
 // Needed with each text, so the answer is kept as long as the locale stays the same.
@@ -85,6 +92,19 @@ unsigned char foldCase(char character) noexcept
     return lower < asciiEnd ? byte : static_cast<unsigned char>(lower);
 }
 
+int compareFolded(std::string_view left, std::string_view right) noexcept
+{
+    if (left == right)
+        return 0;
+    const std::size_t common = std::min(left.size(), right.size());
+    for (std::size_t pos = 0; pos < common; ++pos) {
+        const int difference = left[pos] == right[pos] ? 0 : foldCase(left[pos]) - foldCase(right[pos]);
+        if (difference != 0)
+            return difference;
+    }
+    return static_cast<int>(left.size() > common) - static_cast<int>(right.size() > common);
+}
+
 std::size_t caseFolding() noexcept
 {
     return currentLocale().folding;
@@ -104,4 +124,33 @@ LocaleHold::LocaleHold() noexcept
 LocaleHold::~LocaleHold()
 {
     --holds;
+}
+
+LocaleCopy::LocaleCopy() : name(std::setlocale(LC_CTYPE, nullptr)), handle(::duplocale(LC_GLOBAL_LOCALE))
+{
+    if (handle == nullptr)
+        throw std::bad_alloc();
+}
+
+LocaleCopy::~LocaleCopy()
+{
+    ::freelocale(static_cast<locale_t>(handle));
+}
+
+bool LocaleCopy::isPresent() const noexcept
+{
+    return isSameText(name.c_str(), std::setlocale(LC_CTYPE, nullptr));
+}
+
+LocaleCopy::Use::Use(const LocaleCopy& locale) noexcept : former(::uselocale(static_cast<locale_t>(locale.handle)))
+{
+    ++holds;
+    look("");
+}
+
+LocaleCopy::Use::~Use()
+{
+    (void)::uselocale(static_cast<locale_t>(former));
+    --holds;
+    look(std::setlocale(LC_CTYPE, nullptr));
 }

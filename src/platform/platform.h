@@ -6,6 +6,10 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
 #include <sys/stat.h>
 
 #ifdef _WIN32
@@ -83,6 +87,9 @@ int _stat(const char* name, FileStatus* status) noexcept;
 // A byte folded to lower case as _stricmp folds it.
 unsigned char foldCase(char character) noexcept;
 
+// Compares like _stricmp, but texts that may hold NULs and are not terminated by one.
+int compareFolded(std::string_view left, std::string_view right) noexcept;
+
 // A number that tells apart locales which fold bytes outside ASCII differently.
 std::size_t caseFolding() noexcept;
 
@@ -98,36 +105,75 @@ public:
     ~LocaleHold();
 };
 
-// A region of memory that begins at a multiple of its size, a power of two; isLarge asks for large pages. Null when
-// memory is exhausted.
-void* allocateRegion(std::size_t size, bool isLarge) noexcept;
-void releaseRegion(void* region, std::size_t size) noexcept;
+// The locale of the process as it was when this was made. While a Use of it lives, the calling thread converts,
+// classifies and folds text in it.
+class LocaleCopy {
+public:
+    // Throws std::bad_alloc.
+    LocaleCopy();
+    ~LocaleCopy();
+    LocaleCopy(const LocaleCopy&) = delete;
+    LocaleCopy& operator=(const LocaleCopy&) = delete;
 
-// Lets the system take the memory of a region whose content is needed no more, once it is short of memory.
-void offerRegion(void* region, std::size_t size) noexcept;
+    // Whether the process is in this locale, by its name.
+    bool isPresent() const noexcept;
 
-// Whether the build checks each block of memory, so that none may be handed out as a part of another.
-#if defined(__SANITIZE_ADDRESS__) || defined(ZEBLDAPCFG_CHECK_MEMORY)
-constexpr bool checksMemory = true;
-#elif defined(__has_feature)
-constexpr bool checksMemory = __has_feature(address_sanitizer);
-#else
-constexpr bool checksMemory = false;
-#endif
+    class Use {
+    public:
+        explicit Use(const LocaleCopy& locale) noexcept;
+        Use(const Use&) = delete;
+        Use& operator=(const Use&) = delete;
+        ~Use();
+
+    private:
+        void* former;
+    };
+
+private:
+    std::string name;
+    void* handle;
+};
 
 // Overwrites a clear text that is about to be released; no compiler leaves it out.
 void wipe(void* memory, std::size_t size) noexcept;
 
-// Overwrites memory of the heap that is used no more, and gives its whole pages back to the system at once.
-void discard(void* memory, std::size_t size) noexcept;
+// Memory for the whole text of a file, which the system gives in large pages where it can, and takes back at once. The
+// bytes are not set to anything.
+class TextBuffer {
+public:
+    TextBuffer() = default;
+    // Throws std::bad_alloc.
+    explicit TextBuffer(std::size_t size);
+    TextBuffer(TextBuffer&& other) noexcept : bytes(std::exchange(other.bytes, nullptr)), length(other.length) {}
+    TextBuffer& operator=(TextBuffer&& other) noexcept;
+    ~TextBuffer();
 
-// Reads a whole file, byte for byte. False when it cannot be opened or read, or is no regular file; never waits.
-bool readFile(const std::string& name, std::string& content);
+    char* data() const noexcept { return bytes; }
+    std::size_t size() const noexcept { return length; }
 
-// Creates a file or cuts it to length 0, and writes the text with the platform's line ends, all at once. A file that is
-// created gets the mode of the one before and, where the process may set them, its owner and group; it is never more
-// widely open, not for a moment. False when the file cannot be opened; a write that fails behind that is not reported.
-bool writeFile(const std::string& name, const std::string& text, const FileStatus& before);
+private:
+    char* bytes = nullptr;
+    std::size_t length = 0;
+};
+
+// Reads a whole file, byte for byte, and gives the number of bytes in length. False when it cannot be opened or read,
+// or is no regular file; never waits. Throws std::bad_alloc.
+bool readFile(const std::string& name, TextBuffer& content, std::size_t& length);
+
+// What ends a line of a text file here.
+#ifdef _WIN32
+constexpr std::string_view lineEnd = "\r\n";
+#else
+constexpr std::string_view lineEnd = "\n";
+#endif
+
+// Whether the status is that of a regular file.
+bool isRegular(const FileStatus& status) noexcept;
+
+// Creates a file or cuts it to length 0, and writes the pieces, byte for byte. A file that is created gets the mode of
+// the one before and, where the process may set them, its owner and group; it is never more widely open, not even
+// briefly. False when the file cannot be opened or is no regular file; a write that fails after that is not reported.
+bool writeFile(const std::string& name, const std::vector<std::string_view>& pieces, const FileStatus& before);
 
 // Removes a file, and never a directory. A failure is not reported.
 void removeFile(const std::string& name) noexcept;

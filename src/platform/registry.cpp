@@ -46,9 +46,11 @@ LONG queryValue(const RegistryKey& key, const char* name, unsigned char* data, D
     FileStatus status = {};
     if (::stat(path.c_str(), &status) != 0)
         return registryError(errno);
-    std::string value;
-    if (!readFile(path, value))
+    TextBuffer content;
+    std::size_t length = 0;
+    if (!readFile(path, content, length))
         return ERROR_ACCESS_DENIED;
+    std::string value(content.data(), length);
     if (!value.empty() && value.back() == '\n')
         value.pop_back();
     const DWORD capacity = *size;

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <new>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -12,23 +13,32 @@ std::uintptr_t addressOf(const void* memory) noexcept
     return reinterpret_cast<std::uintptr_t>(memory);
 }
 
-void* map(std::size_t size) noexcept
-{
-    void* const memory = ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    return memory != MAP_FAILED ? memory : nullptr;
-}
+constexpr std::size_t largePage = std::size_t{2} << 20;  // of the usual machines
 
-// Takes twice the size, and gives back what stands before and behind the aligned half.
-void* mapAligned(std::size_t size) noexcept
+// From here on, memory comes from the system and not from the heap.
+constexpr std::size_t largeBuffer = std::size_t{256} << 10;
+
+// What the system is asked for: with one large page more, of which what stands before the first and after the last
+// byte goes back at once.
+char* mapPages(std::size_t size)
 {
-    char* const memory = static_cast<char*>(map(2 * size));
-    if (memory == nullptr)
-        return nullptr;
-    const std::size_t before = (size - addressOf(memory) % size) % size;
+    const std::size_t aligning = size >= 2 * largePage ? largePage : 0;
+    void* const memory = ::mmap(nullptr, size + aligning, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (memory == MAP_FAILED)
+        throw std::bad_alloc();
+    char* const start = static_cast<char*>(memory);
+    if (aligning == 0)
+        return start;
+    const std::size_t before = (largePage - addressOf(start) % largePage) % largePage;
+    const auto pageSize = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+    const std::size_t pages = (size + pageSize - 1) / pageSize * pageSize;
     if (before != 0)
-        (void)::munmap(memory, before);
-    (void)::munmap(memory + before + size, size - before);
-    return memory + before;
+        (void)::munmap(start, before);
+    (void)::munmap(start + before + pages, aligning - before);
+#ifdef MADV_HUGEPAGE
+    (void)::madvise(start + before, size / largePage * largePage, MADV_HUGEPAGE);
+#endif
+    return start + before;
 }
 
 }  // namespace
@@ -47,50 +57,26 @@ int _stricmp(const char* left, const char* right) noexcept
     }
 }
 
-void* allocateRegion(std::size_t size, bool isLarge) noexcept
+TextBuffer::TextBuffer(std::size_t size) : bytes(size < largeBuffer ? new char[size] : mapPages(size)), length(size) {}
+
+TextBuffer::~TextBuffer()
 {
-    void* region = map(size);
-    if (region != nullptr && addressOf(region) % size != 0) {
-        (void)::munmap(region, size);
-        region = mapAligned(size);
-    }
-#ifdef MADV_HUGEPAGE
-    if (region != nullptr)
-        (void)::madvise(region, size, isLarge ? MADV_HUGEPAGE : MADV_NOHUGEPAGE);
-#endif
-    return region;
+    if (length < largeBuffer)
+        delete[] bytes;
+    else if (bytes != nullptr)
+        (void)::munmap(bytes, length);
 }
 
-void releaseRegion(void* region, std::size_t size) noexcept
+TextBuffer& TextBuffer::operator=(TextBuffer&& other) noexcept
 {
-    (void)::munmap(region, size);
-}
-
-void offerRegion(void* region, std::size_t size) noexcept
-{
-#ifdef MADV_FREE
-    (void)::madvise(region, size, MADV_FREE);
-#endif
+    std::swap(bytes, other.bytes);
+    std::swap(length, other.length);
+    return *this;
 }
 
 void wipe(void* memory, std::size_t size) noexcept
 {
     ::explicit_bzero(memory, size);
-}
-
-// Pages that the system takes back read as zeros from then on.
-void discard(void* memory, std::size_t size) noexcept
-{
-    const auto pageSize = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
-    char* const begin = static_cast<char*>(memory);
-    const std::size_t head = (pageSize - addressOf(begin) % pageSize) % pageSize;
-    if (size < head + pageSize)
-        return wipe(begin, size);
-    const std::size_t pages = (size - head) / pageSize * pageSize;
-    wipe(begin, head);
-    if (::madvise(begin + head, pages, MADV_DONTNEED) != 0)
-        wipe(begin + head, pages);
-    wipe(begin + head + pages, size - head - pages);
 }
 
 char* _strdup(const char* text) noexcept

@@ -165,8 +165,9 @@ const struct Row {
     {"modify", true, faultWrite, 1, "0/0 part old", "0/0 part old"},
     {"modify", true, faultClose, 1, "0/0 new old", "0/0 new old"},
     {"modify", false, faultStat, 1, "91/1003 old none", "91/1003 old none"},
-    {"modify", false, faultStat, 2, "0/0 new none", "91/1003 new none"},
-    {"modify", false, faultStat, 3, "91/1003 new none", "91/1003 new none"},
+    {"modify", false, faultStat, 2, "0/0 new none", "50/1004 old none"},  // for the mode of the file
+    {"modify", false, faultStat, 3, "50/1004 old none", "50/1004 old none"},
+    {"modify", false, faultStat, 4, "91/1003 new none", "91/1003 new none"},
     {"modify", false, faultOpen, 1, "0/0 new none", "50/1004 old none"},  // for a file that is not there
     {"modify", false, faultOpen, 2, "50/1004 old none", "50/1004 old none"},
     {"modify", false, faultWrite, 1, "0/0 part none", "0/0 part none"},

@@ -1,12 +1,10 @@
 #include "LDIF_File.h"
 
 #include "LDIF_Exception.h"
-#include "LDIF_FormerTree.h"
 #include "LDIF_Loader.h"
 #include "zebldapcfg.h"
 
 #include <cerrno>
-#include <clocale>
 #include <cstdio>
 #include <utility>
 
@@ -20,6 +18,11 @@ LDIF_Exception fileFailure(int ldapErr, int extErr, const std::string& text, con
     LDIF_Exception failure(ldapErr, extErr, text, pos);
     failure.configFile = fileName;
     return failure;
+}
+
+LDIF_Exception cannotOpen(const std::string& fileName, SourcePos pos = SourcePos::here())
+{
+    return {LDAP_INSUFFICIENT_ACCESS, CFG_ERR_CONFIG_OPEN, "Unable to open: \"" + fileName + '"', pos};
 }
 
 std::string fullPathOf(const std::string& name)
@@ -37,11 +40,6 @@ std::string fullPathOf(const std::string& name)
 }
 
 }  // namespace
-
-LDIF_File::~LDIF_File()
-{
-    release(std::move(root));
-}
 
 LDIF_File::LDIF_File(const std::string& name, const std::string& backupName)
     : fileName(fullPathOf(name)), backupFileName(backupName)
@@ -61,52 +59,45 @@ void LDIF_File::readStatus(FileStatus& status) const
 
 bool LDIF_File::refresh()
 {
+    tree.followLocale();
     FileStatus status = {};
     readStatus(status);
-    if (status.st_mtime == fileStat.st_mtime)
+    if (!mustRead && status.st_mtime == fileStat.st_mtime)
         return false;
-    renderer.clear();  // now, so that its text and the new one are not held at once
+    LDIF_Tree emptyTree = readText();
+    mustRead = true;
     bool needsRewrite = false;
-    readTree(readText(), needsRewrite);
+    readTree(std::move(emptyTree), needsRewrite);
+    mustRead = false;
     fileStat = status;
     if (needsRewrite)
         flush();
     return true;
 }
 
-std::string LDIF_File::readText() const
+// A tree that has the text of the file, and no entries yet.
+LDIF_Tree LDIF_File::readText() const
 try {
-    std::string text;
-    if (!readFile(fileName, text))
+    TextBuffer text;
+    std::size_t size = 0;
+    if (!readFile(fileName, text, size))
         throw fileFailure(CFG_CONNECT_ERROR, CFG_ERR_CONFIG_OPEN, "ifstream()", fileName);
-    return text;
+    return {std::move(text), size};
 } catch (...) {
     completeAndThrow("System error reading file", [&](LDIF_Exception& failure) { failure.configFile = fileName; });
 }
 
-// Leaves an empty tree, also when memory runs out. Text that is not ASCII may read otherwise in another locale.
-LDIF_FormerTree LDIF_File::giveUpTree(const std::string& newText)
-{
-    LDIF_Entry tree = std::exchange(root, LDIF_Entry());
-    const std::size_t oldSize = std::exchange(textSize, newText.size());
-    const char* const locale = std::setlocale(LC_CTYPE, nullptr);
-    if (std::exchange(textLocale, locale) == locale)
-        return {std::move(tree), oldSize, newText};
-    release(std::move(tree));
-    return {};
-}
-
-void LDIF_File::readTree(std::string&& text, bool& needsRewrite)
+void LDIF_File::readTree(LDIF_Tree&& emptyTree, bool& needsRewrite)
 {
     comment.clear();
-    LDIF_Loader loader(root, comment);
+    tree = std::move(emptyTree);
+    LDIF_Loader loader(tree, comment);
     const auto addPosition = [&](LDIF_Exception& failure) {
         failure.configLine = loader.lineCount();
         failure.configFile = fileName;
     };
     try {
-        LDIF_FormerTree former = giveUpTree(text);
-        loader.load(std::move(text), std::move(former));
+        loader.load();
     } catch (LDIF_Exception& failure) {
         addPosition(failure);
         failure.entryDn = loader.currentDn();
@@ -119,14 +110,16 @@ void LDIF_File::readTree(std::string&& text, bool& needsRewrite)
 
 void LDIF_File::flush()
 try {
-    const std::string& text = renderer.render(root, comment);
-    textSize = text.size();
+    std::string printed;
+    const std::vector<std::string_view> text = tree.pieces(comment, printed);
     FileStatus before = fileStat;
     (void)_stat(fileName.c_str(), &before);  // Its mode may have changed without its time.
+    if (!isRegular(before))
+        throw cannotOpen(fileName);
     if (!backupFileName.empty())
         moveToBackup();
     if (!writeFile(fileName, text, before))
-        throw LDIF_Exception(LDAP_INSUFFICIENT_ACCESS, CFG_ERR_CONFIG_OPEN, "Unable to open: \"" + fileName + '"');
+        throw cannotOpen(fileName);
     readStatus(fileStat);
 } catch (...) {
     completeAndThrow("System error writing file", [&](LDIF_Exception& failure) { failure.configFile = fileName; });

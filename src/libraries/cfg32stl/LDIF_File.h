@@ -3,10 +3,9 @@
 #define LDIF_FILE_H
 
 #include "LDIF_Comment.h"
-#include "LDIF_Entry.h"
 #include "LDIF_Exception.h"
-#include "LDIF_Renderer.h"
 #include "LDIF_Search.h"
+#include "LDIF_Tree.h"
 #include "platform.h"
 
 #include <ldap.h>
@@ -15,8 +14,6 @@
 #include <set>
 #include <string>
 #include <vector>
-
-class LDIF_FormerTree;
 
 // The configuration file as a tree of entries. An object that is made holds a loaded file, and nothing stays open.
 //
@@ -34,17 +31,18 @@ public:
     LDIF_File(const std::string& name, const std::string& backupName);
     LDIF_File(const LDIF_File&) = delete;
     LDIF_File& operator=(const LDIF_File&) = delete;
-    ~LDIF_File();
+    ~LDIF_File() = default;
 
-    // Loads the file again if its modification time has changed; says whether it did. Throws LDIF_Exception: 91 when
-    // the file cannot be found or read; then the tree stays. 65, 34 or 162 for a file that breaks the rules above;
-    // then the tree holds what was read so far, and the next call reads again. What flush throws, when it writes a
-    // repaired file back.
+    // Loads the file again if its modification time has changed or the last load has failed; says whether it did.
+    // Throws LDIF_Exception: 91 when the file cannot be found or read; then the tree stays. 65, 34 or 162 for a file
+    // that breaks the rules above; then the tree holds what was read so far, and the next call reads again. What flush
+    // throws, when it writes a repaired file back.
     bool refresh();
 
     // Writes the file, after moving the old one to the backup name. Throws LDIF_Exception: 50 when it cannot be moved
-    // or opened, 91 when it is gone afterwards, 34 or 163 for a tree that cannot be printed. The text is complete
-    // before any file is touched. A write that fails, for lack of space on the disk say, is not noticed.
+    // or opened or is no regular file, 91 when it is gone afterwards, 34, 162 or 163 for a tree that cannot be printed.
+    // The text is complete before any file is touched. A write that fails, for lack of space on the disk say, is not
+    // noticed.
     void flush();
 
     // Change the tree, not the file. All throw LDIF_Exception with entryDn and configFile.
@@ -57,21 +55,21 @@ public:
     // Removes an entry. 32 without the entry, 66 for one with children unless deleteNonLeaves is set.
     void erase(const LDIF_DN& dn, bool deleteNonLeaves);
 
-    // The entries that match, as copies, or where they stand in the tree, until that changes. Both throw LDIF_Exception
+    // The entries that match, as copies, or as their numbers in the tree, until that changes. Both throw LDIF_Exception
     // (32) without the base entry.
     LDIF_Search_Results search(const LDIF_DN& base, const LDIF_Search_Results::Scope& scope, const LDIF_Filter& filter,
                                const LDIF_AttrFilter& attrs, bool attrsOnly);
-
-    std::vector<const LDIF_Entry*> findEntries(const LDIF_DN& base, LDIF_Search_Results::Scope scope,
+    std::vector<LDIF_Tree::Number> findEntries(const LDIF_DN& base, LDIF_Search_Results::Scope scope,
                                                const LDIF_Filter& filter);
+    const LDIF_Tree& entries() const noexcept { return tree; }
 
     // Checks a login against the entry cn=Configuration; a refused one is noAccess. Null and null is anonymous. Throws
     // LDIF_Exception (32) without that entry, and for a name or password that its syntax refuses.
     Authentication setAuthentication(const char* dn, const char* password, int method);
     Authentication getAuthentication() const noexcept { return authentication; }
 
-    // The tree as an outline, in ASCII or in the line-drawing characters of code page 437, with the levels that no
-    // entry defines listed behind it. Throws LDIF_Exception (34) for a DN that cannot be printed.
+    // The tree as an outline, in ASCII or in the line-drawing characters of code page 437, followed by a list of the
+    // levels that no entry defines. Throws LDIF_Exception (34) for a DN that cannot be printed.
     std::string treeView(bool oem);
 
     const char* getFileName() const noexcept { return fileName.c_str(); }  // the full path
@@ -80,29 +78,26 @@ public:
 
 protected:
     // The drawings of an entry and its subtree. undefined receives the DNs that no entry defines.
-    static std::string IA5_TreeView(const LDIF_Entry& entry, std::set<LDIF_DN>& undefined, const std::string& prefix);
-    static std::string OEM_TreeView(const LDIF_Entry& entry, bool last, std::set<LDIF_DN>& undefined,
-                                    const std::string& prefix);
+    std::string IA5_TreeView(LDIF_Tree::Number entry, std::set<LDIF_DN>& undefined, const std::string& prefix) const;
+    std::string OEM_TreeView(LDIF_Tree::Number entry, bool last, std::set<LDIF_DN>& undefined,
+                             const std::string& prefix) const;
 
 private:
     void modifyEntry(const LDIF_DN& dn, LDAPMod** mods);
     void removeEntry(const LDIF_DN& dn, bool deleteNonLeaves);
-    LDIF_Entry& nearestParent(const LDIF_DN& dn);
+    LDIF_Tree::Number baseEntry(const LDIF_DN& dn);
     Authentication checkLogin(const char* dn, const char* password);
-    std::string readText() const;
-    LDIF_FormerTree giveUpTree(const std::string& newText);
-    void readTree(std::string&& text, bool& needsRewrite);
+    LDIF_Tree readText() const;
+    void readTree(LDIF_Tree&& emptyTree, bool& needsRewrite);
     void moveToBackup();
     void readStatus(FileStatus& status) const;
 
     std::string fileName;
     std::string backupFileName;
     FileStatus fileStat = {};  // as of the last load or write
-    LDIF_Comment comment;      // the lines behind the last entry
-    LDIF_Entry root;
-    LDIF_Renderer renderer;
-    std::size_t textSize = 0;  // in bytes, of the text that the places of the entries refer to
-    std::string textLocale;    // in which it was read
+    LDIF_Comment comment;      // the lines after the last entry
+    LDIF_Tree tree;
+    bool mustRead = false;  // the last load has failed after it had given up the tree before
     Authentication authentication = noAccess;
 };
 

@@ -15,75 +15,100 @@ struct Drawing {
 constexpr Drawing ia5 = {"- ", "+- ", "+- ", "    |", true};
 constexpr Drawing oem437 = {"\xC4 ", "\xC3\xC4 ", "\xC0\xC4 ", "    \xB3", false};
 constexpr char noBar[] = "     ";
+constexpr std::size_t barSize = sizeof noBar - 1;
 
-// One walk over the tree.
+// One walk over the tree, in a loop, for a tree may be deep.
 class Outline {
 public:
-    Outline(const Drawing& pieces, std::set<LDIF_DN>& undefinedDns) : drawing(pieces), undefined(undefinedDns) {}
+    Outline(const Drawing& pieces, const LDIF_Tree& entries, std::set<LDIF_DN>& undefinedDns)
+        : drawing(pieces), tree(entries), undefined(undefinedDns)
+    {}
 
-    void add(const LDIF_Entry& entry, bool isLast, const std::string& prefix)
+    // An entry and all below it. prefix stands in front of its line.
+    void add(LDIF_Tree::Number top, bool isLast, const std::string& topPrefix)
     {
-        const bool isRoot = entry.relativeDn.empty();
-        if (!isRoot)
-            addLine(entry, isLast, prefix);
-        for (const LDIF_Entry& child : entry.children) {
-            const bool isLastChild = &child == &entry.children.back();
-            if (isRoot) {
-                text += '\n';
-                add(child, false, prefix);
-                continue;
+        prefix = topPrefix;
+        if (top != LDIF_Tree::root)
+            addLine(top, isLast);
+        for (auto entry = top; entry != LDIF_Tree::none;) {
+            if (tree.firstChild(entry) != LDIF_Tree::none) {
+                entry = tree.firstChild(entry);
+            } else {
+                for (; entry != top && tree.nextSibling(entry) == LDIF_Tree::none; entry = tree.parent(entry))
+                    leave(entry);
+                if (entry == top)
+                    return;
+                leave(entry);
+                entry = tree.nextSibling(entry);
             }
-            if (drawing.connects)
-                text.append(prefix).append(drawing.bar).append("\n");
-            add(child, isLastChild, prefix + (isLastChild ? noBar : drawing.bar));
+            enter(entry);
         }
     }
 
     std::string text;
 
 private:
-    void addLine(const LDIF_Entry& entry, bool isLast, const std::string& prefix)
+    void enter(LDIF_Tree::Number entry)
     {
+        if (isSuffix(entry)) {
+            text += '\n';
+            return addLine(entry, false);
+        }
+        const bool isLast = tree.nextSibling(entry) == LDIF_Tree::none;
+        if (drawing.connects)
+            text.append(prefix).append(drawing.bar).append("\n");
+        prefix += isLast ? noBar : drawing.bar;
+        addLine(entry, isLast);
+    }
+
+    void leave(LDIF_Tree::Number entry)
+    {
+        if (!isSuffix(entry))
+            prefix.resize(prefix.size() - barSize);
+    }
+
+    bool isSuffix(LDIF_Tree::Number entry) const { return tree.parent(entry) == LDIF_Tree::root; }
+
+    void addLine(LDIF_Tree::Number entry, bool isLast)
+    {
+        const LDIF_DN dn = tree.dn(entry);
+        LDIF_DN relative = dn;
+        relative.removeLeading(tree.levels(tree.parent(entry)));
         if (prefix.empty()) {
-            text.append(drawing.suffix).append(entry.relativeDn.str()).append(" (suffix)\n");
+            text.append(drawing.suffix).append(relative.str()).append(" (suffix)\n");
             return;
         }
         text.append(prefix, 0, prefix.size() - 1).append(isLast ? drawing.lastBranch : drawing.branch);
-        text += entry.relativeDn.str();
-        if (entry.relativeDn.size() > 1)
+        text += relative.str();
+        if (relative.size() > 1)
             text += " *";
         text += '\n';
-        addUndefined(entry);
+        addUndefined(dn, relative.size());
     }
 
-    // The levels between the entry and its parent in the tree.
-    void addUndefined(const LDIF_Entry& entry)
+    // The levels between an entry and its parent in the tree.
+    void addUndefined(LDIF_DN dn, std::size_t levels)
     {
-        LDIF_DN missing = entry.dn;
-        for (auto levels = entry.relativeDn.size(); levels > 1; --levels) {
-            missing.pop_back();
-            undefined.insert(missing);
+        for (; levels > 1; --levels) {
+            dn.pop_back();
+            undefined.insert(dn);
         }
     }
 
     const Drawing& drawing;
+    const LDIF_Tree& tree;
     std::set<LDIF_DN>& undefined;
+    std::string prefix;
 };
-
-std::string drawn(const Drawing& drawing, const LDIF_Entry& entry, bool isLast, std::set<LDIF_DN>& undefined,
-                  const std::string& prefix)
-{
-    Outline outline(drawing, undefined);
-    outline.add(entry, isLast, prefix);
-    return std::move(outline.text);
-}
 
 }  // namespace
 
 std::string LDIF_File::treeView(bool oem)
 {
+    tree.followLocale();
     std::set<LDIF_DN> undefined;
-    std::string outline = oem ? OEM_TreeView(root, true, undefined, "") : IA5_TreeView(root, undefined, "");
+    std::string outline =
+        oem ? OEM_TreeView(LDIF_Tree::root, true, undefined, "") : IA5_TreeView(LDIF_Tree::root, undefined, "");
     if (undefined.empty())
         return outline;
     outline += "\n* the following entries are undefined:\n";
@@ -94,13 +119,18 @@ std::string LDIF_File::treeView(bool oem)
     return outline;
 }
 
-std::string LDIF_File::IA5_TreeView(const LDIF_Entry& entry, std::set<LDIF_DN>& undefined, const std::string& prefix)
+std::string LDIF_File::IA5_TreeView(LDIF_Tree::Number entry, std::set<LDIF_DN>& undefined,
+                                    const std::string& prefix) const
 {
-    return drawn(ia5, entry, false, undefined, prefix);
+    Outline outline(ia5, tree, undefined);
+    outline.add(entry, false, prefix);
+    return std::move(outline.text);
 }
 
-std::string LDIF_File::OEM_TreeView(const LDIF_Entry& entry, bool last, std::set<LDIF_DN>& undefined,
-                                    const std::string& prefix)
+std::string LDIF_File::OEM_TreeView(LDIF_Tree::Number entry, bool last, std::set<LDIF_DN>& undefined,
+                                    const std::string& prefix) const
 {
-    return drawn(oem437, entry, last, undefined, prefix);
+    Outline outline(oem437, tree, undefined);
+    outline.add(entry, last, prefix);
+    return std::move(outline.text);
 }

@@ -148,10 +148,10 @@ void LDIF_File::modifyEntry(const LDIF_DN& dn, LDAPMod** mods)
 {
     if (mods == nullptr || *mods == nullptr)
         return;
-    LDIF_Entry* const entry = root.find(dn);
-    if (entry == nullptr)
+    const LDIF_Tree::Number number = tree.find(dn);
+    if (number == LDIF_Tree::none)
         throw notFound();
-    entry->forgetText();
+    const LDIF_Tree::Opened entry(tree, number);
     for (; *mods != nullptr; ++mods)
         apply(*entry, **mods);
 }
@@ -161,7 +161,7 @@ try {
     LDIF_Entry entry(dn);
     for (; mods != nullptr && *mods != nullptr; ++mods)
         addValues(entry, Modification(**mods));
-    root.place(std::move(entry));
+    tree.add(std::move(entry));
 } catch (...) {
     wrapAndThrow("System error in LDIF_File::add()", fieldsOf(dn, fileName));
 }
@@ -175,26 +175,11 @@ try {
 
 void LDIF_File::removeEntry(const LDIF_DN& dn, bool deleteNonLeaves)
 {
-    LDIF_Entry& parent = nearestParent(dn);
-    LDIF_DN relative = dn;
-    relative.removeLeading(parent.dn.size());
-    const auto entry = parent.findChild(relative, 0);
-    if (entry == parent.children.end() || entry->relativeDn != relative)
+    const LDIF_Tree::Number entry = tree.find(dn);
+    if (entry == LDIF_Tree::none || entry == LDIF_Tree::root)
         throw notFound();
-    if (!entry->children.empty() && !deleteNonLeaves)
+    if (tree.firstChild(entry) != LDIF_Tree::none && !deleteNonLeaves)
         throw LDIF_Exception(LDAP_NOT_ALLOWED_ON_NONLEAF, LDAP_NOT_ALLOWED_ON_NONLEAF,
                              "Use CFG_OPT_DELETE_NON_LEAVES to enable subtree delete");
-    parent.eraseChild(entry);
-}
-
-// The nearest entry above dn, which is the root at the last.
-LDIF_Entry& LDIF_File::nearestParent(const LDIF_DN& dn)
-{
-    LDIF_DN parent = dn;
-    while (!parent.empty()) {
-        parent.pop_back();
-        if (LDIF_Entry* const found = root.find(parent))
-            return *found;
-    }
-    return root;
+    tree.erase(entry);
 }

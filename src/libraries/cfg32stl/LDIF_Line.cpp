@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <istream>
+#include <iterator>
 
 namespace {
 
@@ -28,7 +29,7 @@ void appendWithoutFirst(std::string_view text, std::string& out)
 }
 
 // continuation = a white space, then text that goes behind the value as it is
-int readContinuations(LDIF_LineSource& in, int lastLine, std::string& value, bool& isPlain)
+int readContinuations(LDIF_TextSource& in, int lastLine, std::string& value, bool& isPlain)
 {
     for (; in.good(); ++lastLine) {
         const LDIF_PhysicalLine& line = in.read();
@@ -75,13 +76,27 @@ void LDIF_Line::clear() noexcept
     wellFormed = true;
 }
 
+// The stream is read to its end, and goes back to where the next line begins.
 int LDIF_Line::next(std::istream& in, int lastLine)
 {
-    LDIF_StreamSource source(in);
-    return next(source, lastLine);
+    if (!in.good()) {
+        clear();
+        lineNumber = lastLine + 1;
+        return lastLine;
+    }
+    const std::istream::pos_type start = in.tellg();
+    std::string text(std::istreambuf_iterator<char>(in), {});
+    const Wiper wiper(text);
+    LDIF_TextSource source(text);
+    const int last = next(source, lastLine);
+    if (source.good())
+        in.seekg(start + static_cast<std::streamoff>(source.position()));
+    else
+        in.setstate(std::ios::eofbit);
+    return last;
 }
 
-int LDIF_Line::next(LDIF_LineSource& in, int lastLine)
+int LDIF_Line::next(LDIF_TextSource& in, int lastLine)
 {
     clear();
     lineNumber = lastLine + 1;

@@ -7,7 +7,7 @@
 #include <iosfwd>
 #include <string>
 
-class LDIF_LineSource;
+class LDIF_TextSource;
 struct LDIF_PhysicalLine;
 
 // A line of the library's dialect of LDIF (RFC 2849): folded lines are joined, the name stands before the first colon,
@@ -27,7 +27,7 @@ public:
     // first; the result is that number after the call. At the end of the input the type is endOfFile. A stream is in
     // binary mode and can be positioned. Throws LDIF_Exception (162) for text that the locale cannot convert.
     int next(std::istream& in, int lastLine);
-    int next(LDIF_LineSource& in, int lastLine);
+    int next(LDIF_TextSource& in, int lastLine);
 
     // The line as text, without a line end.
     virtual std::string str() const;

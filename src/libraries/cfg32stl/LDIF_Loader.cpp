@@ -1,14 +1,11 @@
 #include "LDIF_Loader.h"
 
+#include "LDIF_EntryReader.h"
 #include "LDIF_Exception.h"
-#include "LDIF_TextHash.h"
 #include "LDIF_Util.h"
 #include "zebldapcfg.h"
 
 #include <algorithm>
-#include <cstdint>
-#include <limits>
-#include <string_view>
 #include <utility>
 
 namespace {
@@ -34,38 +31,70 @@ bool canBeQuarantined(const LDIF_Exception& failure)
 
 }  // namespace
 
-void LDIF_Loader::load(std::string&& text, LDIF_FormerTree&& formerTree)
+LDIF_Loader::LDIF_Loader(LDIF_Tree& emptyTree, LDIF_Comment& waitingLines)
+    : tree(emptyTree), root(tree.rootEntry()), waiting(waitingLines), source({tree.fileText(), tree.fileSize()})
+{}
+
+void LDIF_Loader::load()
 {
-    former = std::move(formerTree);
-    source.emplace(std::move(text));
     try {
-        readLines();
+        readText();
     } catch (...) {
         finishQuietly();
         throw;
     }
-    source.reset();
     tree.finish();
 }
 
 // The tree so far, for a load that has failed. Without memory for it the failure goes on all the same.
 void LDIF_Loader::finishQuietly() noexcept
 {
+    wipe(tree.fileText() + done, tree.fileSize() - done);
     try {
         tree.finish();
     } catch (...) {
-        root.children.clear();
+        return;  // The tree has no entries then.
     }
 }
 
-void LDIF_Loader::readLines()
+void LDIF_Loader::readText()
 {
+    LDIF_EntryReader reader;
     LDIF_Line line;
     const Wiper wiper(line.value);
-    while (readLine(line))
+    for (;;) {
+        if (readEntry(reader))
+            continue;
+        if (!readLine(line))
+            break;
         take(line);
+        if (!current && waiting.lines.empty())
+            forget();
+    }
     closeEntry();
+    forget();
     dropTrailingBlankLines();
+}
+
+// Takes in the next entry as it stands, where one may stand and no lines wait for it. The head is complete then.
+bool LDIF_Loader::readEntry(LDIF_EntryReader& reader)
+{
+    if (current || !waiting.lines.empty() || !seenCharset || !seenVersion)
+        return false;
+    const LDIF_EntryReader::Form form = reader.read(source.rest());
+    if (form == LDIF_EntryReader::unknown || !tree.load(reader.entry(), form == LDIF_EntryReader::asWritten))
+        return false;
+    source.skip(reader.length());
+    lastLine += reader.lineCount();
+    done = source.position();
+    return true;
+}
+
+// Overwrites what has been read and is kept nowhere: it may hold clear passwords.
+void LDIF_Loader::forget() noexcept
+{
+    wipe(tree.fileText() + done, source.position() - done);
+    done = source.position();
 }
 
 std::string LDIF_Loader::currentDn() const
@@ -77,7 +106,7 @@ std::string LDIF_Loader::currentDn() const
 bool LDIF_Loader::readLine(LDIF_Line& line)
 {
     try {
-        lastLine = line.next(*source, lastLine);
+        lastLine = line.next(source, lastLine);
     } catch (...) {
         ++lastLine;
         throw;
@@ -104,46 +133,13 @@ void LDIF_Loader::take(LDIF_Line& line)
     }
 }
 
-// The blank line that ends an entry is not kept: each entry is written with one behind it.
+// The blank line that ends an entry is not kept: each entry is written with one after it.
 void LDIF_Loader::takeBlankLine(const LDIF_Line& line)
 {
-    if (!current) {
+    if (current)
+        closeEntry();
+    else
         waiting += line;
-        return;
-    }
-    if (waiting.lines.empty()) {
-        noteText();
-        closeEntry();
-        beginBlock();
-    } else {
-        blockStart = undefined;
-        closeEntry();
-    }
-}
-
-// What the text of the current entry is, for the next load. It reads the same behind any entry that leaves no lines to
-// the next.
-void LDIF_Loader::noteText()
-{
-    if (blockStart == undefined)
-        return;
-    const std::string_view text = source->textFrom(blockStart);
-    if (text.back() == '\n' && text.size() <= std::numeric_limits<std::uint32_t>::max())
-        current->fileText() = {blockStart, static_cast<std::uint32_t>(text.size()), 0, textHash(text)};
-}
-
-// Takes over the entries that stand here as they stood in the text before.
-void LDIF_Loader::beginBlock()
-{
-    blockStart = source->position();
-    while ((current = former.takeAt(blockStart))) {
-        LDIF_Entry::FileText& text = current->fileText();
-        text.offset = blockStart;
-        lastLine += source->skip(text.length);
-        blockStart += text.length;
-        closeEntry();
-    }
-    source->forgetBefore(blockStart);
 }
 
 void LDIF_Loader::takeAttribute(LDIF_Line& line)
@@ -218,8 +214,6 @@ void LDIF_Loader::addOnce(const LDIF_Attribute& attribute, const char* name, boo
 // The first entry marks the head as complete.
 void LDIF_Loader::openEntry(const LDIF_Line& line)
 {
-    if (current)
-        blockStart = undefined;
     closeEntry();
     addDefault("charset", "ISO-8859-1", seenCharset);
     addDefault("version", "1", seenVersion);
@@ -231,7 +225,6 @@ void LDIF_Loader::openEntry(const LDIF_Line& line)
         current.reset();
         throw;
     }
-    current->attributes.reserve(attributeCount);
     std::swap(current->comment, waiting);
 }
 
@@ -241,8 +234,9 @@ void LDIF_Loader::closeEntry()
         return;
     if (!late.empty())
         takeInLate();
-    attributeCount = current->attributes.size();
-    tree.add(std::move(*current));
+    const std::size_t end = source.position();
+    if (tree.load(std::move(*current), {tree.fileText() + done, end - done}))
+        done = end;
     current.reset();
 }
 
@@ -260,7 +254,6 @@ void LDIF_Loader::quarantine(LDIF_Line& line)
 {
     line.changeToInvalidAttr();
     quarantined = true;
-    blockStart = undefined;
 }
 
 void LDIF_Loader::dropTrailingBlankLines()

@@ -3,7 +3,9 @@
 #include "LDIF_AttrType.h"
 #include "LDIF_Exception.h"
 #include "LDIF_File.h"
+#include "LDIF_Syntax.h"
 #include "LDIF_Util.h"
+#include "platform.h"
 
 #include <algorithm>
 #include <ostream>
@@ -20,49 +22,90 @@ void write(std::ostream& stream, const LDIF_Attribute& attribute, bool nameOnly)
         stream << attribute.name << ": " << value << std::endl;
 }
 
-// The walk of a search. Gives each entry that is found to take.
-template <typename Take>
+// The walk of a search, in a loop, for a tree may be deep.
 class Walk {
 public:
-    Walk(LDIF_Search_Results::Scope reach, const LDIF_Filter& test, Take taker)
-        : scope(reach), filter(test), take(taker)
+    Walk(const LDIF_Tree& entries, LDIF_Tree::Number start, LDIF_Search_Results::Scope reach, const LDIF_Filter& test)
+        : tree(entries), base(start), scope(reach), filter(test)
     {}
 
-    // A failure gets a link for each entry on the way up.
-    void visit(const LDIF_Entry& entry, bool isBase)
+    std::vector<LDIF_Tree::Number> matches() const
     {
-        try {
-            visitEntry(entry, isBase);
-        } catch (...) {
-            wrapAndThrow("System error in LDIF_Search_Results::addEntry()",
-                         [&](LDIF_Exception& failure) { failure.entryDn = printable(entry.dn); });
+        std::vector<LDIF_Tree::Number> found;
+        for (auto entry = base; entry != LDIF_Tree::none; entry = next(entry)) {
+            if (isMatch(entry) && (entry != base || scope != LDIF_Search_Results::oneLevel))
+                found.push_back(entry);
         }
+        return found;
     }
 
 private:
     // The base of a one-level search is tested, though it is no result, and its test may fail.
-    void visitEntry(const LDIF_Entry& entry, bool isBase)
-    {
-        const bool matches = filter.match(entry);
-        if (matches && !(isBase && scope == LDIF_Search_Results::oneLevel))
-            take(entry);
-        if (scope == LDIF_Search_Results::base || (scope == LDIF_Search_Results::oneLevel && !isBase))
-            return;
-        for (const LDIF_Entry& child : entry.children)
-            visit(child, false);
+    bool isMatch(LDIF_Tree::Number entry) const
+    try {
+        const LDIF_Entry* const object = tree.object(entry);
+        return object != nullptr ? filter.match(*object) : filter.match(tree.text(entry));
+    } catch (...) {
+        throw failureAt(entry);
     }
 
+    LDIF_Tree::Number next(LDIF_Tree::Number entry) const
+    {
+        if (scope == LDIF_Search_Results::subtree)
+            return tree.nextBelow(entry, base);
+        if (scope == LDIF_Search_Results::base)
+            return LDIF_Tree::none;
+        return entry == base ? tree.firstChild(entry) : tree.nextSibling(entry);
+    }
+
+    // The failure being handled, with a link for each entry on the way up.
+    LDIF_Exception failureAt(LDIF_Tree::Number entry, SourcePos pos = SourcePos::here()) const
+    {
+        auto failure =
+            std::make_unique<LDIF_Exception>(wrapCurrent("System error in LDIF_Search_Results::addEntry()", pos));
+        failure->entryDn = printable(tree.dn(entry));
+        while (entry != base) {
+            entry = tree.parent(entry);
+            failure = std::make_unique<LDIF_Exception>(pos.file, pos.line, std::move(*failure));
+            failure->entryDn = printable(tree.dn(entry));
+        }
+        return std::move(*failure);
+    }
+
+    const LDIF_Tree& tree;
+    const LDIF_Tree::Number base;
     const LDIF_Search_Results::Scope scope;
     const LDIF_Filter& filter;
-    Take take;
 };
+
+LDIF_Entry selected(const LDIF_Entry& entry, const LDIF_AttrFilter& selection)
+{
+    LDIF_Entry copy;
+    copy.name = entry.name;
+    copy.dn = entry.dn;
+    for (const LDIF_Attribute& attribute : entry.attributes) {
+        if (selection.selects(attribute.name))
+            copy += attribute;
+    }
+    return copy;
+}
+
+// Whether a value in its canonical text equals another one of its type.
+bool isEqual(std::string_view text, const LDIF_Value& value)
+{
+    const LDIF_Syntax& syntax = syntaxOf(*value.attrType);
+    const std::string& other = value.stringValue;
+    if (&syntax == &syntax::pw || (&syntax == &syntax::dn && !(isSimpleDn(text) && isSimpleDn(other))))
+        return LDIF_Value(value.attrType, std::string(text)).equals(value);
+    return text.size() == other.size() && (syntax.foldsCase ? compareFolded(text, other) == 0 : text == other);
+}
 
 }  // namespace
 
 LDIF_Filter::~LDIF_Filter()
 {
     wipe(value);
-    wipe(memory->text);
+    wipe(wanted->text);
 }
 
 LDIF_Filter::LDIF_Filter(const std::string& text)
@@ -115,40 +158,38 @@ void LDIF_Filter::readValue(const std::string& text)
 
 bool LDIF_Filter::match(const LDIF_Entry& entry) const
 {
-    const LDIF_Attribute* const found = find(entry.attributes);
-    if (found == nullptr || anyValue)
-        return found != nullptr;
-    if (found->values.empty())
-        return false;
-    auto& wanted = memory->value;
-    if (wanted == nullptr || memory->text != value) {
-        wanted = std::make_unique<LDIF_Value>(found->values.attrType, value);
-        memory->text = value;
-    }
-    return found->values.contains(*wanted);
-}
-
-// A type with a name belongs to one name.
-bool LDIF_Filter::isWanted(const LDIF_Attribute& attribute) const
-{
-    if (memory->type->name != nullptr)
-        return attribute.values.attrType == memory->type;
-    return attribute.name == attr;
-}
-
-const LDIF_Attribute* LDIF_Filter::find(const LDIF_Attributes& attributes) const
-{
-    if (memory->attr != attr.c_str())
-        *memory = Memory();
-    if (memory->type != nullptr && memory->place < attributes.size() && isWanted(attributes[memory->place]))
-        return &attributes[memory->place];
+    const LDIF_Attributes& attributes = entry.attributes;
     const LDIF_Attribute* const found = attributes.find(attr);
-    if (found == attributes.data() + attributes.size())
-        return nullptr;
-    memory->place = static_cast<std::size_t>(found - attributes.data());
-    memory->type = found->values.attrType;
-    memory->attr = attr;
-    return found;
+    if (found == attributes.data() + attributes.size() || anyValue)
+        return found != attributes.data() + attributes.size();
+    return !found->values.empty() && found->values.contains(wantedValue());
+}
+
+bool LDIF_Filter::match(const LDIF_EntryText& entry) const
+{
+    std::string_view lines = entry.attributes();
+    const bool hasAttribute = skipTo(lines, attr);
+    if (!hasAttribute || anyValue)
+        return hasAttribute;
+    const LDIF_Value& other = wantedValue();
+    while (!lines.empty()) {
+        const LDIF_TextLine line = takeLine(lines);
+        if (compareFolded(line.name, attr) != 0)
+            return false;
+        if (isEqual(line.value, other))
+            return true;
+    }
+    return false;
+}
+
+const LDIF_Value& LDIF_Filter::wantedValue() const
+{
+    if (wanted->value == nullptr || wanted->text != value || wanted->attr != attr.c_str()) {
+        wanted->value = std::make_unique<LDIF_Value>(getAttrType(attr.c_str()), value);
+        wanted->text = value;
+        wanted->attr = attr;
+    }
+    return *wanted->value;
 }
 
 LDIF_Search_Results::LDIF_Search_Results(const Scope& reach, const LDIF_Filter& test, const LDIF_AttrFilter& selection,
@@ -156,38 +197,16 @@ LDIF_Search_Results::LDIF_Search_Results(const Scope& reach, const LDIF_Filter& 
     : scope(reach), filter(test), attrFilter(selection), attrsOnly(namesOnly)
 {}
 
-LDIF_Search_Results& LDIF_Search_Results::operator+=(const LDIF_Entry& entry)
+void LDIF_Search_Results::search(const LDIF_Tree& tree, LDIF_Tree::Number entry)
 {
-    return addEntry(entry, true);
+    for (const LDIF_Tree::Number found : findMatches(tree, entry, scope, filter))
+        push_back(selected(tree.entry(found), attrFilter));
 }
 
-LDIF_Search_Results& LDIF_Search_Results::addEntry(const LDIF_Entry& entry, const bool& isBase)
+std::vector<LDIF_Tree::Number> findMatches(const LDIF_Tree& tree, LDIF_Tree::Number base,
+                                           LDIF_Search_Results::Scope scope, const LDIF_Filter& filter)
 {
-    Walk walk(scope, filter, [this](const LDIF_Entry& found) { take(found); });
-    walk.visit(entry, isBase);
-    return *this;
-}
-
-void LDIF_Search_Results::take(const LDIF_Entry& entry)
-{
-    LDIF_Entry copy;
-    copy.name = entry.name;
-    copy.dn = entry.dn;
-    copy.relativeDn = entry.relativeDn;
-    for (const LDIF_Attribute& attribute : entry.attributes) {
-        if (attrFilter.selects(attribute))
-            copy += attribute;
-    }
-    push_back(std::move(copy));
-}
-
-std::vector<const LDIF_Entry*> findMatches(const LDIF_Entry& base, LDIF_Search_Results::Scope scope,
-                                           const LDIF_Filter& filter)
-{
-    std::vector<const LDIF_Entry*> matches;
-    Walk walk(scope, filter, [&](const LDIF_Entry& found) { matches.push_back(&found); });
-    walk.visit(base, true);
-    return matches;
+    return Walk(tree, base, scope, filter).matches();
 }
 
 std::ostream& operator<<(std::ostream& stream, const LDIF_Search_Results& results)
@@ -201,27 +220,28 @@ std::ostream& operator<<(std::ostream& stream, const LDIF_Search_Results& result
     return stream;
 }
 
-std::vector<const LDIF_Entry*> LDIF_File::findEntries(const LDIF_DN& base, LDIF_Search_Results::Scope scope,
+std::vector<LDIF_Tree::Number> LDIF_File::findEntries(const LDIF_DN& base, LDIF_Search_Results::Scope scope,
                                                       const LDIF_Filter& filter)
 try {
-    const LDIF_Entry* const entry = root.find(base);
-    if (entry == nullptr)
-        throw LDIF_Exception(LDAP_NO_SUCH_OBJECT, LDAP_NO_SUCH_OBJECT, "Base entry not found");
-    return findMatches(*entry, scope, filter);
+    return findMatches(tree, baseEntry(base), scope, filter);
 } catch (...) {
     wrapAndThrow("System error in LDIF_File::search()", fieldsOf(base, fileName));
 }
 
 LDIF_Search_Results LDIF_File::search(const LDIF_DN& base, const LDIF_Search_Results::Scope& scope,
                                       const LDIF_Filter& filter, const LDIF_AttrFilter& attrs, bool attrsOnly)
+try {
+    LDIF_Search_Results results(scope, filter, attrs, attrsOnly);
+    results.search(tree, baseEntry(base));
+    return results;
+} catch (...) {
+    wrapAndThrow("System error in LDIF_File::search()", fieldsOf(base, fileName));
+}
+
+LDIF_Tree::Number LDIF_File::baseEntry(const LDIF_DN& dn)
 {
-    const std::vector<const LDIF_Entry*> found = findEntries(base, scope, filter);
-    try {
-        LDIF_Search_Results results(scope, filter, attrs, attrsOnly);
-        for (const LDIF_Entry* entry : found)
-            results.take(*entry);
-        return results;
-    } catch (...) {
-        wrapAndThrow("System error in LDIF_File::search()", fieldsOf(base, fileName));
-    }
+    const LDIF_Tree::Number entry = tree.find(dn);
+    if (entry == LDIF_Tree::none)
+        throw LDIF_Exception(LDAP_NO_SUCH_OBJECT, LDAP_NO_SUCH_OBJECT, "Base entry not found");
+    return entry;
 }

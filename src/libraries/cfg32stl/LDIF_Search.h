@@ -2,7 +2,10 @@
 #ifndef LDIF_SEARCH_H
 #define LDIF_SEARCH_H
 
+#include "LDIF_Aid.h"
 #include "LDIF_Entry.h"
+#include "LDIF_EntryText.h"
+#include "LDIF_Tree.h"
 #include "cisString.h"
 
 #include <iosfwd>
@@ -30,34 +33,31 @@ public:
     ~LDIF_Filter();
     LDIF_Filter& operator=(const std::string& text);
 
-    // Throws LDIF_Exception for a value that the attribute's syntax refuses.
+    // Both throw LDIF_Exception for a value that the attribute's syntax refuses.
     virtual bool match(const LDIF_Entry& entry) const;
+    bool match(const LDIF_EntryText& entry) const;
 
 private:
-    // What one entry's test leaves for the next: entries of one kind are alike, and so are the values of one type.
-    struct Memory {
-        std::string attr;       // for which this was kept
-        std::string text;       // of value
-        std::size_t place = 0;  // of the attribute, in the entry before
+    // The value as the attribute's type has it, which is made once for all entries.
+    struct Wanted {
+        std::string attr;  // for which it was made
+        std::string text;
         std::unique_ptr<LDIF_Value> value;
-        const _AttrType* type = nullptr;  // of the attribute
     };
 
     void readValue(const std::string& text);
-    const LDIF_Attribute* find(const LDIF_Attributes& attributes) const;
-    bool isWanted(const LDIF_Attribute& attribute) const;
+    const LDIF_Value& wantedValue() const;
 
-    mutable LDIF_Aid<Memory> memory;
+    mutable LDIF_Aid<Wanted> wanted;
 };
 
 // The names of the attributes wanted; none means all.
 class LDIF_AttrFilter : public std::set<cisString> {
 public:
-    bool selects(const LDIF_Attribute& attribute) const { return empty() || count(attribute.name) != 0; }
+    bool selects(std::string_view name) const { return empty() || count(cisString(std::string(name))) != 0; }
 };
 
-// The entries that a search has found, in preorder, as copies without comment and children. Adding an entry searches
-// it and, as far as the scope says, what lies below.
+// The entries that a search has found, in preorder, as copies without comment.
 class LDIF_Search_Results : public std::vector<LDIF_Entry> {
 public:
     enum Scope { base = 0, oneLevel = 1, subtree = 2 };
@@ -69,19 +69,15 @@ public:
 
     LDIF_Search_Results(const Scope& reach, const LDIF_Filter& test, const LDIF_AttrFilter& selection, bool namesOnly);
 
-    // entry is the base of the search. Throws LDIF_Exception for a value that an attribute's syntax refuses, with a
-    // link and entryDn for each entry on the way down.
-    LDIF_Search_Results& operator+=(const LDIF_Entry& entry);
-    // Adds a copy of an entry that is found.
-    void take(const LDIF_Entry& entry);
-
-protected:
-    LDIF_Search_Results& addEntry(const LDIF_Entry& entry, const bool& isBase);
+    // Searches an entry of a tree and, as far as the scope says, what lies below, and adds what is found. Throws
+    // LDIF_Exception for a value that an attribute's syntax refuses, with a link and entryDn for each entry on the way
+    // down.
+    void search(const LDIF_Tree& tree, LDIF_Tree::Number entry);
 };
 
-// The entries that a search from base finds, in preorder, where they stand in the tree. Throws as += above does.
-std::vector<const LDIF_Entry*> findMatches(const LDIF_Entry& base, LDIF_Search_Results::Scope scope,
-                                           const LDIF_Filter& filter);
+// The entries that a search from base finds, in preorder. Throws as search above does.
+std::vector<LDIF_Tree::Number> findMatches(const LDIF_Tree& tree, LDIF_Tree::Number base,
+                                           LDIF_Search_Results::Scope scope, const LDIF_Filter& filter);
 
 // The number of entries, then each entry as text, without values when only names are wanted.
 std::ostream& operator<<(std::ostream& stream, const LDIF_Search_Results& results);

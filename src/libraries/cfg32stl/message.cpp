@@ -165,13 +165,11 @@ void cfg_value_free(char** values)
     std::free(values);
 }
 
-// Along the list in a loop: a result may hold a million entries.
+// An entry is one block with all below it. Records of attributes and values belong to their entry.
 int cfg_msgfree(CFGMessage* message)
 {
-    while (message != nullptr) {
+    while (message != nullptr && message->type == CFG_MSG_ENTRY) {
         CFGMessage* const next = message->next;
-        std::free(message->text);
-        cfg_msgfree(message->child);
         std::free(message);
         message = next;
     }

@@ -1,11 +1,14 @@
 #include "cfg.h"
 
+#include "LDIF_AttrType.h"
 #include "LDIF_Syntax.h"
 #include "LDIF_Util.h"
 #include "PasswordCodec.h"
 
 #include <cstdlib>
+#include <cstring>
 #include <memory>
+#include <string_view>
 #include <vector>
 
 namespace {
@@ -17,103 +20,174 @@ struct ChainDeleter {
 };
 using Chain = std::unique_ptr<CFGMessage, ChainDeleter>;
 
-char* copyText(const std::string& text)
-{
-    char* const copy = _strdup(text.c_str());
-    if (copy == nullptr)
-        throw static_cast<char*>(outOfMemory);
-    return copy;
-}
-
-// One level of a result. A record is linked before it is filled in, so that the chain is whole at every moment.
-class RecordList {
+// The record of an entry with those of its attributes and values and all their texts, in one block of the C heap. The
+// records come in the order in which a walk meets them.
+class RecordBlock {
 public:
-    RecordList(CFGMessage*& head, int recordType) : end(&head), type(recordType) {}
+    RecordBlock() = default;
+    RecordBlock(const RecordBlock&) = delete;
+    RecordBlock& operator=(const RecordBlock&) = delete;
+    ~RecordBlock() { clear(); }
 
-    CFGMessage& append()
+    void clear() noexcept
     {
-        auto* const record = static_cast<CFGMessage*>(std::malloc(sizeof(CFGMessage)));
-        if (record == nullptr)
+        if (hasSecret)
+            wipe(texts);
+        hasSecret = false;
+        texts.clear();
+        records.clear();
+    }
+    // A clear password, which leaves no other copy than that of the result.
+    void addSecret(std::string_view text)
+    {
+        hasSecret = true;
+        add(CFG_MSG_VALUE, text);
+    }
+    void add(int type, std::string_view text)
+    {
+        records.push_back({type, texts.size()});
+        reserveWiping(texts, texts.size() + text.size() + 1);
+        texts.append(text).append(1, '\0');
+    }
+    // A value without a text.
+    void addNull() { records.push_back({CFG_MSG_VALUE, noText}); }
+
+    CFGMessage* make() const
+    {
+        void* const block = std::malloc(records.size() * sizeof(CFGMessage) + texts.size());
+        if (block == nullptr)
             throw static_cast<char*>(outOfMemory);
-        *record = {type, nullptr, nullptr, nullptr};
-        *end = record;
-        end = &record->next;
-        return *record;
+        auto* const made = static_cast<CFGMessage*>(block);
+        char* const text = reinterpret_cast<char*>(made + records.size());
+        std::memcpy(text, texts.data(), texts.size());
+        CFGMessage** ends[] = {nullptr, nullptr, nullptr};  // where the next record of a level is linked
+        for (std::size_t at = 0; at < records.size(); ++at) {
+            const auto& [type, offset] = records[at];
+            made[at] = {type, offset == noText ? nullptr : text + offset, nullptr, nullptr};
+            if (type != CFG_MSG_ENTRY)
+                *ends[type] = &made[at];
+            ends[type] = &made[at].next;
+            if (type != CFG_MSG_VALUE)
+                ends[type + 1] = &made[at].child;
+        }
+        return made;
     }
 
 private:
-    CFGMessage** end;
-    const int type;
+    static constexpr std::size_t noText = static_cast<std::size_t>(-1);
+
+    struct Record {
+        int type;
+        std::size_t offset;  // of its text
+    };
+
+    std::vector<Record> records;
+    std::string texts;
+    bool hasSecret = false;
 };
 
 // Turns the entries that a search has found into the records of a result.
 class ChainBuilder {
 public:
     ChainBuilder(const LDIF_File& file, const LDIF_AttrFilter& wanted)
-        : selection(wanted), isDecoding(file.getAuthentication() != LDIF_File::noAccess)
+        : tree(file.entries()), selection(wanted), isDecoding(file.getAuthentication() != LDIF_File::noAccess)
     {}
 
-    Chain build(const std::vector<const LDIF_Entry*>& found) const
+    Chain build(const std::vector<LDIF_Tree::Number>& found)
     {
-        CFGMessage* first = nullptr;
-        RecordList list(first, CFG_MSG_ENTRY);
         Chain chain;
-        for (const LDIF_Entry* entry : found) {
-            CFGMessage& record = list.append();
-            if (chain == nullptr)
-                chain.reset(first);
-            record.text = copyText(entry->dn.str());
-            addAttributes(record, *entry);
+        CFGMessage* last = nullptr;
+        for (const LDIF_Tree::Number entry : found) {
+            block.clear();
+            add(entry);
+            CFGMessage* const record = block.make();
+            if (last == nullptr)
+                chain.reset(record);
+            else
+                last->next = record;
+            last = record;
         }
         return chain;
     }
 
 private:
-    void addAttributes(CFGMessage& parent, const LDIF_Entry& entry) const
+    void add(LDIF_Tree::Number entry)
     {
-        RecordList list(parent.child, CFG_MSG_ATTRIBUTE);
-        for (const LDIF_Attribute& attribute : entry.attributes) {
-            if (!selection.selects(attribute))
+        const LDIF_Entry* const object = tree.object(entry);
+        if (object == nullptr)
+            return addText(tree.text(entry));
+        const std::string dn = object->dn.str();
+        block.add(CFG_MSG_ENTRY, dn);
+        for (const LDIF_Attribute& attribute : object->attributes) {
+            if (!addAttribute(attribute.name))
                 continue;
-            CFGMessage& record = list.append();
-            record.text = copyText(attribute.name);
-            addValues(record, entry, attribute);
+            for (const LDIF_Value& value : attribute.values)
+                addValue(value.str(), attribute.name, dn);
         }
     }
 
-    void addValues(CFGMessage& parent, const LDIF_Entry& entry, const LDIF_Attribute& attribute) const
+    void addText(const LDIF_EntryText& entry)
     {
-        const _AttrType* const type = attribute.values.attrType;
-        const bool isPassword = isDecoding && type != nullptr && &syntaxOf(*type) == &syntax::pw;
-        RecordList list(parent.child, CFG_MSG_VALUE);
-        std::string buffer;
-        for (const LDIF_Value& value : attribute.values) {
-            CFGMessage& record = list.append();
-            record.text = isPassword ? decoded(value, entry, attribute) : copyText(value.text(buffer));
+        block.add(CFG_MSG_ENTRY, entry.dn());
+        bool isWanted = false;
+        std::string_view name;
+        for (std::string_view lines = entry.attributes(); !lines.empty();) {
+            const LDIF_TextLine line = takeLine(lines);
+            if (line.name.empty())
+                continue;  // a comment
+            if (line.name != name)
+                isWanted = addAttribute(name = line.name);
+            if (isWanted)
+                addValue(line.value, name, entry.dn());
         }
     }
 
-    // The clear text as the codec gives it, on the C heap; it may be null.
-    static char* decoded(const LDIF_Value& value, const LDIF_Entry& entry, const LDIF_Attribute& attribute)
+    // Says whether it is wanted.
+    bool addAttribute(std::string_view name)
     {
+        if (!selection.selects(name))
+            return false;
+        block.add(CFG_MSG_ATTRIBUTE, name);
+        type = getAttrType(std::string(name).c_str());
+        isPassword = isDecoding && &syntaxOf(*type) == &syntax::pw;
+        return true;
+    }
+
+    void addValue(std::string_view text, std::string_view name, std::string_view dn)
+    {
+        if (!isPassword)
+            return block.add(CFG_MSG_VALUE, text);
         ClearText clear;
-        const int status = decodePassword(value.str(), clear);
-        if (status == 0)
-            return clear.release();
-        LDIF_Exception failure(status, status, "_pwcodec_decode_buffer();");
-        failure.value = value.str();
-        failure.attrType = value.attrType;
-        failure.entryDn = printable(entry.dn);
-        failure.attribute = attribute.name;
-        throw failure;
+        const int status = decodePassword(std::string(text), clear);
+        if (status != 0)
+            throw undecodable(status, text, name, dn);
+        if (clear != nullptr)
+            block.addSecret(clear.get());
+        else
+            block.addNull();
     }
 
+    LDIF_Exception undecodable(int status, std::string_view text, std::string_view name, std::string_view dn,
+                               SourcePos pos = SourcePos::here()) const
+    {
+        LDIF_Exception failure(status, status, "_pwcodec_decode_buffer();", pos);
+        failure.value = text;
+        failure.attrType = type;
+        failure.entryDn = dn;
+        failure.attribute = name;
+        return failure;
+    }
+
+    const LDIF_Tree& tree;
     const LDIF_AttrFilter& selection;
     const bool isDecoding;
+    RecordBlock block;
+    const _AttrType* type = nullptr;  // of the attribute at hand
+    bool isPassword = false;
 };
 
 // Whatever but an LDIF_Exception happens while the chain is built counts as exhausted memory.
-int buildChain(const ChainBuilder& builder, const std::vector<const LDIF_Entry*>& found, CFGMessage*& result)
+int buildChain(ChainBuilder&& builder, const std::vector<LDIF_Tree::Number>& found, CFGMessage*& result)
 {
     try {
         result = builder.build(found).release();

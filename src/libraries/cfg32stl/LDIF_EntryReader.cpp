@@ -1,0 +1,402 @@
+#include "LDIF_EntryReader.h"
+
+#include "LDIF_AttrType.h"
+#include "LDIF_DnKey.h"
+#include "LDIF_Exception.h"
+#include "LDIF_Syntax.h"
+#include "LDIF_Util.h"
+#include "LDIF_Value.h"
+#include "cisString.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+
+namespace {
+
+bool isSpace(char byte) noexcept
+{
+    return byte == ' ' || (byte >= '\t' && byte <= '\r');
+}
+
+bool isEdge(char byte) noexcept
+{
+    return isSpace(byte) || byte == '(' || byte == ')';
+}
+
+bool hasEdges(std::string_view text) noexcept
+{
+    return !text.empty() && (isEdge(text.front()) || isEdge(text.back()));
+}
+
+bool startsWith(std::string_view text, std::string_view start) noexcept
+{
+    return text.size() >= start.size() && std::memcmp(text.data(), start.data(), start.size()) == 0;
+}
+
+bool isOneOf(std::string_view text, const char* const* words) noexcept
+{
+    while (*words != nullptr && compareFolded(text, *words) != 0)
+        ++words;
+    return *words != nullptr;
+}
+
+// Whether it is a number in the form in which numbers are written, within its limits.
+bool isCanonicalNumber(std::string_view text, const _AttrType& type) noexcept
+{
+    constexpr std::size_t mostDigits = 10;
+    const bool isNegative = !text.empty() && text[0] == '-';
+    const std::string_view digits = text.substr(isNegative ? 1 : 0);
+    if (digits.empty() || digits.size() > mostDigits || (digits[0] == '0' && text.size() > 1))
+        return false;
+    std::int64_t number = 0;
+    for (const char digit : digits) {
+        if (digit < '0' || digit > '9')
+            return false;
+        number = number * 10 + (digit - '0');
+    }
+    number = isNegative ? -number : number;
+    if (type.minimum != 0 || type.maximum != 0)
+        return number >= type.minimum && number <= type.maximum;
+    return number >= std::numeric_limits<std::int32_t>::min() && number <= std::numeric_limits<std::int32_t>::max();
+}
+
+bool hasCanonicalBits(std::string_view text, const _AttrType& type)
+{
+    if (!isCanonicalNumber(text, type) || text[0] == '-')
+        return false;
+    return (static_cast<std::uint32_t>(std::stoul(std::string(text))) & ~type.bitmask) == 0;
+}
+
+bool hasLength(std::string_view text, const _AttrType& type) noexcept
+{
+    const int lower = std::max(type.minimum, 0);
+    const int upper = type.maximum >= lower ? type.maximum : 0;
+    return text.size() >= static_cast<std::size_t>(lower) &&
+           (upper == 0 || text.size() <= static_cast<std::size_t>(upper));
+}
+
+// Whether some byte is no printable ASCII character. Eight bytes at a time: such a byte sets its high bit.
+bool hasOddBytes(std::string_view text) noexcept
+{
+    constexpr std::uint64_t highBits = 0x8080808080808080U;
+    constexpr std::uint64_t blanks = 0x2020202020202020U;
+    std::uint64_t found = 0;
+    std::size_t pos = 0;
+    for (; pos + sizeof found <= text.size(); pos += sizeof found) {
+        std::uint64_t bytes = 0;
+        std::memcpy(&bytes, text.data() + pos, sizeof bytes);
+        found |= bytes | (bytes - blanks);
+    }
+    for (; pos < text.size(); ++pos)
+        found |= static_cast<signed char>(text[pos]) < ' ' ? highBits : 0;
+    return (found & highBits) != 0;
+}
+
+bool isWrittenPassword(std::string_view text) noexcept
+{
+    return !text.empty() && text.front() == '>' && text.back() == '<';
+}
+
+}  // namespace
+
+LDIF_EntryReader::Form LDIF_EntryReader::read(std::string_view text)
+{
+    begin(text);
+    if (!localeHasAscii() || !readLines() || !checkValues())
+        return unknown;
+    consumed = whole.size() - rest.size();
+    if (!isExact) {
+        write();
+    } else {
+        found.text = whole.substr(0, consumed);
+        found.dnStart = static_cast<std::size_t>(dn.data() - whole.data());
+    }
+    found.dnSize = dn.size();
+    found.isLocaleBound = isLocaleBound;
+    if (found.text.size() > std::numeric_limits<std::uint32_t>::max())
+        return unknown;
+    return isExact ? asWritten : rearranged;
+}
+
+void LDIF_EntryReader::begin(std::string_view text)
+{
+    constexpr std::size_t usualNames = 1000;
+    if (names.size() > usualNames) {
+        names.clear();
+        front.likely = nullptr;
+    }
+    whole = rest = text;
+    comment = entryComment = dn = {};
+    values.clear();
+    lastName = &front;
+    isExact = true;
+    isLocaleBound = hasOddDn = hasForeignEnds = hasRepeats = false;
+    madeCount = 0;
+    lines = 0;
+}
+
+// entry = *( comment / blank ) dn-line *( *comment attribute-line ) ( blank / end of the text )
+bool LDIF_EntryReader::readLines()
+{
+    for (;;) {
+        const std::string_view before = rest;
+        std::string_view line;
+        const bool atEnd = rest.empty();
+        if (!atEnd && !takePhysicalLine(line))
+            return false;
+        if (atEnd || (line.empty() && !dn.empty())) {
+            isExact = isExact && !atEnd;
+            return !dn.empty() && comment.empty();
+        }
+        if (line.empty() || line[0] == '#') {
+            comment = {comment.empty() ? before.data() : comment.data(), comment.size() + before.size() - rest.size()};
+            continue;
+        }
+        if (hasWideSpace || isSpace(line[0]) || (dn.empty() ? !takeDn(line) : !takeAttribute(line)))
+            return false;
+        comment = {};
+    }
+}
+
+// False for a line that is left to the classes.
+bool LDIF_EntryReader::takePhysicalLine(std::string_view& line)
+{
+    const std::size_t end = rest.find('\n');
+    if (end == std::string_view::npos)
+        isExact = false;
+    line = rest.substr(0, end);
+    rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
+    ++lines;
+    const bool hasReturn = !line.empty() && line.back() == '\r';
+    if (hasReturn)
+        line.remove_suffix(1);
+    if (hasReturn != (lineEnd.size() > 1)) {
+        hasForeignEnds = true;
+        isExact = false;
+    }
+    hasWideSpace = false;
+    return !hasOddBytes(line) || isReadable(line);
+}
+
+bool LDIF_EntryReader::isReadable(std::string_view line)
+{
+    if (line.find('\r') != std::string_view::npos || line.find('\0') != std::string_view::npos)
+        return false;
+    if (isPlain(line))
+        return true;
+    isLocaleBound = true;
+    return isTransparent(line, hasWideSpace);
+}
+
+// dn-line = ( "d" / "D" ) ( "n" / "N" ) ":" DN
+bool LDIF_EntryReader::takeDn(std::string_view line)
+{
+    constexpr std::size_t wordSize = 2;
+    if (line.size() <= wordSize || compareFolded(line.substr(0, wordSize), "dn") != 0 || line[wordSize] != ':')
+        return false;
+    word = line.substr(0, wordSize);
+    dn = valueAfter(line, wordSize);
+    entryComment = comment;
+    return canonicaliseDn(dn) && !dn.empty();
+}
+
+// attribute-line = name ":" value. Tries the names first that mostly come here.
+bool LDIF_EntryReader::takeAttribute(std::string_view line)
+{
+    const Name* const before = lastName;
+    Name* const next = lastName->likely;
+    if (next != nullptr && startsWith(line, next->start)) {
+        lastName = next;
+    } else if (lastName == &front || !startsWith(line, lastName->start)) {
+        if (!takeName(line))
+            return false;
+    }
+    if (lastName == before) {
+        hasRepeats = true;
+        isExact = isExact && comment.empty();
+    }
+    std::string_view value = valueAfter(line, lastName->text().size());
+    if (!canonicalise(*lastName, value))
+        return false;
+    values.push_back({lastName, value, comment, false});
+    return true;
+}
+
+// False at a line without a name, or with one that is left to the classes, and at the dn line of another entry.
+bool LDIF_EntryReader::takeName(std::string_view line)
+{
+    const std::size_t colon = line.find(':');
+    if (colon == std::string_view::npos || colon == 0 || !isPlain(line.substr(0, colon)))
+        return false;
+    const std::string_view text = line.substr(0, colon);
+    if (compareFolded(text, "dn") == 0)
+        return false;
+    Name& name = nameOf(text);
+    if (lastName == &front || compareFolded(lastName->text(), text) < 0)
+        lastName->likely = &name;
+    else
+        isExact = isExact && &name == lastName;
+    lastName = &name;
+    return true;
+}
+
+LDIF_EntryReader::Name& LDIF_EntryReader::nameOf(std::string_view text)
+{
+    Name& name = names[std::string(text)];
+    if (name.type == nullptr) {
+        name.start = std::string(text) + ": ";
+        name.type = getAttrType(std::string(text).c_str());
+        name.syntax = &syntaxOf(*name.type);
+    }
+    return name;
+}
+
+// What stands after the colon and those that follow it, without edges.
+std::string_view LDIF_EntryReader::valueAfter(std::string_view line, std::size_t colon) noexcept
+{
+    std::string_view value = line.substr(colon + 1);
+    if (!value.empty() && value[0] == ' ' && !hasEdges(value.substr(1)))
+        return value.substr(1);
+    isExact = false;
+    value.remove_prefix(std::min(value.find_first_not_of(':'), value.size()));
+    return withoutTrailing(withoutLeading(value));
+}
+
+// False for a value that its syntax refuses or that only the classes understand.
+bool LDIF_EntryReader::canonicalise(const Name& name, std::string_view& value)
+{
+    const _AttrType& type = *name.type;
+    if (name.syntax == &syntax::ces || name.syntax == &syntax::cis)
+        return hasLength(value, type);
+    if (name.syntax == &syntax::enumerated)
+        return hasLength(value, type) && isOneOf(value, type.enumValues);
+    if (name.syntax == &syntax::dn)
+        return value.empty() || canonicaliseDn(value);
+    if (name.syntax == &syntax::pw)
+        return isWrittenPassword(value);
+    if (name.syntax == &syntax::integer ? isCanonicalNumber(value, type) : hasCanonicalBits(value, type))
+        return true;
+    return canonicaliseNumber(type, value);
+}
+
+bool LDIF_EntryReader::canonicaliseNumber(const _AttrType& type, std::string_view& value)
+try {
+    isExact = false;
+    std::string& number = nextMade();
+    number = LDIF_Value(&type, std::string(value)).str();
+    value = number;
+    return true;
+} catch (const LDIF_Exception&) {
+    return false;  // The classes meet it again, and report it.
+}
+
+// A DN that is not simple has to be in canonical form: another might be printed as a third one.
+bool LDIF_EntryReader::canonicaliseDn(std::string_view& text)
+try {
+    if (isSimpleDn(text))
+        return true;
+    std::string& simple = nextMade();
+    if (simplifyDn(text, simple)) {
+        isExact = false;
+        text = simple;
+        return true;
+    }
+    hasOddDn = isLocaleBound = true;
+    return LDIF_DN(cisString(std::string(text))).str() == text;
+} catch (const LDIF_Exception&) {
+    return false;  // as above
+}
+
+std::string& LDIF_EntryReader::nextMade()
+{
+    if (madeCount == made.size())
+        made.emplace_back();
+    return made[madeCount++];
+}
+
+// Sorts the values by name where they are not, and finds those that are there already.
+bool LDIF_EntryReader::checkValues()
+{
+    const auto isBefore = [](const Value& left, const Value& right) {
+        return left.name != right.name && compareFolded(left.name->text(), right.name->text()) < 0;
+    };
+    if (!isExact)
+        std::stable_sort(values.begin(), values.end(), isBefore);
+    if (isExact && !hasRepeats)
+        return true;
+    for (auto first = values.begin(); first != values.end();) {
+        const auto last = std::find_if(first, values.end(), [&](const Value& each) { return isBefore(*first, each); });
+        if (last - first > 1 && !markRepeated(first, last))
+            return false;
+        first = last;
+    }
+    return true;
+}
+
+// False where only the classes can compare.
+bool LDIF_EntryReader::markRepeated(Values::iterator first, Values::iterator last)
+{
+    constexpr std::ptrdiff_t fewValues = 8;
+    const LDIF_Syntax& syntax = *first->name->syntax;
+    if (&syntax == &syntax::pw || (&syntax == &syntax::dn && hasOddDn))
+        return false;
+    const auto isEqual = [&](const Value& left, const Value& right) {
+        return left.text.size() == right.text.size() &&
+               (syntax.foldsCase ? compareFolded(left.text, right.text) == 0 : left.text == right.text);
+    };
+    LDIF_HashIndex known;
+    if (last - first > fewValues)
+        known.reserve(static_cast<std::size_t>(last - first));
+    for (auto value = first; value != last; ++value) {
+        if (last - first <= fewValues) {
+            value->isRepeated = std::any_of(first, value, [&](const Value& each) { return isEqual(each, *value); });
+        } else {
+            const std::size_t hash = syntax.foldsCase ? foldedHash(0, value->text) : exactHash(0, value->text);
+            const auto isSame = [&](std::size_t at) { return isEqual(first[static_cast<std::ptrdiff_t>(at)], *value); };
+            value->isRepeated = known.find(hash, isSame) != LDIF_HashIndex::npos;
+            if (!value->isRepeated)
+                known.add(hash, static_cast<std::size_t>(value - first));
+        }
+        isExact = isExact && !value->isRepeated;
+    }
+    return true;
+}
+
+// The comments of all lines of an attribute stand before its values.
+void LDIF_EntryReader::write()
+{
+    written.clear();
+    writeComment(entryComment);
+    written.append(word).append(": ");
+    found.dnStart = written.size();
+    written.append(dn).append(lineEnd);
+    for (auto first = values.begin(); first != values.end();) {
+        const std::string_view name = first->name->text();
+        const auto last = std::find_if(first, values.end(),
+                                       [&](const Value& each) { return compareFolded(each.name->text(), name) != 0; });
+        std::for_each(first, last, [&](const Value& each) { writeComment(each.comment); });
+        for (; first != last; ++first) {
+            if (!first->isRepeated)
+                written.append(name).append(": ").append(first->text).append(lineEnd);
+        }
+    }
+    written.append(lineEnd);
+    found.text = written;
+}
+
+void LDIF_EntryReader::writeComment(std::string_view text)
+{
+    if (!hasForeignEnds) {
+        written.append(text);
+        return;
+    }
+    while (!text.empty()) {
+        std::string_view line = text.substr(0, text.find('\n'));
+        text.remove_prefix(line.size() + 1);
+        if (!line.empty() && line.back() == '\r')
+            line.remove_suffix(1);
+        written.append(line).append(lineEnd);
+    }
+}

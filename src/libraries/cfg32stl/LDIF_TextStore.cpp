@@ -1,0 +1,39 @@
+#include "LDIF_TextStore.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+LDIF_TextStore::LDIF_TextStore(TextBuffer&& file, std::size_t fileSize)
+    : size(fileSize), end(file.size()), taken(fileSize)
+{
+    pieces.push_back(std::move(file));
+}
+
+std::string_view LDIF_TextStore::add(std::string_view text)
+{
+    reserve(text.size());
+    char* const start = pieces.back().data() + end;
+    std::memcpy(start, text.data(), text.size());
+    end += text.size();
+    taken += text.size();
+    alive += text.size();
+    return {start, text.size()};
+}
+
+// Pieces grow with the store, so that there are few.
+void LDIF_TextStore::reserve(std::size_t bytes)
+{
+    constexpr std::size_t smallest = std::size_t{4} << 10;
+    constexpr std::size_t largest = std::size_t{1} << 20;
+    if (!pieces.empty() && pieces.back().size() - end >= bytes)
+        return;
+    pieces.emplace_back(std::max(bytes, std::clamp(taken / 4, smallest, largest)));
+    end = 0;
+}
+
+bool LDIF_TextStore::isWasteful() const noexcept
+{
+    constexpr std::size_t little = std::size_t{64} << 10;
+    return taken > 2 * alive + little;
+}

@@ -1,0 +1,562 @@
+#include "LDIF_Tree.h"
+
+#include "LDIF_Exception.h"
+#include "LDIF_Syntax.h"
+#include "LDIF_Util.h"
+
+#include <algorithm>
+#include <limits>
+#include <stdexcept>
+#include <utility>
+
+namespace {
+
+constexpr std::uint32_t mostLevels = (std::uint32_t{1} << 30) - 1;  // of a DN
+
+// Text with the line ends of a file.
+std::string inFileForm(std::string text)
+{
+    if (lineEnd.size() == 1)
+        return text;
+    std::string changed;
+    changed.reserve(text.size() + text.size() / 16);
+    for (const char byte : text)
+        byte == '\n' ? changed += lineEnd : changed += byte;
+    return changed;
+}
+
+// Prints an entry to buffer.
+LDIF_EntryText printed(const LDIF_Entry& entry, std::string& buffer)
+{
+    buffer = inFileForm(entry.comment.str());
+    buffer.append(entry.name).append(": ");
+    LDIF_EntryText text;
+    text.dnStart = buffer.size();
+    entry.dn.appendTo(buffer);
+    text.dnSize = buffer.size() - text.dnStart;
+    buffer.append(lineEnd).append(inFileForm(entry.attributes.str())).append(lineEnd);
+    text.text = buffer;
+    return text;
+}
+
+bool hasOddName(const LDIF_Entry& entry)
+{
+    return std::any_of(entry.attributes.begin(), entry.attributes.end(),
+                       [](const LDIF_Attribute& attribute) { return !isPlain(attribute.name); });
+}
+
+// Whether an attribute has a DN with escapes or quotes.
+bool hasOddDn(const LDIF_Attribute& attribute)
+{
+    const auto isOdd = [](const LDIF_Value& value) {
+        return !value.stringValue.empty() && !isSimpleDn(value.stringValue);
+    };
+    return &syntaxOf(*attribute.values.attrType) == &syntax::dn &&
+           std::any_of(attribute.values.begin(), attribute.values.end(), isOdd);
+}
+
+// Whether reading the text gives the entry again.
+bool readsBack(const LDIF_EntryText& text, const LDIF_Entry& entry)
+try {
+    return text.text.size() <= std::numeric_limits<std::uint32_t>::max() && !hasOddName(entry) &&
+           LDIF_Entry(text.text).isSameAs(entry);
+} catch (const LDIF_Exception&) {
+    return false;
+}
+
+// The pieces of a text. What stands side by side is one piece; what is printed stands in a buffer that moves as it
+// grows, so that its places are known only in the end.
+class Pieces {
+public:
+    explicit Pieces(std::string& text) : buffer(text) { buffer.clear(); }
+
+    void add(std::string_view piece)
+    {
+        if (!found.empty() && found.back().data() != nullptr &&
+            found.back().data() + found.back().size() == piece.data())
+            found.back() = {found.back().data(), found.back().size() + piece.size()};
+        else
+            found.push_back(piece);
+    }
+    void print(const std::string& text)
+    {
+        const std::size_t start = buffer.size();
+        buffer += inFileForm(text);
+        found.emplace_back(nullptr, buffer.size() - start);
+    }
+    std::vector<std::string_view> take()
+    {
+        std::size_t start = 0;
+        for (std::string_view& piece : found) {
+            if (piece.data() != nullptr)
+                continue;
+            piece = {buffer.data() + start, piece.size()};
+            start += piece.size();
+        }
+        return std::move(found);
+    }
+
+private:
+    std::string& buffer;
+    std::vector<std::string_view> found;
+};
+
+}  // namespace
+
+LDIF_Tree::LDIF_Tree() : LDIF_Tree(TextBuffer(), 0) {}
+
+LDIF_Tree::LDIF_Tree(TextBuffer&& file, std::size_t size)
+    : store(std::move(file), size), locale(std::make_unique<LocaleCopy>())
+{
+    constexpr std::size_t usualSize = 128;  // of an entry, or more
+    nodes.reserve(size / usualSize + 1);
+    nodes.push_back({});
+    nodes[root].firstChild = nodes[root].lastChild = none;
+}
+
+bool LDIF_Tree::load(const LDIF_EntryText& entry, bool isFileText)
+{
+    key.assign(entry.dn());
+    if (find(key, key.levels()) != none)
+        return false;
+    place(append(entry, isFileText));
+    return true;
+}
+
+bool LDIF_Tree::load(LDIF_Entry&& entry, std::string_view text)
+{
+    if (mergeWithPresent(entry))
+        return false;
+    const Number made = append(std::move(entry));
+    place(made);
+    return becomeText(made, text, std::numeric_limits<std::size_t>::max());
+}
+
+// False when no entry has the DN. One that has stays an object until the load is over: more may come.
+bool LDIF_Tree::mergeWithPresent(LDIF_Entry& entry)
+{
+    key.assign(entry.dn);
+    const Number present = find(key, key.levels());
+    if (present == none)
+        return false;
+    if (present != root)
+        merged.push_back(present);
+    open(present).merge(std::move(entry));
+    return true;
+}
+
+LDIF_Tree::Number LDIF_Tree::appendNode()
+{
+    Node node = {};
+    node.firstChild = node.lastChild = none;
+    node.tag = static_cast<std::uint32_t>(key.hash());
+    node.levels = static_cast<std::uint32_t>(key.levels()) & mostLevels;
+    if (firstVacant != none) {
+        byDn.add(key.hash(), firstVacant);
+        const Number number = std::exchange(firstVacant, nodes[firstVacant].next);
+        nodes[number] = node;
+        return number;
+    }
+    if (nodes.size() >= none || key.levels() > mostLevels)
+        throw std::length_error("too many entries or levels");
+    const auto number = static_cast<Number>(nodes.size());
+    nodes.push_back(node);
+    try {
+        byDn.add(key.hash(), number);
+    } catch (...) {
+        nodes.pop_back();
+        throw;
+    }
+    return number;
+}
+
+// The key is that of the entry.
+LDIF_Tree::Number LDIF_Tree::append(const LDIF_EntryText& entry, bool isFileText)
+{
+    const Number number = appendNode();
+    try {
+        setText(number, isFileText ? kept(entry) : copied(entry));
+        return number;
+    } catch (...) {
+        takeBack(number);
+        throw;
+    }
+}
+
+LDIF_Tree::Number LDIF_Tree::append(LDIF_Entry&& entry)
+{
+    const Number number = appendNode();
+    try {
+        objects.emplace(number, std::move(entry));
+    } catch (...) {
+        takeBack(number);
+        throw;
+    }
+    return number;
+}
+
+// A text that stands in the store already.
+LDIF_EntryText LDIF_Tree::kept(const LDIF_EntryText& entry) noexcept
+{
+    store.keep(entry.text.size());
+    return entry;
+}
+
+LDIF_EntryText LDIF_Tree::copied(LDIF_EntryText entry)
+{
+    entry.text = store.add(entry.text);
+    return entry;
+}
+
+// Removes what nothing is linked to.
+void LDIF_Tree::takeBack(Number entry) noexcept
+{
+    Node& node = nodes[entry];
+    byDn.remove(node.tag, entry);
+    if (node.text != nullptr)
+        store.release(node.size);
+    else
+        objects.erase(entry);
+    node = {};
+    node.next = std::exchange(firstVacant, entry);
+}
+
+void LDIF_Tree::setText(Number entry, const LDIF_EntryText& text) noexcept
+{
+    Node& node = nodes[entry];
+    node.text = text.text.data();
+    node.size = static_cast<std::uint32_t>(text.text.size());
+    node.dnStart = static_cast<std::uint32_t>(text.dnStart);
+    node.dnSize = static_cast<std::uint32_t>(text.dnSize);
+    node.isLocaleBound = text.isLocaleBound ? 1 : 0;
+}
+
+// During a load: where the entry hangs, if that is settled already. An entry right above it is nearest.
+void LDIF_Tree::place(Number entry)
+{
+    Node& node = nodes[entry];
+    const Number above = key.levels() == 1 ? root : find(key, key.levels() - 1);
+    node.isUnsettled = above == none ? 1 : 0;
+    node.parent = above;
+}
+
+void LDIF_Tree::finish()
+try {
+    for (Number number = 1; number < nodes.size(); ++number) {
+        if (nodes[number].isUnsettled == 0)
+            continue;
+        assignKey(number, key);
+        nodes[number].parent = nearestAncestor(key);
+        noteMissingLevels(key, levels(nodes[number].parent));
+    }
+    for (Number number = 1; number < nodes.size(); ++number)
+        link(number, nodes[number].parent);
+    std::sort(merged.begin(), merged.end());
+    merged.erase(std::unique(merged.begin(), merged.end()), merged.end());
+    for (const Number number : merged)
+        (void)becomeText(number, {}, std::numeric_limits<std::size_t>::max());
+    merged = {};
+    compact();
+} catch (...) {
+    dropEntries();
+    throw;
+}
+
+void LDIF_Tree::dropEntries() noexcept
+{
+    nodes.resize(1);
+    nodes[root].firstChild = nodes[root].lastChild = none;
+    firstVacant = none;
+    objects.clear();
+    byDn = LDIF_HashIndex();
+    missingLevels = LDIF_HashIndex();
+    merged.clear();
+}
+
+LDIF_Tree::Number LDIF_Tree::find(const LDIF_DN& dn)
+{
+    key.assign(dn);
+    return find(key, key.levels());
+}
+
+LDIF_Tree::Number LDIF_Tree::find(LDIF_DnKey& wanted, std::size_t level) const
+{
+    if (level == 0)
+        return root;
+    const auto isWanted = [&](std::size_t number) { return isDn(static_cast<Number>(number), wanted, level); };
+    const std::size_t found = byDn.find(wanted.hash(level), isWanted);
+    return found == LDIF_HashIndex::npos ? none : static_cast<Number>(found);
+}
+
+// Whether the entry has the DN that lies that many levels below the root.
+bool LDIF_Tree::isDn(Number entry, LDIF_DnKey& wanted, std::size_t level) const
+{
+    const Node& node = nodes[entry];
+    if (node.levels != level)
+        return false;
+    const std::string_view wantedText = wanted.simpleText(level);
+    if (node.text != nullptr && !wantedText.empty()) {
+        const std::string_view text(node.text + node.dnStart, node.dnSize);
+        if (node.isLocaleBound == 0 || isSimpleDn(text))
+            return text.size() == wantedText.size() && compareFolded(text, wantedText) == 0;
+    }
+    return dn(entry).startsEqual(wanted.dn(), level);
+}
+
+void LDIF_Tree::assignKey(Number entry, LDIF_DnKey& wanted) const
+{
+    if (nodes[entry].text == nullptr)
+        wanted.assign(objects.at(entry).dn);
+    else
+        wanted.assign(text(entry).dn());
+}
+
+LDIF_Tree::Number LDIF_Tree::nearestAncestor(LDIF_DnKey& wanted) const
+{
+    Number above = none;
+    for (std::size_t level = wanted.levels() - 1; above == none; --level)
+        above = find(wanted, level);
+    return above;
+}
+
+void LDIF_Tree::noteMissingLevels(const LDIF_DnKey& descendant, std::size_t ancestorLevels)
+{
+    for (std::size_t level = ancestorLevels + 1; level < descendant.levels(); ++level) {
+        const std::size_t hash = descendant.hash(level);
+        if (missingLevels.find(hash, [](std::size_t) { return true; }) == LDIF_HashIndex::npos)
+            missingLevels.add(hash, 0);
+    }
+}
+
+// The children of an entry that belong below another one, whose key is at hand.
+std::vector<LDIF_Tree::Number> LDIF_Tree::childrenBelow(Number ancestor, Number entry)
+{
+    std::vector<Number> found;
+    if (missingLevels.find(key.hash(), [](std::size_t) { return true; }) == LDIF_HashIndex::npos)
+        return found;
+    LDIF_DnKey each;
+    for (Number child = firstChild(ancestor); child != none; child = nextSibling(child)) {
+        if (levels(child) <= levels(entry))
+            continue;
+        assignKey(child, each);
+        if (each.hash(levels(entry)) == key.hash() && isDn(entry, each, levels(entry)))
+            found.push_back(child);
+    }
+    return found;
+}
+
+void LDIF_Tree::link(Number entry, Number above) noexcept
+{
+    Node& node = nodes[entry];
+    Node& parentNode = nodes[above];
+    node.parent = above;
+    node.next = none;
+    node.previous = parentNode.lastChild;
+    (node.previous == none ? parentNode.firstChild : nodes[node.previous].next) = entry;
+    parentNode.lastChild = entry;
+}
+
+void LDIF_Tree::unlink(Number entry) noexcept
+{
+    const Node& node = nodes[entry];
+    Node& parentNode = nodes[node.parent];
+    (node.previous == none ? parentNode.firstChild : nodes[node.previous].next) = node.next;
+    (node.next == none ? parentNode.lastChild : nodes[node.next].previous) = node.previous;
+}
+
+LDIF_Tree::Number LDIF_Tree::nextBelow(Number entry, Number top) const noexcept
+{
+    if (firstChild(entry) != none)
+        return firstChild(entry);
+    while (entry != top && nextSibling(entry) == none)
+        entry = parent(entry);
+    return entry == top ? none : nextSibling(entry);
+}
+
+const LDIF_Entry* LDIF_Tree::object(Number entry) const noexcept
+{
+    if (entry == root)
+        return &rootObject;
+    return nodes[entry].text == nullptr ? &objects.find(entry)->second : nullptr;
+}
+
+LDIF_EntryText LDIF_Tree::text(Number entry) const noexcept
+{
+    const Node& node = nodes[entry];
+    return {{node.text, node.size}, node.dnStart, node.dnSize, node.isLocaleBound != 0};
+}
+
+LDIF_Entry LDIF_Tree::entry(Number number) const
+{
+    const LDIF_Entry* const known = object(number);
+    return known != nullptr ? *known : LDIF_Entry(text(number).text);
+}
+
+LDIF_DN LDIF_Tree::dn(Number number) const
+{
+    const LDIF_Entry* const known = object(number);
+    return known != nullptr ? known->dn : LDIF_DN(cisString(std::string(text(number).dn())));
+}
+
+std::vector<std::string_view> LDIF_Tree::pieces(const LDIF_Comment& after, std::string& buffer) const
+{
+    Pieces made(buffer);
+    made.print(rootObject.str() + (needsBlankLine() ? "\n" : ""));
+    for (Number each = nextBelow(root, root); each != none; each = nextBelow(each, root)) {
+        if (nodes[each].text != nullptr)
+            made.add({nodes[each].text, nodes[each].size});
+        else
+            made.print(objects.at(each).str());
+    }
+    made.print(after.str());
+    return made.take();
+}
+
+// The blank lines after the root's attributes are comment lines of the first entry, if the file had any.
+bool LDIF_Tree::needsBlankLine() const noexcept
+{
+    const Number first = firstChild(root);
+    if (first == none)
+        return false;
+    if (nodes[first].text != nullptr)
+        return text(first).text.substr(0, lineEnd.size()) != lineEnd;
+    const auto& lines = object(first)->comment.lines;
+    return lines.empty() || lines.front().type != LDIF_Line::blankLine;
+}
+
+LDIF_Entry& LDIF_Tree::open(Number entry)
+{
+    if (entry == root)
+        return rootObject;
+    Node& node = nodes[entry];
+    if (node.text == nullptr)
+        return objects.at(entry);
+    LDIF_Entry& made = objects.emplace(entry, LDIF_Entry(text(entry).text)).first->second;
+    store.release(node.size);
+    node.text = nullptr;
+    return made;
+}
+
+// A large entry stays an object: it would be read and printed anew with each change.
+void LDIF_Tree::close(Number entry) noexcept
+try {
+    constexpr std::size_t largeEntry = std::size_t{16} << 10;
+    if (entry != root && nodes[entry].text == nullptr)
+        (void)becomeText(entry, {}, largeEntry);
+    compact();
+} catch (...) {
+    return;  // It stays an object, which is the same to all others.
+}
+
+// Whether it has become that part of the text of the file.
+bool LDIF_Tree::becomeText(Number entry, std::string_view source, std::size_t longest)
+{
+    const LDIF_Entry& known = objects.at(entry);
+    std::string buffer;
+    LDIF_EntryText text;
+    try {
+        text = printed(known, buffer);
+    } catch (const LDIF_Exception&) {
+        return false;  // It has no text.
+    }
+    if (text.text.size() > longest || !readsBack(text, known))
+        return false;
+    text.isLocaleBound = !isPlain(text.text) || !isSimpleDn(text.dn()) ||
+                         std::any_of(known.attributes.begin(), known.attributes.end(), hasOddDn);
+    const bool isSource = text.text == source;
+    if (isSource)
+        text.text = source;
+    setText(entry, isSource ? kept(text) : copied(text));
+    objects.erase(entry);
+    return isSource;
+}
+
+void LDIF_Tree::add(LDIF_Entry&& entry)
+{
+    key.assign(entry.dn);
+    const Number present = find(key, key.levels());
+    if (present != none) {
+        const Opened opened(*this, present);
+        opened->merge(std::move(entry));
+        return;
+    }
+    const Number made = append(std::move(entry));
+    std::vector<Number> below;
+    Number above = none;
+    try {
+        above = nearestAncestor(key);
+        noteMissingLevels(key, levels(above));
+        below = childrenBelow(above, made);
+    } catch (...) {
+        takeBack(made);
+        throw;
+    }
+    link(made, above);
+    for (const Number each : below) {
+        unlink(each);
+        link(each, made);
+    }
+    close(made);
+}
+
+// Leaf by leaf, for a tree may be deep.
+void LDIF_Tree::erase(Number entry) noexcept
+{
+    for (Number each = entry, gone = none; gone != entry;) {
+        while (firstChild(each) != none)
+            each = firstChild(each);
+        gone = std::exchange(each, parent(each));
+        unlink(gone);
+        takeBack(gone);
+    }
+    compact();
+}
+
+void LDIF_Tree::compact() noexcept
+try {
+    if (!store.isWasteful())
+        return;
+    LDIF_TextStore living;
+    living.reserve(store.used());
+    for (Node& node : nodes) {
+        if (node.text != nullptr)
+            node.text = living.add({node.text, node.size}).data();
+    }
+    store = std::move(living);
+} catch (...) {
+    return;  // Until there is memory for it, the store stays as it is.
+}
+
+void LDIF_Tree::followLocale()
+{
+    if (locale->isPresent())
+        return;
+    auto present = std::make_unique<LocaleCopy>();
+    {
+        const LocaleCopy::Use former(*locale);
+        for (Number number = 1; number < nodes.size(); ++number) {
+            if (nodes[number].text != nullptr && nodes[number].isLocaleBound != 0)
+                (void)open(number);
+        }
+    }
+    indexAnew();
+    locale = std::move(present);
+}
+
+void LDIF_Tree::indexAnew()
+{
+    LDIF_HashIndex index;
+    std::vector<std::uint32_t> tags(nodes.size());
+    missingLevels = LDIF_HashIndex();
+    for (Number number = 1; number < nodes.size(); ++number) {
+        if (nodes[number].levels == 0)
+            continue;  // vacant
+        assignKey(number, key);
+        index.add(key.hash(), number);
+        tags[number] = static_cast<std::uint32_t>(key.hash());
+        noteMissingLevels(key, levels(nodes[number].parent));
+    }
+    for (Number number = 1; number < nodes.size(); ++number)
+        nodes[number].tag = tags[number];
+    byDn = std::move(index);
+}
