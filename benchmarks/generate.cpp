@@ -3,12 +3,15 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
+#include <initializer_list>
 #include <iterator>
 #include <random>
+#include <utility>
 
 namespace {
 
 constexpr std::uint64_t seed = 389;
+constexpr std::uint64_t spellingSeed = 1213;
 constexpr std::size_t markEvery = 100;  // leaves
 constexpr std::size_t markFirst = 37;
 constexpr std::size_t commentEvery = 5;  // entries
@@ -16,6 +19,15 @@ constexpr std::size_t commentEvery = 5;  // entries
 const char* const words[] = {"amber",  "basalt",  "cedar",  "delta",   "ember",  "fjord",  "granite", "harbor",
                              "island", "juniper", "kettle", "lantern", "meadow", "nickel", "orchard", "pebble",
                              "quarry", "river",   "saddle", "tide",    "umber",  "valley", "willow",  "zinc"};
+
+const char* const wordsBeyondAscii[] = {"Zürich",  "Müller", "Åse",    "Genève", "Łódź",    "Málaga",
+                                        "Øresund", "Žižkov", "Köln",   "Brontë", "Curaçao", "Þór",
+                                        "Σοφία",   "Αθήνα",  "Ελπίδα", "Нева",   "東京",    "設定",
+                                        "日本",    "서울",   "naïve",  "Gdańsk", "Tromsø",  "Đakovo"};
+static_assert(std::size(words) == std::size(wordsBeyondAscii));
+
+constexpr char masterAttribute[] = "zeb-slapdMasterDN";
+constexpr char subtreeAttribute[] = "zeb-slapdReplicaSubtree";
 
 // Makes the entries of one file. The distributions are its own: those of the standard library differ between makers.
 class Generator {
@@ -28,6 +40,8 @@ public:
     {
         switch (request.shape) {
         case Shape::containers:
+        case Shape::rearranged:
+        case Shape::beyondAscii:
             return putTree();
         case Shape::childrenFirst:
             putLeaves();
@@ -84,8 +98,8 @@ private:
              {{"cn", name},
               {"description", twoWords(" beside the ")},
               {"objectclass", "zeb-slapdAgreement"},
-              {"zeb-slapdMasterDN", "cn=" + someWord() + ", o=Example"},
-              {"zeb-slapdReplicaSubtree", "ou=" + someWord() + ", o=Example"},
+              {masterAttribute, "cn=" + someWord() + ", o=Example"},
+              {subtreeAttribute, "ou=" + someWord() + ", o=Example"},
               {markedAttribute, isMarked ? mark : "server " + someWord()},
               {"zeb-slapdSizeLimit", std::to_string(10000 + below(90000))},
               {"zeb-slapdTimeLimit", std::to_string(below(3600))}},
@@ -108,7 +122,10 @@ private:
     }
 
     std::size_t below(std::size_t limit) { return static_cast<std::size_t>(engine() % limit); }
-    std::string someWord() { return words[below(std::size(words))]; }
+    std::string someWord()
+    {
+        return (request.shape == Shape::beyondAscii ? wordsBeyondAscii : words)[below(std::size(words))];
+    }
 
     // Two statements, for the order in which the operands of one + are drawn is not fixed.
     std::string twoWords(const char* joint)
@@ -145,22 +162,61 @@ Exchange exchangeIn(const GeneratedEntry& entry, std::size_t fromEnd)
     return exchange;
 }
 
-void append(Input& input, const GeneratedEntry& entry)
+void append(std::string& text, const GeneratedEntry& entry)
 {
-    if (!entry.comment.empty())
-        input.text.append(entry.comment).append("\n");
-    input.text.append("dn: ").append(entry.dn).append("\n");
+    text.append("dn: ").append(entry.dn).append("\n");
     for (const auto& [name, value] : entry.attributes)
-        input.text.append(name).append(": ").append(value).append("\n");
-    input.text += '\n';
-    input.lines += 1 + entry.attributes.size();
+        text.append(name).append(": ").append(value).append("\n");
+    text += '\n';
 }
+
+// Spells entries as the library never does. The draws are its own, so that the entries stay those of containers.
+class Rearranger {
+public:
+    void append(std::string& text, GeneratedEntry entry)
+    {
+        for (std::size_t i = entry.attributes.size(); i > 1; --i)
+            std::swap(entry.attributes[i - 1], entry.attributes[static_cast<std::size_t>(engine() % i)]);
+        appendLine(text, "dn", spelledDn(entry.dn));
+        for (const auto& [name, value] : entry.attributes)
+            appendLine(text, name, name == masterAttribute || name == subtreeAttribute ? spelledDn(value) : value);
+        text += '\n';
+    }
+
+private:
+    void appendLine(std::string& text, const std::string& name, const std::string& value)
+    {
+        text.append(name).append(oneOf({":", ":  ", ":\t", ": "})).append(value).append(oneOf({"", "", " "})) += '\n';
+    }
+
+    // Of a DN without escapes.
+    std::string spelledDn(const std::string& dn)
+    {
+        std::string spelled;
+        for (std::size_t pos = 0; pos < dn.size(); ++pos) {
+            const bool isJoint = dn.compare(pos, 2, ", ") == 0;
+            if (isJoint)
+                spelled += oneOf({",", ";", " , ", " ; "});
+            else if (dn[pos] == '=')
+                spelled += oneOf({"=", " = ", "= "});
+            else
+                spelled += dn[pos];
+            pos += isJoint ? 1 : 0;
+        }
+        return spelled;
+    }
+
+    const char* oneOf(std::initializer_list<const char*> texts) { return texts.begin()[engine() % texts.size()]; }
+
+    std::mt19937_64 engine{spellingSeed};
+};
 
 }  // namespace
 
 const char* nameOf(Shape shape)
 {
-    const char* const names[] = {"containers", "flat", "childrenFirst", "missingParents", "oneAttribute"};
+    const char* const names[] = {"containers",  "flat",          "missingParents", "rearranged",
+                                 "beyondAscii", "childrenFirst", "oneAttribute"};
     return names[static_cast<std::size_t>(shape)];
 }
 
@@ -175,8 +231,15 @@ Input generateInput(const Request& request)
     input.request = request;
     input.text = "charset: UTF-8\nversion: 1\n\n";
     input.lines = 2;
+    Rearranger rearranger;
     generateEntries(request, [&](const GeneratedEntry& entry) {
-        append(input, entry);
+        if (!entry.comment.empty())
+            input.text.append(entry.comment).append("\n");
+        if (request.shape == Shape::rearranged)
+            rearranger.append(input.text, entry);
+        else
+            append(input.text, entry);
+        input.lines += 1 + entry.attributes.size();
         if (!entry.isLeaf)
             return;
         input.leaves.push_back(entry.dn);

@@ -8,17 +8,19 @@
 #include <utility>
 #include <vector>
 
-// How the entries of a file lie.
+// How the entries of a file lie, and how they are spelled.
 enum class Shape {
     containers,      // containers, each followed by the leaves below it
     flat,            // all leaves below one parent
-    childrenFirst,   // all leaves, then their containers, then the parent of these
     missingParents,  // leaves of containers that no entry defines
+    rearranged,      // the entries of containers, with attributes in random order, and other blanks in DNs and lines
+    beyondAscii,     // as containers, with text in several scripts in DNs, values and comments
+    childrenFirst,   // all leaves, then their containers, then the parent of these
     oneAttribute     // one entry with an attribute of many values
 };
 
-constexpr Shape allShapes[] = {Shape::containers, Shape::flat, Shape::childrenFirst, Shape::missingParents,
-                               Shape::oneAttribute};
+constexpr Shape allShapes[] = {Shape::containers,  Shape::flat,          Shape::missingParents, Shape::rearranged,
+                               Shape::beyondAscii, Shape::childrenFirst, Shape::oneAttribute};
 
 const char* nameOf(Shape shape);
 
@@ -56,11 +58,12 @@ struct Exchange {
     std::string dn, attribute, value, otherValue;
 };
 
-// A file: the head, then the entries. All but the order of childrenFirst is as the library itself writes it.
+// A file: the head, then the entries. All but rearranged and the order of childrenFirst is as the library itself writes
+// it; rearranged is written as containers.
 struct Input {
     Request request;
     std::string text;
-    std::vector<std::string> leaves;  // their DNs, in the order of the text
+    std::vector<std::string> leaves;  // their DNs as the library writes them, in the order of the text
     Exchange exchange;                // somewhere in the middle
     std::size_t lines = 0;            // those with a name and a value
     std::size_t marked = 0;           // the number of leaves with the mark

@@ -2,11 +2,13 @@
 
 #include <algorithm>
 #include <cmath>
+#include <csignal>
 #include <cstdlib>
 #include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 #include <stdexcept>
 
 #include <spawn.h>
@@ -14,6 +16,19 @@
 #include <unistd.h>
 
 extern char** environ;  // NOLINT(readability-redundant-declaration): only GNU's headers declare it
+
+namespace {
+
+std::string textFrom(int descriptor)
+{
+    std::string text;
+    char buffer[256];
+    for (ssize_t count = 0; (count = read(descriptor, buffer, sizeof buffer)) > 0;)
+        text.append(buffer, static_cast<std::size_t>(count));
+    return text;
+}
+
+}  // namespace
 
 double cpuTime()
 {
@@ -35,24 +50,27 @@ double Samples::median() const
 // Least squares on the logarithms.
 double growthExponent(const std::vector<std::pair<double, double>>& points)
 {
-    const auto count = static_cast<double>(points.size());
+    double count = 0;
     double sumX = 0;
     double sumY = 0;
     double sumXX = 0;
     double sumXY = 0;
     for (const auto& [size, figure] : points) {
+        if (!std::isfinite(figure))
+            continue;
         const double x = std::log(size);
         const double y = std::log(figure);
+        count += 1;
         sumX += x;
         sumY += y;
         sumXX += x * x;
         sumXY += x * y;
     }
-    return points.size() < 2 ? unknown : (count * sumXY - sumX * sumY) / (count * sumXX - sumX * sumX);
+    return count < 2 ? unknown : (count * sumXY - sumX * sumY) / (count * sumXX - sumX * sumX);
 }
 
 // A new program image: its memory owes nothing to what this process holds or has held.
-double resultOfChild(const std::vector<std::string>& arguments)
+std::vector<double> resultsOfChild(const std::vector<std::string>& arguments)
 {
     std::vector<char*> argv{const_cast<char*>("child")};
     for (const std::string& argument : arguments)
@@ -69,12 +87,16 @@ double resultOfChild(const std::vector<std::string>& arguments)
     const int error = posix_spawn(&child, "/proc/self/exe", &actions, nullptr, argv.data(), environ);
     posix_spawn_file_actions_destroy(&actions);
     close(ends[1]);
-    char text[64] = {};
-    const ssize_t length = error == 0 ? read(ends[0], text, sizeof text - 1) : 0;
+    const std::string text = error == 0 ? textFrom(ends[0]) : "";
     close(ends[0]);
     int status = 0;
-    require(error == 0 && waitpid(child, &status, 0) == child && status == 0 && length > 0, "a child process");
-    return std::strtod(text, nullptr);
+    require(error == 0 && waitpid(child, &status, 0) == child, "a child process");
+    if (WIFSIGNALED(status) && WTERMSIG(status) == SIGALRM)
+        return {};
+    std::istringstream numbers(text);
+    std::vector<double> results(std::istream_iterator<double>(numbers), {});
+    require(status == 0 && !results.empty(), "a child process");
+    return results;
 }
 
 double peakMemory()

@@ -2,6 +2,7 @@
 #ifndef MEASURE_H
 #define MEASURE_H
 
+#include <chrono>
 #include <cstddef>
 #include <limits>
 #include <string>
@@ -9,6 +10,7 @@
 #include <vector>
 
 constexpr double unknown = std::numeric_limits<double>::quiet_NaN();
+constexpr double infinite = std::numeric_limits<double>::infinity();
 
 // The CPU time of the process so far, in user and system mode, in seconds.
 double cpuTime();
@@ -33,7 +35,7 @@ private:
 // How often to measure.
 struct Effort {
     std::size_t leastRounds = 5;
-    double seconds = 3;  // of CPU time, after which no further round starts
+    double seconds = 2;  // after which no further round starts
 };
 
 // Calls round, in which each contender has its turn, as often as effort says.
@@ -41,17 +43,21 @@ template <typename Round>
 void repeat(const Effort& effort, Round round)
 {
     constexpr std::size_t mostRounds = 201;
-    const double start = cpuTime();
-    for (std::size_t i = 0; i < effort.leastRounds || (i < mostRounds && cpuTime() - start < effort.seconds); ++i)
+    const auto start = std::chrono::steady_clock::now();
+    const auto isTimeLeft = [&] {
+        return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count() < effort.seconds;
+    };
+    for (std::size_t i = 0; i < effort.leastRounds || (i < mostRounds && isTimeLeft()); ++i)
         round();
 }
 
-// The exponent k of the power of size, size^k, that fits the points (size, figure) best; unknown for less than two.
+// The exponent k of the power of size, size^k, that fits the points (size, figure) best. Figures that are not finite
+// are left out; unknown for less than two others.
 double growthExponent(const std::vector<std::pair<double, double>>& points);
 
-// Runs this program again, with those arguments, and gives the number that it prints. Throws std::runtime_error when
-// that fails.
-double resultOfChild(const std::vector<std::string>& arguments);
+// Runs this program again, with those arguments, and gives the numbers that it prints; none when SIGALRM has ended it.
+// Throws std::runtime_error when that fails.
+std::vector<double> resultsOfChild(const std::vector<std::string>& arguments);
 
 // The greatest resident memory that this process has had, in bytes.
 double peakMemory();
