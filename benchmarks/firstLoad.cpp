@@ -30,12 +30,17 @@ void load(const std::string& file)
     print({time, peak, cpuTimeOf([&] { handle.release(); })});
 }
 
-// In seconds, as the library tells a change.
-void moveModificationTime(const std::string& file)
+time_t modificationTime(const std::string& file)
 {
     struct stat status = {};
     require(stat(file.c_str(), &status) == 0, "stat");
-    const std::array<timespec, 2> times{{{0, UTIME_OMIT}, {status.st_mtime + 1, 0}}};
+    return status.st_mtime;
+}
+
+// In seconds, as the library tells a change.
+void setModificationTime(const std::string& file, time_t time)
+{
+    const std::array<timespec, 2> times{{{0, UTIME_OMIT}, {time, 0}}};
     require(utimensat(AT_FDCWD, file.c_str(), times.data(), 0) == 0, "utimensat");
 }
 
@@ -56,8 +61,9 @@ void reload(const std::string& file, std::size_t revisionAt)
 {
     Handle handle(file);
     handle.bind();
+    const time_t before = modificationTime(file);
     const char digit = changeOutside(file, static_cast<std::streamoff>(revisionAt));
-    moveModificationTime(file);
+    setModificationTime(file, before + 1);
     Result result;
     const double time =
         cpuTimeOf([&] { result = handle.search(suffixDn, LDAP_SCOPE_BASE, anyEntry, revisionAttribute); });
@@ -111,7 +117,9 @@ ReloadFigures firstReload(const std::string& file, std::size_t revisionAt)
 double firstLexing(const std::string& file, std::size_t lines)
 {
     const std::vector<double> results = resultsOfChild({childOption, "lex", file, std::to_string(lines)});
-    return results.empty() ? infinite : results.front();
+    if (results.empty())
+        return infinite;
+    return results.front();
 }
 
 double peakWithoutLoad()

@@ -5,18 +5,17 @@
 #include "table.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
-#include <cstdint>
 #include <cstdio>
 #include <iterator>
-#include <random>
 
 namespace {
 
-constexpr std::uint64_t seed = 509;
 constexpr char listEntry[] = "dn: cn=List\nobjectclass: list\n";
 
+constexpr std::size_t highest = 999999;
+
+// Of six digits, so that the texts sort as the numbers.
 std::string digits(std::size_t number)
 {
     char text[32];
@@ -35,22 +34,20 @@ std::string textOf(std::size_t bytes, std::string text, Part part)
 
 std::string commentedValues(std::size_t bytes)
 {
-    return textOf(bytes, listEntry, [](std::size_t i) { return "# note " + digits(i) + "\na: " + digits(i) + '\n'; });
+    return textOf(bytes, listEntry, [](std::size_t i) { return "#\na: " + digits(i) + '\n'; });
 }
 
 std::string sameDn(std::size_t bytes)
 {
-    return textOf(bytes, "", [](std::size_t i) { return "# note " + digits(i) + "\ndn: cn=Same\n\n"; });
+    return textOf(bytes, "", [](std::size_t) { return "#\ndn: cn=A\n\n"; });
 }
 
 // The names of the second block come before those of the first, in falling order.
 std::string twoBlocks(std::size_t bytes)
 {
     const auto block = [&](const char* initial) {
-        std::vector<std::string> names;
-        std::string text = "dn: cn=List\n";
         return textOf(bytes / 2, "dn: cn=List\n",
-                      [&](std::size_t i) { return initial + digits(999999 - i) + ": x\n"; }) +
+                      [&](std::size_t i) { return initial + digits(highest - i) + ": x\n"; }) +
                '\n';
     };
     return block("b") + block("a");
@@ -64,18 +61,42 @@ std::string clearPasswords(std::size_t bytes)
 // In falling order, so that each goes before all others.
 std::string pairsOfRdn(std::size_t bytes)
 {
-    return textOf(bytes, "dn: cn=List", [](std::size_t i) { return "+a" + digits(999999 - i) + "=x"; }) +
+    return textOf(bytes, "dn: cn=List", [](std::size_t i) { return "+a" + digits(highest - i) + "=x"; }) +
            "\ncn: List\n";
 }
 
-std::string namesBeyondAscii(std::size_t bytes)
+std::string risingNames(std::size_t bytes)
 {
-    return textOf(bytes, listEntry, [](std::size_t i) { return "größe" + digits(999999 - i) + ": x\n"; });
+    return textOf(bytes, listEntry, [](std::size_t i) { return "größe" + digits(i) + ": x\n"; });
 }
 
+std::string fallingNames(std::size_t bytes)
+{
+    return textOf(bytes, listEntry, [](std::size_t i) { return "größe" + digits(highest - i) + ": x\n"; });
+}
+
+// Behind "cn" and a NUL the two words of each pair lead a hash from 0, by hash = (hash ^ byte) * 0x100000001B3 and
+// hash ^= hash >> 29 for each byte, to the same 64 bits; those of the last pair to the same lower 32 with a NUL behind.
+// So all texts of a word of each pair collide in a table of such hashes, which has no key. Each pair comes from a
+// search of some 2^31 words.
+constexpr struct {
+    const char* words[2];
+} collidingPairs[] = {
+    {{"x8iu7zb", "8bglxu9"}}, {{"hrsrdep", "h8n7v03"}}, {{"euwlv2e", "vrgcwgz"}}, {{"faer0qa", "urmyya9"}},
+    {{"tkgbi2a", "3vkpyz9"}}, {{"an2tjfa", "ms6fom9"}}, {{"h0ensfd", "m2jf1ay"}}, {{"dab7sia", "x56dn53"}},
+    {{"qtgwvra", "5kw00ct"}}, {{"oe46eaa", "60z1i8i"}}, {{"eo3fyta", "kjseg10"}}, {{"r3tkf9a", "9xaa868"}},
+    {{"kpqu5kp", "npafot8"}}, {{"b4kaaaa", "3raaaaa"}},
+};
+
+// There are 2^14 of them.
 std::string collidingText(std::size_t number)
 {
-    return digits(number);
+    std::string text;
+    for (const auto& pair : collidingPairs) {
+        text += pair.words[number % 2];
+        number /= 2;
+    }
+    return text;
 }
 
 std::string collidingValues(std::size_t bytes)
@@ -99,7 +120,8 @@ const struct Kind {
     {"two blocks of many names", twoBlocks, 156000},
     {"clear passwords", clearPasswords, 20000},
     {"pairs of one RDN", pairsOfRdn, 84000},
-    {"names beyond ASCII", namesBeyondAscii, 171000},
+    {"names beyond ASCII, rising", risingNames, 171000},
+    {"names beyond ASCII, falling", fallingNames, 171000},
     {"colliding values", collidingValues, 270000},
     {"colliding DNs", collidingDns, 270000},
 };
@@ -129,9 +151,9 @@ std::vector<HardFile> measureHardFiles(const Effort& effort)
     std::vector<HardFile> files;
     for (const Kind& kind : kinds) {
         files.push_back({kind.name, {}});
-        for (const std::size_t times : {1, 2, 4})
-            files.back().points.push_back(measureFile(
-                directory / "hard.conf", "charset: UTF-8\nversion: 1\n\n" + kind.make(times * kind.bytes), effort));
+        for (std::size_t bytes = kind.bytes; bytes <= 4 * kind.bytes; bytes *= 2)
+            files.back().points.push_back(
+                measureFile(directory / "hard.conf", "charset: UTF-8\nversion: 1\n\n" + kind.make(bytes), effort));
     }
     return files;
 }

@@ -26,9 +26,12 @@ std::string shown(std::size_t number)
 
 void printTable(const std::string& title, const std::vector<std::vector<std::string>>& lines)
 {
+    std::size_t width = 0;
+    for (const auto& line : lines)
+        width = std::max(width, line.front().size());
     std::printf("\n%s\n", title.c_str());
     for (const auto& line : lines) {
-        std::printf("%-15s", line.front().c_str());
+        std::printf("%-*s", static_cast<int>(width), line.front().c_str());
         for (std::size_t i = 1; i < line.size(); ++i)
             std::printf("  %*s", static_cast<int>(std::max<std::size_t>(lines.front()[i].size(), 6)), line[i].c_str());
         std::printf("\n");
