@@ -67,12 +67,12 @@ std::string pairsOfRdn(std::size_t bytes)
 
 std::string risingNames(std::size_t bytes)
 {
-    return textOf(bytes, listEntry, [](std::size_t i) { return "größe" + digits(i) + ": x\n"; });
+    return textOf(bytes, listEntry, [](std::size_t i) { return "öl" + digits(i) + ": x\n"; });
 }
 
 std::string fallingNames(std::size_t bytes)
 {
-    return textOf(bytes, listEntry, [](std::size_t i) { return "größe" + digits(highest - i) + ": x\n"; });
+    return textOf(bytes, listEntry, [](std::size_t i) { return "öl" + digits(highest - i) + ": x\n"; });
 }
 
 // Behind "cn" and a NUL the two words of each pair lead a hash from 0, by hash = (hash ^ byte) * 0x100000001B3 and

@@ -45,5 +45,5 @@ void measureLoads(Case& each, const Effort& effort)
 {
     measureFirstLoads(each, effort);
     Handle(each.file).bind();
-    measureWarmLoads(each, effort);
+    measureWarmLoads(each, {effort.leastRounds, effort.seconds / 2});
 }

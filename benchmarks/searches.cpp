@@ -10,6 +10,7 @@ namespace {
 
 constexpr std::uint64_t drawSeed = 1823;
 constexpr std::size_t lookUpsPerRound = 200;
+constexpr std::size_t mostInLdb = 200000;  // filling its index takes time with the square of the size
 
 std::vector<std::string> draw(const std::vector<std::string>& names, std::mt19937_64& engine)
 {
@@ -52,7 +53,8 @@ void measureLdb(Case& each, Database& plain, Database& indexed, const std::vecto
 
 void measureSearches(Case& each, const Effort& effort)
 {
-    const bool hasReference = each.figures.shape == Shape::containers || each.figures.shape == Shape::flat;
+    const Shape shape = each.figures.shape;
+    const bool hasReference = (shape == Shape::containers || shape == Shape::flat) && each.figures.size <= mostInLdb;
     const auto make = [&](const char* name, const char* indexed) {
         return hasReference ? makeLdb(each.directory / name, each.input.request, indexed) : nullptr;
     };
