@@ -75,10 +75,11 @@ std::string fallingNames(std::size_t bytes)
     return textOf(bytes, listEntry, [](std::size_t i) { return "öl" + digits(highest - i) + ": x\n"; });
 }
 
-// Behind "cn" and a NUL the two words of each pair lead a hash from 0, by hash = (hash ^ byte) * 0x100000001B3 and
-// hash ^= hash >> 29 for each byte, to the same 64 bits; those of the last pair to the same lower 32 with a NUL behind.
-// So all texts of a word of each pair collide in a table of such hashes, which has no key. Each pair comes from a
-// search of some 2^31 words.
+// Texts that collide in a hash without a key, which begins with 0 and goes on for each byte with
+// hash = (hash ^ byte) * 0x100000001B3 and hash ^= hash >> 29. After "cn" and a NUL either word of a pair leads to the
+// same 64 bits, and so do all texts of one word from each pair; the words of the last pair agree in the lower 32 bits,
+// with a NUL after them. A search through some 2^31 words gives a pair. Under a hash with a key these texts are like
+// any others.
 constexpr struct {
     const char* words[2];
 } collidingPairs[] = {
