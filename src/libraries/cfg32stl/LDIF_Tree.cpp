@@ -78,11 +78,17 @@ public:
         else
             found.push_back(piece);
     }
+    void print(const LDIF_Entry& entry)
+    {
+        const std::size_t start = buffer.size();
+        entry.appendTo(buffer);
+        endPrinted(start);
+    }
     void print(const std::string& text)
     {
         const std::size_t start = buffer.size();
-        buffer += inFileForm(text);
-        found.emplace_back(nullptr, buffer.size() - start);
+        buffer += text;
+        endPrinted(start);
     }
     std::vector<std::string_view> take()
     {
@@ -97,6 +103,13 @@ public:
     }
 
 private:
+    void endPrinted(std::size_t start)
+    {
+        if (lineEnd.size() > 1)
+            buffer.replace(start, buffer.size() - start, inFileForm(buffer.substr(start)));
+        found.emplace_back(nullptr, buffer.size() - start);
+    }
+
     std::string& buffer;
     std::vector<std::string_view> found;
 };
@@ -198,7 +211,7 @@ LDIF_Tree::Number LDIF_Tree::append(LDIF_Entry&& entry)
 // A text that stands in the store already.
 LDIF_EntryText LDIF_Tree::kept(const LDIF_EntryText& entry) noexcept
 {
-    store.keep(entry.text.size());
+    store.keep(entry.text);
     return entry;
 }
 
@@ -214,7 +227,7 @@ void LDIF_Tree::takeBack(Number entry) noexcept
     Node& node = nodes[entry];
     byDn.remove(node.tag, entry);
     if (node.text != nullptr)
-        store.release(node.size);
+        store.release({node.text, node.size});
     else
         objects.erase(entry);
     node = {};
@@ -256,7 +269,9 @@ try {
     for (const Number number : merged)
         (void)becomeText(number, {}, std::numeric_limits<std::size_t>::max());
     merged = {};
-    compact();
+    store.dropDeadFile();
+    if (store.isWasteful())
+        compact();
 } catch (...) {
     dropEntries();
     throw;
@@ -398,7 +413,19 @@ LDIF_DN LDIF_Tree::dn(Number number) const
     return known != nullptr ? known->dn : LDIF_DN(cisString(std::string(text(number).dn())));
 }
 
-std::vector<std::string_view> LDIF_Tree::pieces(const LDIF_Comment& after, std::string& buffer) const
+// Texts that lie apart are moved together, so that the next write costs less.
+std::vector<std::string_view> LDIF_Tree::pieces(const LDIF_Comment& after, std::string& buffer)
+{
+    constexpr std::size_t few = 64;
+    constexpr std::size_t most = 8;  // of so many entries one may stand apart
+    std::vector<std::string_view> found = gatherPieces(after, buffer);
+    if (found.size() <= few + nodes.size() / most + objects.size())
+        return found;
+    compact();
+    return gatherPieces(after, buffer);
+}
+
+std::vector<std::string_view> LDIF_Tree::gatherPieces(const LDIF_Comment& after, std::string& buffer) const
 {
     Pieces made(buffer);
     made.print(rootObject.str() + (needsBlankLine() ? "\n" : ""));
@@ -406,7 +433,7 @@ std::vector<std::string_view> LDIF_Tree::pieces(const LDIF_Comment& after, std::
         if (nodes[each].text != nullptr)
             made.add({nodes[each].text, nodes[each].size});
         else
-            made.print(objects.at(each).str());
+            made.print(objects.at(each));
     }
     made.print(after.str());
     return made.take();
@@ -432,7 +459,7 @@ LDIF_Entry& LDIF_Tree::open(Number entry)
     if (node.text == nullptr)
         return objects.at(entry);
     LDIF_Entry& made = objects.emplace(entry, LDIF_Entry(text(entry).text)).first->second;
-    store.release(node.size);
+    store.release({node.text, node.size});
     node.text = nullptr;
     return made;
 }
@@ -443,7 +470,8 @@ try {
     constexpr std::size_t largeEntry = std::size_t{16} << 10;
     if (entry != root && nodes[entry].text == nullptr)
         (void)becomeText(entry, {}, largeEntry);
-    compact();
+    if (store.isWasteful())
+        compact();
 } catch (...) {
     return;  // It stays an object, which is the same to all others.
 }
@@ -509,16 +537,17 @@ void LDIF_Tree::erase(Number entry) noexcept
         unlink(gone);
         takeBack(gone);
     }
-    compact();
+    if (store.isWasteful())
+        compact();
 }
 
+// Moves all texts side by side, in the order in which they are written.
 void LDIF_Tree::compact() noexcept
 try {
-    if (!store.isWasteful())
-        return;
     LDIF_TextStore living;
     living.reserve(store.used());
-    for (Node& node : nodes) {
+    for (Number each = nextBelow(root, root); each != none; each = nextBelow(each, root)) {
+        Node& node = nodes[each];
         if (node.text != nullptr)
             node.text = living.add({node.text, node.size}).data();
     }

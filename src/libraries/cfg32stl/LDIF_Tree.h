@@ -74,7 +74,7 @@ public:
 
     // The text of the whole tree and the lines after it as a file holds it, in pieces that live until the tree changes;
     // what is not text is printed to buffer. Throws LDIF_Exception for an entry that cannot be printed.
-    std::vector<std::string_view> pieces(const LDIF_Comment& after, std::string& buffer) const;
+    std::vector<std::string_view> pieces(const LDIF_Comment& after, std::string& buffer);
 
     // --- Changing ---
 
@@ -144,6 +144,7 @@ private:
     void link(Number entry, Number above) noexcept;
     void unlink(Number entry) noexcept;
     void indexAnew();
+    std::vector<std::string_view> gatherPieces(const LDIF_Comment& after, std::string& buffer) const;
     bool needsBlankLine() const noexcept;
 
     std::vector<Node> nodes;
