@@ -141,8 +141,8 @@ ZEBLDAPCFG_API CFG* cfg_init(void);
 ZEBLDAPCFG_API int cfg_reset(CFG* cfg);
 
 /*
- * Releases the handle and all that it owns, without writing the file. 0; 89 for a null handle; 1 when an exception
- * arose while releasing. The handle is gone whatever the result. Search results stay.
+ * Releases the handle and all that it owns, without writing the file. 0, or 89 for a null handle; nothing can fail.
+ * Search results stay.
  */
 ZEBLDAPCFG_API int cfg_unbind(CFG* cfg);
 

@@ -1,6 +1,7 @@
 #include "LDIF_Exception.h"
 
 #include "LDIF_AttrType.h"
+#include "LDIF_ErrorText.h"
 #include "platform.h"
 #include "zebldapcfg.h"
 
@@ -121,9 +122,9 @@ void LDIF_Exception::dumpLink(std::string& report) const
         appendNumberAndText(report, "\nerrno ", sysErr, std::strerror(sysErr));
     else if (sysErr != 0)
         appendNumberAndText(report, "\nWin32 error ", sysErr, win32Text(sysErr));
-    appendNumberAndText(report, "\nldapErr ", ldapErr, cfg_err2string(ldapErr));
+    appendNumberAndText(report, "\nldapErr ", ldapErr, errorText(ldapErr));
     if (extErr > 0 && extErr != ldapErr)
-        appendNumberAndText(report, "\nextErr ", extErr, cfg_err2string(extErr));
+        appendNumberAndText(report, "\nextErr ", extErr, errorText(extErr));
     if (configLine != 0 && !configFile.empty())
         report += "\nLine " + std::to_string(configLine) + " of " + configFile;
     else

@@ -2,7 +2,6 @@
 
 #include "LDIF_AttrType.h"
 #include "LDIF_Exception.h"
-#include "LDIF_File.h"
 #include "LDIF_Syntax.h"
 #include "LDIF_Util.h"
 #include "platform.h"
@@ -218,30 +217,4 @@ std::ostream& operator<<(std::ostream& stream, const LDIF_Search_Results& result
             write(stream, attribute, results.attrsOnly);
     }
     return stream;
-}
-
-std::vector<LDIF_Tree::Number> LDIF_File::findEntries(const LDIF_DN& base, LDIF_Search_Results::Scope scope,
-                                                      const LDIF_Filter& filter)
-try {
-    return findMatches(tree, baseEntry(base), scope, filter);
-} catch (...) {
-    wrapAndThrow("System error in LDIF_File::search()", fieldsOf(base, fileName));
-}
-
-LDIF_Search_Results LDIF_File::search(const LDIF_DN& base, const LDIF_Search_Results::Scope& scope,
-                                      const LDIF_Filter& filter, const LDIF_AttrFilter& attrs, bool attrsOnly)
-try {
-    LDIF_Search_Results results(scope, filter, attrs, attrsOnly);
-    results.search(tree, baseEntry(base));
-    return results;
-} catch (...) {
-    wrapAndThrow("System error in LDIF_File::search()", fieldsOf(base, fileName));
-}
-
-LDIF_Tree::Number LDIF_File::baseEntry(const LDIF_DN& dn)
-{
-    const LDIF_Tree::Number entry = tree.find(dn);
-    if (entry == LDIF_Tree::none)
-        throw LDIF_Exception(LDAP_NO_SUCH_OBJECT, LDAP_NO_SUCH_OBJECT, "Base entry not found");
-    return entry;
 }

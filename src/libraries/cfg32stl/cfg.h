@@ -65,18 +65,6 @@ int guarded(CFG* cfg, const char* systemError, Body body, SourcePos pos = Source
     return framed(*cfg, systemError, run, pos);
 }
 
-// The same for an update: takes in what has changed on disk, changes the tree, and writes the file.
-template <typename Change>
-int updated(CFG* cfg, const char* systemError, Change change, SourcePos pos = SourcePos::here()) noexcept
-{
-    const auto run = [&](LDIF_File& file) {
-        file.refresh();
-        change(file);
-        file.flush();
-    };
-    return guarded(cfg, systemError, run, pos);
-}
-
 // A copy on the C heap of the text that makeText gives, or null when it throws or memory is exhausted.
 template <typename MakeText>
 char* copyOfText(MakeText makeText) noexcept

@@ -1,7 +1,8 @@
-// The accessors of the last failure.
+// The codes, and the accessors of the last failure.
 #include "cfg.h"
 
 #include "LDIF_AttrType.h"
+#include "LDIF_ErrorText.h"
 #include "LDIF_Util.h"
 
 namespace {
@@ -20,6 +21,13 @@ const _AttrType& limitsOf(const CFG* cfg)
 }
 
 }  // namespace
+
+const char* cfg_err2string(int code)
+{
+    return errorText(code);
+}
+
+void cfg_perror(CFG* /*cfg*/, const char* /*text*/) {}
 
 int cfg_get_errno(CFG* cfg)
 {

@@ -1,15 +1,13 @@
-// The codes and their texts.
-#include "cfg.h"
+#include "LDIF_ErrorText.h"
+
+#include "zebldapcfg.h"
 
 namespace {
 
-// One extended code with its text.
-struct cfgerror {
+const struct Row {
     int code;
-    const char* message;
-};
-
-const cfgerror cfg_errlist[] = {
+    const char* text;
+} extendedCodes[] = {
     {CFG_ERR_UNEXPECTED, "Unexpected error in cfg32 API"},
     {CFG_ERR_CONFIG_FILENAME, "Configuration filename is not valid."},
     {CFG_ERR_CONFIG_FORMAT, "Configuration file format is not valid."},
@@ -59,14 +57,12 @@ int clientLibraryCode(int code)
 
 }  // namespace
 
-const char* cfg_err2string(int code)
+const char* errorText(int code) noexcept
 {
     if (code < CFG_ERR_UNEXPECTED)
         return ldap_err2string(clientLibraryCode(code));
-    const cfgerror* row = cfg_errlist;
+    const Row* row = extendedCodes;
     while (row->code != code && row->code != 0)
         ++row;
-    return row->message;
+    return row->text;
 }
-
-void cfg_perror(CFG* /*cfg*/, const char* /*text*/) {}

@@ -1,4 +1,4 @@
-// Handle: cfg_init, cfg_reset, and the frame of the calls.
+// The handle: cfg_init, cfg_reset, cfg_unbind, and the frame of the calls.
 #include "cfg.h"
 
 #include "LDIF_Util.h"
@@ -30,6 +30,18 @@ int cfg_reset(CFG* cfg)
     cfg->treeText = nullptr;
     delete cfg->exception;
     cfg->exception = nullptr;
+    return LDAP_SUCCESS;
+}
+
+int cfg_unbind(CFG* cfg)
+{
+    if (cfg_reset(cfg) != 0)
+        return CFG_PARAM_ERROR;
+    std::free(cfg->configFile);
+    std::free(cfg->backupFile);
+    delete cfg->file;
+    *cfg = CFG();
+    std::free(cfg);
     return LDAP_SUCCESS;
 }
 
