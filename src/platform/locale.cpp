@@ -150,7 +150,8 @@ bool isTransparent(std::string_view text, bool& hasSpace) noexcept
     if (!currentLocale().hasAscii)
         return false;
     for (;;) {
-        text.remove_prefix(static_cast<std::size_t>(std::find_if_not(text.begin(), text.end(), isAscii) - text.begin()));
+        text.remove_prefix(
+            static_cast<std::size_t>(std::find_if_not(text.begin(), text.end(), isAscii) - text.begin()));
         if (text.empty())
             return true;
         std::size_t size = lastLocale.characters.find(text);

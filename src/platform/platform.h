@@ -96,9 +96,9 @@ std::size_t caseFolding() noexcept;
 // Whether the ASCII characters are the same bytes in narrow text and the same units in wide text, in this locale.
 bool localeHasAscii() noexcept;
 
-// Whether the locale converts a text to wide characters and back to the same bytes, and each character beyond ASCII takes
-// bytes beyond ASCII alone: then the text can be taken apart at its ASCII characters where it stands. The text has no
-// NUL. Sets hasSpace when a character beyond ASCII is white space.
+// Whether the locale converts a text to wide characters and back to the same bytes, and each character beyond ASCII
+// takes bytes beyond ASCII alone: then the text can be taken apart at its ASCII characters where it stands. The text
+// has no NUL. Sets hasSpace when a character beyond ASCII is white space.
 bool isTransparent(std::string_view text, bool& hasSpace) noexcept;
 
 // While one lives, the locale of the process stays as it is, and is asked for only once.

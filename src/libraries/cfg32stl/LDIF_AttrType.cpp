@@ -85,3 +85,9 @@ const _AttrType* getAttrType(const char* name)
     memory.keep(*found);
     return found;
 }
+
+const _AttrType* getAttrType(std::string_view name)
+{
+    const _AttrType* const known = memory.find(name);
+    return known != nullptr ? known : getAttrType(std::string(name).c_str());
+}

@@ -253,7 +253,7 @@ LDIF_EntryReader::Name& LDIF_EntryReader::nameOf(std::string_view text)
 
 LDIF_EntryReader::Name& LDIF_EntryReader::makeName(std::string_view text, std::size_t hash)
 {
-    const _AttrType* const type = getAttrType(std::string(text).c_str());
+    const _AttrType* const type = getAttrType(text);
     names.push_back({std::string(text) + ": ", type, &syntaxOf(*type)});
     namesByText.add(hash, names.size() - 1);
     const auto isBefore = [](const Name* name, std::string_view other) {

@@ -148,10 +148,24 @@ try {
 
 std::vector<LDIF_Tree::Number> LDIF_File::findEntries(const LDIF_DN& base, LDIF_Search_Results::Scope scope,
                                                       const LDIF_Filter& filter)
+{
+    LDIF_DnKey key;
+    key.assign(base);
+    return findEntries(key, scope, filter);
+}
+
+std::vector<LDIF_Tree::Number> LDIF_File::findEntries(LDIF_DnKey& base, LDIF_Search_Results::Scope scope,
+                                                      const LDIF_Filter& filter)
 try {
-    return findMatches(tree, baseEntry(base), scope, filter);
+    const LDIF_Tree::Number entry = tree.find(base);
+    if (entry == LDIF_Tree::none)
+        throw LDIF_Exception(LDAP_NO_SUCH_OBJECT, LDAP_NO_SUCH_OBJECT, "Base entry not found");
+    return findMatches(tree, entry, scope, filter);
 } catch (...) {
-    wrapAndThrow("System error in LDIF_File::search()", fieldsOf(base, fileName));
+    wrapAndThrow("System error in LDIF_File::search()", [&](LDIF_Exception& failure) {
+        failure.entryDn = base.str();
+        failure.configFile = fileName;
+    });
 }
 
 LDIF_Tree::Number LDIF_File::baseEntry(const LDIF_DN& dn)

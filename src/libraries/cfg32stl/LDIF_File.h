@@ -59,6 +59,8 @@ public:
     // (32) without the base entry.
     LDIF_Search_Results search(const LDIF_DN& base, const LDIF_Search_Results::Scope& scope, const LDIF_Filter& filter,
                                const LDIF_AttrFilter& attrs, bool attrsOnly);
+    std::vector<LDIF_Tree::Number> findEntries(LDIF_DnKey& base, LDIF_Search_Results::Scope scope,
+                                               const LDIF_Filter& filter);
     std::vector<LDIF_Tree::Number> findEntries(const LDIF_DN& base, LDIF_Search_Results::Scope scope,
                                                const LDIF_Filter& filter);
     const LDIF_Tree& entries() const noexcept { return tree; }

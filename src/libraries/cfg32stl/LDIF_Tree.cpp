@@ -39,6 +39,16 @@ LDIF_EntryText printed(const LDIF_Entry& entry, std::string& buffer)
     return text;
 }
 
+// The least number of bytes that its values take when they are printed.
+std::size_t sizeOfValues(const LDIF_Entry& entry)
+{
+    std::size_t size = 0;
+    for (const LDIF_Attribute& attribute : entry.attributes)
+        for (const LDIF_Value& value : attribute.values)
+            size += attribute.name.size() + value.stringValue.size() + lineEnd.size() + 2;
+    return size;
+}
+
 bool hasOddName(const LDIF_Entry& entry)
 {
     return std::any_of(entry.attributes.begin(), entry.attributes.end(),
@@ -81,6 +91,7 @@ public:
     void print(const LDIF_Entry& entry)
     {
         const std::size_t start = buffer.size();
+        buffer.reserve(std::max(buffer.capacity(), start + sizeOfValues(entry)));
         entry.appendTo(buffer);
         endPrinted(start);
     }
@@ -129,8 +140,11 @@ LDIF_Tree::LDIF_Tree(TextBuffer&& file, std::size_t size)
 
 bool LDIF_Tree::load(const LDIF_EntryText& entry, bool isFileText)
 {
-    key.assign(entry.dn());
-    if (find(key, key.levels()) != none)
+    if (entry.isLocaleBound)
+        key.assign(entry.dn());
+    else
+        key.assignSimple(entry.dn());
+    if (find(key) != none)
         return false;
     place(append(entry, isFileText));
     return true;
@@ -230,6 +244,7 @@ void LDIF_Tree::takeBack(Number entry) noexcept
         store.release({node.text, node.size});
     else
         objects.erase(entry);
+    directory.forget(entry);
     node = {};
     node.next = std::exchange(firstVacant, entry);
 }
@@ -283,6 +298,7 @@ void LDIF_Tree::dropEntries() noexcept
     nodes[root].firstChild = nodes[root].lastChild = none;
     firstVacant = none;
     objects.clear();
+    directory.clear();
     byDn = LDIF_HashIndex();
     missingLevels = LDIF_HashIndex();
     merged.clear();
@@ -401,6 +417,11 @@ LDIF_EntryText LDIF_Tree::text(Number entry) const noexcept
     return {{node.text, node.size}, node.dnStart, node.dnSize, node.isLocaleBound != 0};
 }
 
+std::string_view LDIF_Tree::linesFrom(Number entry, std::string_view name) const noexcept
+{
+    return directory.find(entry, text(entry).attributes(), name);
+}
+
 LDIF_Entry LDIF_Tree::entry(Number number) const
 {
     const LDIF_Entry* const known = object(number);
@@ -460,6 +481,7 @@ LDIF_Entry& LDIF_Tree::open(Number entry)
         return objects.at(entry);
     LDIF_Entry& made = objects.emplace(entry, LDIF_Entry(text(entry).text)).first->second;
     store.release({node.text, node.size});
+    directory.forget(entry);
     node.text = nullptr;
     return made;
 }
@@ -480,6 +502,8 @@ try {
 bool LDIF_Tree::becomeText(Number entry, std::string_view source, std::size_t longest)
 {
     const LDIF_Entry& known = objects.at(entry);
+    if (sizeOfValues(known) > longest)
+        return false;
     std::string buffer;
     LDIF_EntryText text;
     try {
@@ -487,7 +511,7 @@ bool LDIF_Tree::becomeText(Number entry, std::string_view source, std::size_t lo
     } catch (const LDIF_Exception&) {
         return false;  // It has no text.
     }
-    if (text.text.size() > longest || !readsBack(text, known))
+    if (!readsBack(text, known))
         return false;
     text.isLocaleBound = !isPlain(text.text) || !isSimpleDn(text.dn()) ||
                          std::any_of(known.attributes.begin(), known.attributes.end(), hasOddDn);

@@ -68,9 +68,15 @@ std::string LDIF_Values::str() const
 void LDIF_Values::appendTo(std::string& out) const
 {
     const std::string start = attrName + ": ";
-    std::string buffer;
-    for (const LDIF_Value& value : *this)
-        out.append(start).append(value.text(buffer)) += '\n';
+    const bool isAtHand = &syntaxOf(*attrType) != &syntax::foreign;
+    for (const LDIF_Value& value : *this) {
+        out += start;
+        if (isAtHand)
+            out += value.stringValue;
+        else
+            out += value.str();
+        out += '\n';
+    }
 }
 
 LDIF_Values& LDIF_Values::operator+=(const std::string& text)

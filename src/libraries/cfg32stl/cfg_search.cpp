@@ -178,7 +178,7 @@ private:
             names.resize(place + usualNames);
         Name& known = names[place++];
         if (known.text != name)
-            known = {name, selection.selects(name), getAttrType(std::string(name).c_str())};
+            known = {name, selection.selects(name), getAttrType(name)};
         return known;
     }
 
@@ -212,7 +212,7 @@ private:
     const bool isDecoding;
     RecordBlock block;
     std::vector<Name> names;
-    std::size_t place = 0;  // of the next name
+    std::size_t place = 0;            // of the next name
     const _AttrType* type = nullptr;  // of the attribute at hand
     bool isPassword = false;
 };
@@ -258,12 +258,13 @@ int cfg_search_s(CFG* cfg, const char* base, int scope, const char* filter, char
         *result = nullptr;
         LDIF_File& file = *cfg->file;
         file.refresh();
-        const LDIF_DN dn = dnOf(base);
+        LDIF_DnKey key;
+        key.parse(requireText(base));
         std::string filterText = requireText(filter);
         const Wiper wiper(filterText);
         const LDIF_Filter test(filterText);
         const LDIF_AttrFilter selection = selectionOf(attrs);
-        return buildChain(ChainBuilder(file, selection), file.findEntries(dn, scopeOf(scope), test), *result);
+        return buildChain(ChainBuilder(file, selection), file.findEntries(key, scopeOf(scope), test), *result);
     };
     return framed(*cfg, "System error in cfg_search_s()", run, SourcePos::here());
 }
