@@ -136,18 +136,7 @@ void LDIF_File::moveToBackup()
                              "Unable to rename: \"" + fileName + "\" to \"" + backupFileName + "\" ");
 }
 
-LDIF_Search_Results LDIF_File::search(const LDIF_DN& base, const LDIF_Search_Results::Scope& scope,
-                                      const LDIF_Filter& filter, const LDIF_AttrFilter& attrs, bool attrsOnly)
-try {
-    LDIF_Search_Results results(scope, filter, attrs, attrsOnly);
-    results.search(tree, baseEntry(base));
-    return results;
-} catch (...) {
-    wrapAndThrow("System error in LDIF_File::search()", fieldsOf(base, fileName));
-}
-
-std::vector<LDIF_Tree::Number> LDIF_File::findEntries(const LDIF_DN& base, LDIF_Search_Results::Scope scope,
-                                                      const LDIF_Filter& filter)
+std::vector<LDIF_Tree::Number> LDIF_File::findEntries(const LDIF_DN& base, LDIF_Scope scope, const LDIF_Filter& filter)
 try {
     return findMatches(tree, baseEntry(base), scope, filter);
 } catch (...) {

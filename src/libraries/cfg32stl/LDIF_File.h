@@ -55,12 +55,9 @@ public:
     // Removes an entry. 32 without the entry, 66 for one with children unless deleteNonLeaves is set.
     void erase(const LDIF_DN& dn, bool deleteNonLeaves);
 
-    // The entries that match, as copies, or as their numbers in the tree, until that changes. Both throw LDIF_Exception
-    // (32) without the base entry.
-    LDIF_Search_Results search(const LDIF_DN& base, const LDIF_Search_Results::Scope& scope, const LDIF_Filter& filter,
-                               const LDIF_AttrFilter& attrs, bool attrsOnly);
-    std::vector<LDIF_Tree::Number> findEntries(const LDIF_DN& base, LDIF_Search_Results::Scope scope,
-                                               const LDIF_Filter& filter);
+    // The entries that match, by their numbers in the tree, until that changes. Throws LDIF_Exception (32) without the
+    // base entry.
+    std::vector<LDIF_Tree::Number> findEntries(const LDIF_DN& base, LDIF_Scope scope, const LDIF_Filter& filter);
     const LDIF_Tree& entries() const noexcept { return tree; }
 
     // Checks a login against the entry cn=Configuration; a refused one is noAccess. Null and null is anonymous. Throws
