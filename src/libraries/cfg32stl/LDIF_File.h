@@ -11,7 +11,6 @@
 #include <ldap.h>
 
 #include <memory>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -72,12 +71,6 @@ public:
     const char* getFileName() const noexcept { return fileName.c_str(); }  // the full path
     const char* getBackupFileName() const noexcept { return backupFileName.c_str(); }
     long getModTime() const noexcept { return static_cast<long>(fileStat.st_mtime); }  // seconds
-
-protected:
-    // The drawings of an entry and its subtree. undefined receives the DNs that no entry defines.
-    std::string IA5_TreeView(LDIF_Tree::Number entry, std::set<LDIF_DN>& undefined, const std::string& prefix) const;
-    std::string OEM_TreeView(LDIF_Tree::Number entry, bool last, std::set<LDIF_DN>& undefined,
-                             const std::string& prefix) const;
 
 private:
     void modifyEntry(const LDIF_DN& dn, LDAPMod** mods);
