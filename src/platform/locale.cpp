@@ -3,9 +3,12 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <climits>
 #include <clocale>
 #include <cstdlib>
 #include <cstring>
+#include <cwchar>
+#include <cwctype>
 #include <locale.h>
 #include <new>
 
@@ -29,6 +32,11 @@ bool isSameText(const char* left, const char* right) noexcept
         ++right;
     }
     return *left == *right;
+}
+
+bool isAscii(char byte) noexcept
+{
+    return static_cast<unsigned char>(byte) < asciiEnd;
 }
 
 bool convertsAscii() noexcept
@@ -113,6 +121,32 @@ std::size_t caseFolding() noexcept
 bool localeHasAscii() noexcept
 {
     return currentLocale().hasAscii;
+}
+
+bool isTransparent(std::string_view text, bool& hasSpace) noexcept
+{
+    if (!localeHasAscii())
+        return false;
+    for (std::size_t pos = 0; pos < text.size();) {
+        if (isAscii(text[pos])) {
+            ++pos;
+            continue;
+        }
+        std::mbstate_t state = {};
+        wchar_t unit = 0;
+        const std::size_t size = std::mbrtowc(&unit, &text[pos], text.size() - pos, &state);
+        if (size == 0 || size > text.size() - pos)
+            return false;
+        const std::string_view bytes = text.substr(pos, size);
+        char narrow[MB_LEN_MAX];
+        state = {};
+        if (std::any_of(bytes.begin(), bytes.end(), isAscii) || std::wcrtomb(narrow, unit, &state) != size ||
+            bytes != std::string_view(narrow, size))
+            return false;
+        hasSpace = hasSpace || std::iswspace(static_cast<std::wint_t>(unit)) != 0;
+        pos += size;
+    }
+    return true;
 }
 
 LocaleHold::LocaleHold() noexcept

@@ -96,6 +96,17 @@ std::size_t caseFolding() noexcept;
 // Whether the ASCII characters are the same bytes in narrow text and the same units in wide text, in this locale.
 bool localeHasAscii() noexcept;
 
+// Whether the locale converts a text to wide characters and back to the same bytes, and each character beyond ASCII
+// takes bytes beyond ASCII alone: then the text can be taken apart at its ASCII characters where it stands. The text
+// has no NUL. Sets hasSpace when a character beyond ASCII is white space.
+bool isTransparent(std::string_view text, bool& hasSpace) noexcept;
+
+// A hash of the text, and of seed, which may be that of a text before it. With foldedHash texts that compare equal
+// without regard to case, up to the first NUL, stay equal as long as the locale folds case the same. Each process has
+// hashes of its own.
+std::size_t exactHash(std::size_t seed, std::string_view text) noexcept;
+std::size_t foldedHash(std::size_t seed, std::string_view text) noexcept;
+
 // While one lives, the locale of the process stays as it is, and is asked for only once.
 class LocaleHold {
 public:

@@ -4,11 +4,9 @@
 #include "platform.h"
 
 #include <algorithm>
-#include <climits>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <cwchar>
 #include <cwctype>
 #include <stdexcept>
 
@@ -26,11 +24,6 @@ namespace {
 constexpr int wideFailure = 162;
 constexpr int narrowFailure = 163;
 constexpr auto conversionFailed = static_cast<std::size_t>(-1);
-
-bool isAscii(char byte) noexcept
-{
-    return static_cast<unsigned char>(byte) < 0x80;
-}
 
 bool isEdge(wchar_t unit) noexcept
 {
@@ -114,32 +107,6 @@ bool isPlain(std::string_view text) noexcept
     for (; pos < text.size(); ++pos)
         found |= static_cast<signed char>(text[pos]) > 0 ? 0 : highBits;
     return (found & highBits) == 0 && localeHasAscii();
-}
-
-bool isTransparent(std::string_view text, bool& hasSpace) noexcept
-{
-    if (!localeHasAscii())
-        return false;
-    for (std::size_t pos = 0; pos < text.size();) {
-        if (isAscii(text[pos])) {
-            ++pos;
-            continue;
-        }
-        std::mbstate_t state = {};
-        wchar_t unit = 0;
-        const std::size_t size = std::mbrtowc(&unit, &text[pos], text.size() - pos, &state);
-        if (size == 0 || size > text.size() - pos)
-            return false;
-        const std::string_view bytes = text.substr(pos, size);
-        char narrow[MB_LEN_MAX];
-        state = {};
-        if (std::any_of(bytes.begin(), bytes.end(), isAscii) || std::wcrtomb(narrow, unit, &state) != size ||
-            bytes != std::string_view(narrow, size))
-            return false;
-        hasSpace = hasSpace || w_my_isspace(unit);
-        pos += size;
-    }
-    return true;
 }
 
 bool w_my_isspace(wchar_t unit) noexcept

@@ -33,11 +33,6 @@ inline std::string compact(std::string_view text)
 // Whether narrow and wide text are the same here, unit by unit: ASCII without NUL in a locale that knows ASCII.
 bool isPlain(std::string_view text) noexcept;
 
-// Whether the locale converts a text to wide characters and back to the same bytes, and each character beyond ASCII
-// takes bytes beyond ASCII alone: then the text can be taken apart at its ASCII characters where it stands. The text
-// has no NUL. Sets hasSpace when a character beyond ASCII is white space.
-bool isTransparent(std::string_view text, bool& hasSpace) noexcept;
-
 // Trim as the functions below do, but text that is known to be plain.
 std::string_view withoutLeading(std::string_view plainText) noexcept;
 std::string_view withoutTrailing(std::string_view plainText) noexcept;
