@@ -68,7 +68,7 @@ TEST(Locale, ChangesNoResult)
             const std::string left = converted(readText(name), "UTF-8", encoding);
             EXPECT_EQ(left.substr(0, left.find("\ndn: ")), expected) << locale;
             const LDIF_DN base(cisString("CN=" + own + ",o=istanbul"));
-            EXPECT_EQ(file.findEntries(base, LDIF_Search_Results::base, LDIF_Filter("(title=" + own + ")")).size(), 1U)
+            EXPECT_EQ(file.findEntries(base, LDIF_Scope::base, LDIF_Filter("(title=" + own + ")")).size(), 1U)
                 << locale;
             const std::string dn = "cn=" + own + "i";
             EXPECT_EQ(file.setAuthentication(dn.c_str(), own.c_str(), LDAP_AUTH_SIMPLE), LDIF_File::administrator)
@@ -150,7 +150,7 @@ TEST(Locale, MayChangeWhileAFileIsLoaded)
         const ScopedLocale utf8;
         LDIF_File file = load(text);
         const LDIF_DN dn(cisString(text == start ? "cn=z\u00fcrich" : "cn=\\E3\\80\\80a"));
-        const auto find = [&] { return file.findEntries(dn, LDIF_Search_Results::base, LDIF_Filter("x")).size(); };
+        const auto find = [&] { return file.findEntries(dn, LDIF_Scope::base, LDIF_Filter("x")).size(); };
         const auto flush = [&] { return file.flush(), std::string(); };
         {
             const ScopedLocale other("C");

@@ -30,41 +30,44 @@ TEST(Search, FilterIsOneTestOnOneAttribute)
 }
 
 // What is found, or the codes and the entries that the links of the failure name, from the outermost on.
-TEST(Search, ScopeFilterAndSelectionDecideTheResults)
+TEST(Search, ScopeAndFilterDecideTheResults)
 {
-    using Results = LDIF_Search_Results;
-    const std::tuple<const char*, Results::Scope, const char*, const char*, bool, const char*> cases[] = {
-        {"O=A", Results::base, "", "x", false, "1 entry found.\n\ndn: o=a\n"},
-        {"o=a", Results::base, "objectclass=Top=", "x", false, "0 entries found.\n"},
-        {"o=a", Results::oneLevel, "", "OU", false, "1 entry found.\n\ndn: ou=d, o=a\nou: d\n"},
-        {"o=a", Results::subtree, "X=C", "ou", false, "1 entry found.\n\ndn: cn=c, ou=b, o=a\n"},
-        {"o=a", Results::subtree, "zeb-slapdQL3CP=01", "x", true,
-         "2 entries found.\n\ndn: o=a\n\ndn: cn=c, ou=b, o=a\nx\n"},
-        {"", Results::subtree, "version=01", "version", false, "1 entry found.\n\n: \nversion: 1\n"},
-        {"o=a", Results::subtree, "zeb-slapdPort=x", "x", false, "21/1016 o=a;o=a;ou=b, o=a;cn=c, ou=b, o=a;;;"},
-        {"o=a", Results::oneLevel, "zeb-slapdQL3CP=x", "x", false, "21/1016 o=a;o=a;;;"},
-        {"cn=no", Results::base, "", "x", false, "32/32 cn=no;;"},
+    const std::tuple<const char*, LDIF_Scope, const char*, const char*> cases[] = {
+        {"O=A", LDIF_Scope::base, "", "o=a;"},
+        {"o=a", LDIF_Scope::base, "objectclass=Top=", ""},
+        {"o=a", LDIF_Scope::oneLevel, "", "ou=d, o=a;"},
+        {"o=a", LDIF_Scope::subtree, "X=C", "cn=c, ou=b, o=a;"},
+        {"o=a", LDIF_Scope::subtree, "zeb-slapdQL3CP=01", "o=a;cn=c, ou=b, o=a;"},
+        {"", LDIF_Scope::subtree, "version=01", ";"},
+        {"o=a", LDIF_Scope::subtree, "zeb-slapdPort=x", "21/1016 o=a;o=a;ou=b, o=a;cn=c, ou=b, o=a;;;"},
+        {"o=a", LDIF_Scope::oneLevel, "zeb-slapdQL3CP=x", "21/1016 o=a;o=a;;;"},
+        {"cn=no", LDIF_Scope::base, "", "32/32 cn=no;;"},
     };
     const TempDirectory directory;
     writeText(directory / "f",
               "dn: o=a\nobjectclass: t\nzeb-slapdQL3CP: 1\n\ndn: ou=b, o=a\n\n# c\ndn: cn=c, ou=b, o=a\nx: C\n"
               "OBJECTCLASS: c\nzeb-slapdQL3CP: 1\nzeb-slapdPort: 1\n\ndn: ou=d, o=a\nobjectclass: d\nou: d\n");
     LDIF_File file(directory / "f", "");
-    for (const auto& [base, scope, filter, selected, namesOnly, expected] : cases) {
+    for (const auto& [base, scope, filter, expected] : cases) {
         std::ostringstream found;
-        const LDIF_AttrFilter selection{{cisString(selected)}};
         try {
-            const Results all = file.search(LDIF_DN(cisString(base)), scope, LDIF_Filter(filter), selection, namesOnly);
-            found << all;
-            for (const LDIF_Entry& entry : all)
-                EXPECT_EQ(entry.comment.lines.size(), 0U);
+            for (const auto entry : file.findEntries(LDIF_DN(cisString(base)), scope, LDIF_Filter(filter)))
+                found << file.entries().dn(entry) << ';';
         } catch (const LDIF_Exception& failure) {
             found << failure.ldapErr << '/' << failure.extErr << ' ';
             for (const LDIF_Exception* link = &failure; link != nullptr; link = link->nested.get())
                 found << link->entryDn << ';';
         }
-        EXPECT_EQ(found.str(), expected);
+        EXPECT_EQ(found.str(), expected) << base << ' ' << filter;
     }
+}
+
+TEST(Search, SelectionTakesNamesInAnyCase)
+{
+    const LDIF_AttrFilter selection{{cisString("ou"), cisString("X")}};
+    EXPECT_TRUE(LDIF_AttrFilter().selects("cn"));
+    for (const auto& [name, isSelected] : {std::pair("OU", true), {"x", true}, {"o", false}, {"", false}})
+        EXPECT_EQ(selection.selects(name), isSelected) << name;
 }
 
 // An entry that text cannot carry is searched as it stands.
@@ -75,5 +78,5 @@ TEST(Search, FindsWhatIsNoText)
     LDIF_File file(directory / "f", "");
     for (const auto& [filter, count] :
          {std::pair("x", 1U), {"X=1", 1U}, {"x=2", 0U}, {"zeb-slapdql3cp=07", 1U}, {"y", 0U}})
-        EXPECT_EQ(file.findEntries({}, LDIF_Search_Results::subtree, LDIF_Filter(filter)).size(), count) << filter;
+        EXPECT_EQ(file.findEntries({}, LDIF_Scope::subtree, LDIF_Filter(filter)).size(), count) << filter;
 }

@@ -101,6 +101,12 @@ bool localeHasAscii() noexcept;
 // has no NUL. Sets hasSpace when a character beyond ASCII is white space.
 bool isTransparent(std::string_view text, bool& hasSpace) noexcept;
 
+// A hash of the text, and of seed, which may be that of a text before it. With foldedHash texts that compare equal
+// without regard to case, up to the first NUL, stay equal as long as the locale folds case the same. Each process has
+// hashes of its own.
+std::size_t exactHash(std::size_t seed, std::string_view text) noexcept;
+std::size_t foldedHash(std::size_t seed, std::string_view text) noexcept;
+
 // While one lives, the locale of the process stays as it is, and is asked for only once.
 class LocaleHold {
 public:

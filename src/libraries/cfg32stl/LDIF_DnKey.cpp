@@ -1,7 +1,7 @@
 #include "LDIF_DnKey.h"
 
-#include "LDIF_HashIndex.h"
 #include "LDIF_Util.h"
+#include "platform.h"
 
 #include <algorithm>
 #include <array>

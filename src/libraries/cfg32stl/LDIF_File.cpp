@@ -136,26 +136,14 @@ void LDIF_File::moveToBackup()
                              "Unable to rename: \"" + fileName + "\" to \"" + backupFileName + "\" ");
 }
 
-LDIF_Search_Results LDIF_File::search(const LDIF_DN& base, const LDIF_Search_Results::Scope& scope,
-                                      const LDIF_Filter& filter, const LDIF_AttrFilter& attrs, bool attrsOnly)
-try {
-    LDIF_Search_Results results(scope, filter, attrs, attrsOnly);
-    results.search(tree, baseEntry(base));
-    return results;
-} catch (...) {
-    wrapAndThrow("System error in LDIF_File::search()", fieldsOf(base, fileName));
-}
-
-std::vector<LDIF_Tree::Number> LDIF_File::findEntries(const LDIF_DN& base, LDIF_Search_Results::Scope scope,
-                                                      const LDIF_Filter& filter)
+std::vector<LDIF_Tree::Number> LDIF_File::findEntries(const LDIF_DN& base, LDIF_Scope scope, const LDIF_Filter& filter)
 {
     LDIF_DnKey key;
     key.assign(base);
     return findEntries(key, scope, filter);
 }
 
-std::vector<LDIF_Tree::Number> LDIF_File::findEntries(LDIF_DnKey& base, LDIF_Search_Results::Scope scope,
-                                                      const LDIF_Filter& filter)
+std::vector<LDIF_Tree::Number> LDIF_File::findEntries(LDIF_DnKey& base, LDIF_Scope scope, const LDIF_Filter& filter)
 try {
     const LDIF_Tree::Number entry = tree.find(base);
     if (entry == LDIF_Tree::none)
@@ -166,12 +154,4 @@ try {
         failure.entryDn = base.str();
         failure.configFile = fileName;
     });
-}
-
-LDIF_Tree::Number LDIF_File::baseEntry(const LDIF_DN& dn)
-{
-    const LDIF_Tree::Number entry = tree.find(dn);
-    if (entry == LDIF_Tree::none)
-        throw LDIF_Exception(LDAP_NO_SUCH_OBJECT, LDAP_NO_SUCH_OBJECT, "Base entry not found");
-    return entry;
 }

@@ -11,7 +11,6 @@
 #include <ldap.h>
 
 #include <memory>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -55,14 +54,10 @@ public:
     // Removes an entry. 32 without the entry, 66 for one with children unless deleteNonLeaves is set.
     void erase(const LDIF_DN& dn, bool deleteNonLeaves);
 
-    // The entries that match, as copies, or as their numbers in the tree, until that changes. Both throw LDIF_Exception
-    // (32) without the base entry.
-    LDIF_Search_Results search(const LDIF_DN& base, const LDIF_Search_Results::Scope& scope, const LDIF_Filter& filter,
-                               const LDIF_AttrFilter& attrs, bool attrsOnly);
-    std::vector<LDIF_Tree::Number> findEntries(LDIF_DnKey& base, LDIF_Search_Results::Scope scope,
-                                               const LDIF_Filter& filter);
-    std::vector<LDIF_Tree::Number> findEntries(const LDIF_DN& base, LDIF_Search_Results::Scope scope,
-                                               const LDIF_Filter& filter);
+    // The entries that match, by their numbers in the tree, until that changes. Throws LDIF_Exception (32) without the
+    // base entry.
+    std::vector<LDIF_Tree::Number> findEntries(LDIF_DnKey& base, LDIF_Scope scope, const LDIF_Filter& filter);
+    std::vector<LDIF_Tree::Number> findEntries(const LDIF_DN& base, LDIF_Scope scope, const LDIF_Filter& filter);
     const LDIF_Tree& entries() const noexcept { return tree; }
 
     // Checks a login against the entry cn=Configuration; a refused one is noAccess. Null and null is anonymous. Throws
@@ -78,16 +73,9 @@ public:
     const char* getBackupFileName() const noexcept { return backupFileName.c_str(); }
     long getModTime() const noexcept { return static_cast<long>(fileStat.st_mtime); }  // seconds
 
-protected:
-    // The drawings of an entry and its subtree. undefined receives the DNs that no entry defines.
-    std::string IA5_TreeView(LDIF_Tree::Number entry, std::set<LDIF_DN>& undefined, const std::string& prefix) const;
-    std::string OEM_TreeView(LDIF_Tree::Number entry, bool last, std::set<LDIF_DN>& undefined,
-                             const std::string& prefix) const;
-
 private:
     void modifyEntry(const LDIF_DN& dn, LDAPMod** mods);
     void removeEntry(const LDIF_DN& dn, bool deleteNonLeaves);
-    LDIF_Tree::Number baseEntry(const LDIF_DN& dn);
     Authentication checkLogin(const char* dn, const char* password);
     LDIF_Tree readText() const;
     void readTree(LDIF_Tree&& emptyTree, bool& needsRewrite);

@@ -17,7 +17,7 @@ bool isGiven(const char* text)
 }
 
 // Whether the first value of an attribute equals the text under the attribute's syntax.
-bool matchesFirstValue(LDIF_Entry& entry, const char* name, const char* text)
+bool matchesFirstValue(const LDIF_Entry& entry, const char* name, const char* text)
 {
     const LDIF_Attribute* const attribute = entry.attributes.find(cisString(name));
     if (attribute == entry.attributes.data() + entry.attributes.size() || attribute->values.empty())
@@ -50,14 +50,10 @@ LDIF_File::Authentication LDIF_File::setAuthentication(const char* dn, const cha
 
 LDIF_File::Authentication LDIF_File::checkLogin(const char* dn, const char* password)
 {
-    LDIF_AttrFilter attributes;
-    attributes.insert(cisString(adminDn));
-    attributes.insert(cisString(adminPassword));
-    LDIF_Search_Results found =
-        search(LDIF_DN(cisString(configurationDn)), LDIF_Search_Results::base, LDIF_Filter(), attributes, false);
+    const auto found = findEntries(LDIF_DN(cisString(configurationDn)), LDIF_Scope::base, LDIF_Filter());
     if (found.empty())
         return noAccess;
-    LDIF_Entry& account = found.front();
+    const LDIF_Entry account = tree.entry(found.front());
     const bool matches = matchesFirstValue(account, adminDn, dn) && matchesFirstValue(account, adminPassword, password);
     return matches ? administrator : noAccess;
 }

@@ -1,6 +1,10 @@
 // The outline of the tree.
 #include "LDIF_File.h"
 
+#include <set>
+#include <string>
+#include <utility>
+
 namespace {
 
 // The pieces of one drawing.
@@ -20,45 +24,41 @@ constexpr std::size_t barSize = sizeof noBar - 1;
 // One walk over the tree, in a loop, for a tree may be deep.
 class Outline {
 public:
-    Outline(const Drawing& pieces, const LDIF_Tree& entries, std::set<LDIF_DN>& undefinedDns)
-        : drawing(pieces), tree(entries), undefined(undefinedDns)
-    {}
-
-    // An entry and all below it. prefix stands in front of its line.
-    void add(LDIF_Tree::Number top, bool isLast, const std::string& topPrefix)
+    Outline(const Drawing& pieces, const LDIF_Tree& entries) : drawing(pieces), tree(entries)
     {
-        prefix = topPrefix;
-        if (top != LDIF_Tree::root)
-            addLine(top, isLast);
-        for (auto entry = top; entry != LDIF_Tree::none;) {
-            if (tree.firstChild(entry) != LDIF_Tree::none) {
-                entry = tree.firstChild(entry);
-            } else {
-                for (; entry != top && tree.nextSibling(entry) == LDIF_Tree::none; entry = tree.parent(entry))
-                    leave(entry);
-                if (entry == top)
-                    return;
-                leave(entry);
-                entry = tree.nextSibling(entry);
-            }
+        auto above = LDIF_Tree::root;
+        for (auto entry = next(above); entry != LDIF_Tree::none; entry = next(entry)) {
+            for (; above != tree.parent(entry); above = tree.parent(above))
+                leave(above);
             enter(entry);
+            above = entry;
         }
     }
 
     std::string text;
+    std::set<LDIF_DN> undefined;  // the levels between an entry and its parent in the tree
 
 private:
+    LDIF_Tree::Number next(LDIF_Tree::Number entry) const { return tree.nextBelow(entry, LDIF_Tree::root); }
+
+    bool isSuffix(LDIF_Tree::Number entry) const { return tree.parent(entry) == LDIF_Tree::root; }
+
     void enter(LDIF_Tree::Number entry)
     {
+        const LDIF_DN dn = tree.dn(entry);
+        LDIF_DN relative = dn;
+        relative.removeLeading(tree.levels(tree.parent(entry)));
         if (isSuffix(entry)) {
-            text += '\n';
-            return addLine(entry, false);
+            text.append("\n").append(drawing.suffix).append(relative.str()).append(" (suffix)\n");
+            return;
         }
         const bool isLast = tree.nextSibling(entry) == LDIF_Tree::none;
         if (drawing.connects)
             text.append(prefix).append(drawing.bar).append("\n");
         prefix += isLast ? noBar : drawing.bar;
-        addLine(entry, isLast);
+        text.append(prefix, 0, prefix.size() - 1).append(isLast ? drawing.lastBranch : drawing.branch);
+        text.append(relative.str()).append(relative.size() > 1 ? " *\n" : "\n");
+        addUndefined(dn, relative.size());
     }
 
     void leave(LDIF_Tree::Number entry)
@@ -67,26 +67,6 @@ private:
             prefix.resize(prefix.size() - barSize);
     }
 
-    bool isSuffix(LDIF_Tree::Number entry) const { return tree.parent(entry) == LDIF_Tree::root; }
-
-    void addLine(LDIF_Tree::Number entry, bool isLast)
-    {
-        const LDIF_DN dn = tree.dn(entry);
-        LDIF_DN relative = dn;
-        relative.removeLeading(tree.levels(tree.parent(entry)));
-        if (prefix.empty()) {
-            text.append(drawing.suffix).append(relative.str()).append(" (suffix)\n");
-            return;
-        }
-        text.append(prefix, 0, prefix.size() - 1).append(isLast ? drawing.lastBranch : drawing.branch);
-        text += relative.str();
-        if (relative.size() > 1)
-            text += " *";
-        text += '\n';
-        addUndefined(dn, relative.size());
-    }
-
-    // The levels between an entry and its parent in the tree.
     void addUndefined(LDIF_DN dn, std::size_t levels)
     {
         for (; levels > 1; --levels) {
@@ -97,8 +77,7 @@ private:
 
     const Drawing& drawing;
     const LDIF_Tree& tree;
-    std::set<LDIF_DN>& undefined;
-    std::string prefix;
+    std::string prefix;  // of the lines below the entry at hand
 };
 
 }  // namespace
@@ -106,31 +85,13 @@ private:
 std::string LDIF_File::treeView(bool oem)
 {
     tree.followLocale();
-    std::set<LDIF_DN> undefined;
-    std::string outline =
-        oem ? OEM_TreeView(LDIF_Tree::root, true, undefined, "") : IA5_TreeView(LDIF_Tree::root, undefined, "");
-    if (undefined.empty())
-        return outline;
-    outline += "\n* the following entries are undefined:\n";
-    for (const LDIF_DN& dn : undefined) {
-        dn.appendTo(outline);
-        outline += '\n';
+    Outline outline(oem ? oem437 : ia5, tree);
+    std::string& text = outline.text;
+    if (!outline.undefined.empty())
+        text += "\n* the following entries are undefined:\n";
+    for (const LDIF_DN& dn : outline.undefined) {
+        dn.appendTo(text);
+        text += '\n';
     }
-    return outline;
-}
-
-std::string LDIF_File::IA5_TreeView(LDIF_Tree::Number entry, std::set<LDIF_DN>& undefined,
-                                    const std::string& prefix) const
-{
-    Outline outline(ia5, tree, undefined);
-    outline.add(entry, false, prefix);
-    return std::move(outline.text);
-}
-
-std::string LDIF_File::OEM_TreeView(LDIF_Tree::Number entry, bool last, std::set<LDIF_DN>& undefined,
-                                    const std::string& prefix) const
-{
-    Outline outline(oem437, tree, undefined);
-    outline.add(entry, last, prefix);
-    return std::move(outline.text);
+    return std::move(text);
 }

@@ -4,7 +4,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <string_view>
 #include <vector>
 
 // Positions by hash, in a table of open addresses that is at most half full: eight bytes for each slot.
@@ -48,11 +47,5 @@ private:
     std::vector<Slot> slots;  // a power of two, or none
     std::size_t count = 0;
 };
-
-// A hash of the text, and of seed, which may be that of a text before it. With foldedHash texts that compare equal
-// without regard to case, up to the first NUL, stay equal as long as the locale folds case the same. Each process has
-// hashes of its own.
-std::size_t exactHash(std::size_t seed, std::string_view text) noexcept;
-std::size_t foldedHash(std::size_t seed, std::string_view text) noexcept;
 
 #endif

@@ -2,8 +2,8 @@
 
 #include "LDIF_DnReader.h"
 #include "LDIF_Exception.h"
-#include "LDIF_HashIndex.h"
 #include "LDIF_Util.h"
+#include "platform.h"
 #include "zebldapcfg.h"
 
 #include <algorithm>

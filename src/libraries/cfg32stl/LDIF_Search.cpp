@@ -8,31 +8,8 @@
 
 #include <memory>
 #include <optional>
-#include <ostream>
 
 namespace {
-
-void write(std::ostream& stream, const LDIF_Attribute& attribute, bool nameOnly)
-{
-    if (nameOnly) {
-        stream << attribute.name << std::endl;
-        return;
-    }
-    for (const LDIF_Value& value : attribute.values)
-        stream << attribute.name << ": " << value << std::endl;
-}
-
-LDIF_Entry selected(const LDIF_Entry& entry, const LDIF_AttrFilter& selection)
-{
-    LDIF_Entry copy;
-    copy.name = entry.name;
-    copy.dn = entry.dn;
-    for (const LDIF_Attribute& attribute : entry.attributes) {
-        if (selection.selects(attribute.name))
-            copy += attribute;
-    }
-    return copy;
-}
 
 // A filter on its way over many entries: the value is made once, by the type of the attribute.
 class Matcher {
@@ -92,7 +69,7 @@ private:
 // The walk of a search, in a loop, for a tree may be deep.
 class Walk {
 public:
-    Walk(const LDIF_Tree& entries, LDIF_Tree::Number start, LDIF_Search_Results::Scope reach, const LDIF_Filter& test)
+    Walk(const LDIF_Tree& entries, LDIF_Tree::Number start, LDIF_Scope reach, const LDIF_Filter& test)
         : tree(entries), base(start), scope(reach), filter(test), matcher(test)
     {}
 
@@ -100,7 +77,7 @@ public:
     {
         std::vector<LDIF_Tree::Number> found;
         for (auto entry = base; entry != LDIF_Tree::none; entry = next(entry)) {
-            if (isMatch(entry) && (entry != base || scope != LDIF_Search_Results::oneLevel))
+            if (isMatch(entry) && (entry != base || scope != LDIF_Scope::oneLevel))
                 found.push_back(entry);
         }
         return found;
@@ -113,7 +90,7 @@ private:
         const LDIF_Entry* const object = tree.object(entry);
         if (object != nullptr)
             return matcher.match(*object);
-        return matcher.match(scope == LDIF_Search_Results::base
+        return matcher.match(scope == LDIF_Scope::base
                                  ? linesFrom(tree.text(entry).attributes(), filter.attr)  // not worth remembering
                                  : tree.linesFrom(entry, filter.attr));
     } catch (...) {
@@ -122,9 +99,9 @@ private:
 
     LDIF_Tree::Number next(LDIF_Tree::Number entry) const
     {
-        if (scope == LDIF_Search_Results::subtree)
+        if (scope == LDIF_Scope::subtree)
             return tree.nextBelow(entry, base);
-        if (scope == LDIF_Search_Results::base)
+        if (scope == LDIF_Scope::base)
             return LDIF_Tree::none;
         return entry == base ? tree.firstChild(entry) : tree.nextSibling(entry);
     }
@@ -145,7 +122,7 @@ private:
 
     const LDIF_Tree& tree;
     const LDIF_Tree::Number base;
-    const LDIF_Search_Results::Scope scope;
+    const LDIF_Scope scope;
     const LDIF_Filter& filter;
     Matcher matcher;
 };
@@ -210,30 +187,8 @@ bool LDIF_Filter::match(const LDIF_Entry& entry) const
     return Matcher(*this).match(entry);
 }
 
-LDIF_Search_Results::LDIF_Search_Results(const Scope& reach, const LDIF_Filter& test, const LDIF_AttrFilter& selection,
-                                         bool namesOnly)
-    : scope(reach), filter(test), attrFilter(selection), attrsOnly(namesOnly)
-{}
-
-void LDIF_Search_Results::search(const LDIF_Tree& tree, LDIF_Tree::Number entry)
-{
-    for (const LDIF_Tree::Number found : findMatches(tree, entry, scope, filter))
-        push_back(selected(tree.entry(found), attrFilter));
-}
-
-std::vector<LDIF_Tree::Number> findMatches(const LDIF_Tree& tree, LDIF_Tree::Number base,
-                                           LDIF_Search_Results::Scope scope, const LDIF_Filter& filter)
+std::vector<LDIF_Tree::Number> findMatches(const LDIF_Tree& tree, LDIF_Tree::Number base, LDIF_Scope scope,
+                                           const LDIF_Filter& filter)
 {
     return Walk(tree, base, scope, filter).matches();
-}
-
-std::ostream& operator<<(std::ostream& stream, const LDIF_Search_Results& results)
-{
-    stream << results.size() << " entr" << (results.size() == 1 ? "y" : "ies") << " found." << std::endl;
-    for (const LDIF_Entry& entry : results) {
-        stream << std::endl << entry.name << ": " << entry.dn << std::endl;
-        for (const LDIF_Attribute& attribute : entry.attributes)
-            write(stream, attribute, results.attrsOnly);
-    }
-    return stream;
 }

@@ -1,4 +1,4 @@
-// Searches of the tree: filter, selection of attributes, and results.
+// Searches of the tree: filter, selection of attributes, and the walk.
 #ifndef LDIF_SEARCH_H
 #define LDIF_SEARCH_H
 
@@ -6,7 +6,6 @@
 #include "LDIF_Tree.h"
 #include "cisString.h"
 
-#include <iosfwd>
 #include <memory>
 #include <set>
 #include <string>
@@ -44,29 +43,12 @@ public:
     bool selects(std::string_view name) const { return empty() || count(cisString(std::string(name))) != 0; }
 };
 
-// The entries that a search has found, in preorder, as copies without comment.
-class LDIF_Search_Results : public std::vector<LDIF_Entry> {
-public:
-    enum Scope { base = 0, oneLevel = 1, subtree = 2 };
+// How far a search reaches from its base entry.
+enum class LDIF_Scope { base = 0, oneLevel = 1, subtree = 2 };
 
-    Scope scope;
-    LDIF_Filter filter;
-    LDIF_AttrFilter attrFilter;
-    bool attrsOnly;  // for whoever reads the results: they hold their values in any case
-
-    LDIF_Search_Results(const Scope& reach, const LDIF_Filter& test, const LDIF_AttrFilter& selection, bool namesOnly);
-
-    // Searches an entry of a tree and, as far as the scope says, what lies below, and adds what is found. Throws
-    // LDIF_Exception for a value that an attribute's syntax refuses, with a link and entryDn for each entry on the way
-    // down.
-    void search(const LDIF_Tree& tree, LDIF_Tree::Number entry);
-};
-
-// The entries that a search from base finds, in preorder. Throws as search above does.
-std::vector<LDIF_Tree::Number> findMatches(const LDIF_Tree& tree, LDIF_Tree::Number base,
-                                           LDIF_Search_Results::Scope scope, const LDIF_Filter& filter);
-
-// The number of entries, then each entry as text, without values when only names are wanted.
-std::ostream& operator<<(std::ostream& stream, const LDIF_Search_Results& results);
+// The entries that a search from base finds, in preorder. Throws LDIF_Exception for a value that an attribute's syntax
+// refuses, with a link and entryDn for each entry on the way down.
+std::vector<LDIF_Tree::Number> findMatches(const LDIF_Tree& tree, LDIF_Tree::Number base, LDIF_Scope scope,
+                                           const LDIF_Filter& filter);
 
 #endif

@@ -1,9 +1,9 @@
 #include "LDIF_Syntax.h"
 
-#include "LDIF_HashIndex.h"
 #include "LDIF_Util.h"
 #include "LDIF_Value.h"
 #include "PasswordCodec.h"
+#include "platform.h"
 #include "zebldapcfg.h"
 
 #include <cstring>

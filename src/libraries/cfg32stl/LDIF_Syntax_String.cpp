@@ -1,6 +1,5 @@
 #include "LDIF_Syntax.h"
 
-#include "LDIF_HashIndex.h"
 #include "LDIF_Util.h"
 #include "LDIF_Value.h"
 #include "platform.h"

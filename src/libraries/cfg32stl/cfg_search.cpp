@@ -230,11 +230,11 @@ int buildChain(ChainBuilder&& builder, const std::vector<LDIF_Tree::Number>& fou
     }
 }
 
-LDIF_Search_Results::Scope scopeOf(int scope)
+LDIF_Scope scopeOf(int scope)
 {
     if (scope == LDAP_SCOPE_ONELEVEL)
-        return LDIF_Search_Results::oneLevel;
-    return scope == LDAP_SCOPE_SUBTREE ? LDIF_Search_Results::subtree : LDIF_Search_Results::base;
+        return LDIF_Scope::oneLevel;
+    return scope == LDAP_SCOPE_SUBTREE ? LDIF_Scope::subtree : LDIF_Scope::base;
 }
 
 LDIF_AttrFilter selectionOf(char** names)
