@@ -94,6 +94,8 @@ bool hasOddBytes(std::string_view text) noexcept
     return (found & highBits) != 0;
 }
 
+constexpr std::size_t usualNames = 1000;  // of attributes in a file
+
 bool isWrittenPassword(std::string_view text) noexcept
 {
     return !text.empty() && text.front() == '>' && text.back() == '<';
@@ -122,7 +124,6 @@ LDIF_EntryReader::Form LDIF_EntryReader::read(std::string_view text)
 
 void LDIF_EntryReader::begin(std::string_view text)
 {
-    constexpr std::size_t usualNames = 1000;
     if (names.size() > usualNames) {
         names.clear();
         namesByText = LDIF_HashIndex();
@@ -226,14 +227,15 @@ bool LDIF_EntryReader::takeAttribute(std::string_view line)
     return true;
 }
 
-// False at a line without a name, or with one that is left to the classes, and at the dn line of another entry.
+// False at a line without a name, or with one that is left to the classes, and at the dn line of another entry. An
+// entry of very many names would spend its time on their ranks.
 bool LDIF_EntryReader::takeName(std::string_view line)
 {
     const std::size_t colon = line.find(':');
     if (colon == std::string_view::npos || colon == 0 || !isPlain(line.substr(0, colon)))
         return false;
     const std::string_view text = line.substr(0, colon);
-    if (compareFolded(text, "dn") == 0)
+    if (compareFolded(text, "dn") == 0 || names.size() > 2 * usualNames)
         return false;
     Name& name = nameOf(text);
     if (lastName->rank < name.rank)

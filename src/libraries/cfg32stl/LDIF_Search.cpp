@@ -111,11 +111,11 @@ private:
     {
         auto failure =
             std::make_unique<LDIF_Exception>(wrapCurrent("System error in LDIF_Search_Results::addEntry()", pos));
-        failure->entryDn = printable(tree.dn(entry));
+        failure->entryDn = tree.dnText(entry);
         while (entry != base) {
             entry = tree.parent(entry);
             failure = std::make_unique<LDIF_Exception>(pos.file, pos.line, std::move(*failure));
-            failure->entryDn = printable(tree.dn(entry));
+            failure->entryDn = tree.dnText(entry);
         }
         return std::move(*failure);
     }

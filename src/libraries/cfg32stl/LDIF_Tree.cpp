@@ -428,6 +428,12 @@ LDIF_Entry LDIF_Tree::entry(Number number) const
     return known != nullptr ? *known : LDIF_Entry(text(number).text);
 }
 
+std::string LDIF_Tree::dnText(Number number) const
+{
+    const LDIF_Entry* const known = object(number);
+    return known != nullptr ? printable(known->dn) : std::string(text(number).dn());
+}
+
 LDIF_DN LDIF_Tree::dn(Number number) const
 {
     const LDIF_Entry* const known = object(number);

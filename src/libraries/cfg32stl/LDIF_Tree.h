@@ -75,6 +75,8 @@ public:
     // A copy.
     LDIF_Entry entry(Number number) const;
     LDIF_DN dn(Number number) const;
+    // The string form of its DN, or the empty text for one that cannot be printed.
+    std::string dnText(Number number) const;
 
     // The text of the whole tree and the lines after it as a file holds it, in pieces that live until the tree changes;
     // what is not text is printed to buffer. Throws LDIF_Exception for an entry that cannot be printed.
