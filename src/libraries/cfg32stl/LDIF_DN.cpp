@@ -6,18 +6,6 @@
 #include <algorithm>
 #include <ostream>
 
-namespace {
-
-// As many RDNs as a usual text can have; an unusual one grows as it is read.
-std::size_t expectedLevels(const std::string& text)
-{
-    constexpr std::ptrdiff_t usual = 8;
-    const auto isSeparator = [](char byte) { return byte == ',' || byte == ';'; };
-    return static_cast<std::size_t>(std::min(std::count_if(text.begin(), text.end(), isSeparator) + 1, usual));
-}
-
-}  // namespace
-
 LDIF_DN::LDIF_DN(const cisString& text)
 {
     *this = text;
@@ -30,7 +18,6 @@ LDIF_DN& LDIF_DN::operator=(const cisString& text)
     reader.skipEdges();
     if (reader.atEnd())
         return *this;
-    reserve(size() + expectedLevels(text));
     std::reverse(begin(), end());
     try {
         parse(reader);
@@ -95,9 +82,7 @@ LDIF_DN& LDIF_DN::operator-=(const LDIF_DN& other)
 
 std::string LDIF_DN::str() const
 {
-    constexpr size_type usualLength = 32;  // of an RDN
     std::string text;
-    text.reserve(size() * usualLength);
     appendTo(text);
     return text;
 }

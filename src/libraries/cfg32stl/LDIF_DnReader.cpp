@@ -2,23 +2,11 @@
 
 #include "LDIF_Util.h"
 
-LDIF_CharacterSet::LDIF_CharacterSet(const std::string& characters)
-{
-    for (const char character : characters)
-        members[static_cast<unsigned char>(character)] = true;
-}
+LDIF_DnReader::LDIF_DnReader(const std::string& narrow) : text(multibyte2wide(narrow)) {}
 
-LDIF_DnReader::LDIF_DnReader(const std::string& text) : narrow(text), plain(::isPlain(text))
+bool LDIF_DnReader::isAtOneOf(const std::string& characters) const noexcept
 {
-    if (!plain)
-        wide = multibyte2wide(text);
-}
-
-wchar_t LDIF_DnReader::peek() const noexcept
-{
-    if (atEnd())
-        return L'\0';
-    return plain ? static_cast<wchar_t>(narrow[current]) : wide[current];
+    return w_isOneOf(peek(), characters);
 }
 
 void LDIF_DnReader::skipEdges() noexcept
@@ -29,27 +17,21 @@ void LDIF_DnReader::skipEdges() noexcept
 
 bool LDIF_DnReader::takeHexPair(char& byte) noexcept
 {
-    if (plain ? !hexPair(narrow, current, byte) : !w_hexPair(wide, current, byte))
+    if (!w_hexPair(text, current, byte))
         return false;
     current += 2;
     return true;
 }
 
-std::string LDIF_DnReader::narrowed(std::size_t from, std::size_t length) const
+std::string LDIF_DnReader::rest(std::size_t from) const
 {
-    return plain ? std::string(narrow.substr(from, length)) : wide2multibyte(wide.substr(from, length));
+    return wide2multibyte(text.substr(from));
 }
 
-std::string_view LDIF_DnReader::takeWhile(const LDIF_CharacterSet& characters, bool isMember)
+std::string LDIF_DnReader::takeWhile(const std::string& characters, bool isMember)
 {
     const std::size_t start = current;
-    if (plain) {
-        while (current < narrow.size() && characters.has(static_cast<wchar_t>(narrow[current])) == isMember)
-            ++current;
-        return narrow.substr(start, current - start);
-    }
-    while (!atEnd() && characters.has(wide[current]) == isMember)
-        ++current;
-    taken = narrowed(start, current - start);
-    return taken;
+    while (!atEnd() && isAtOneOf(characters) == isMember)
+        advance();
+    return wide2multibyte(text.substr(start, current - start));
 }

@@ -18,31 +18,17 @@ bool isDn(std::string_view name)
     return name.size() == 2 && foldCase(name[0]) == 'd' && foldCase(name[1]) == 'n';
 }
 
-// All but the first character, in text that is not plain.
-void appendWithoutFirst(std::string_view text, std::string& out)
-{
-    WideText wide(text);
-    wide.units.erase(0, 1);
-    std::string narrow = wide2multibyte(wide.units);
-    const Wiper wiper(narrow);
-    out += narrow;
-}
-
 // continuation = a white space, then text that goes behind the value as it is
-int readContinuations(LDIF_TextSource& in, int lastLine, std::string& value, bool& isPlain)
+int readContinuations(LDIF_TextSource& in, int lastLine, std::wstring& value)
 {
     for (; in.good(); ++lastLine) {
-        const LDIF_PhysicalLine& line = in.read();
-        if (!line.isContinuation()) {
+        const std::wstring& line = in.read();
+        if (line.empty() || !w_my_isspace(line[0])) {
             in.unread();
             break;
         }
-        isPlain = isPlain && line.isPlain;
-        reserveWiping(value, value.size() + line.text.size());
-        if (line.isPlain)
-            value += line.text.substr(1);
-        else
-            appendWithoutFirst(line.text, value);
+        reserveWiping(value, value.size() + line.size());
+        value.append(line, 1);
     }
     return lastLine;
 }
@@ -67,10 +53,9 @@ const char* wordFor(LDIF_Line::Type type)
 
 }  // namespace
 
-// Keeps the memory of the texts: a line object reads the whole file.
 void LDIF_Line::clear() noexcept
 {
-    value.clear();
+    wipe(value);
     name.clear();
     type = endOfFile;
     wellFormed = true;
@@ -102,39 +87,33 @@ int LDIF_Line::next(LDIF_TextSource& in, int lastLine)
     lineNumber = lastLine + 1;
     if (!in.good())
         return lastLine;
-    const LDIF_PhysicalLine& line = in.read();
-    if (line.isBlank()) {
+    const std::wstring& line = in.read();
+    if (w_isBlank(line)) {
         type = blankLine;
         return lineNumber;
     }
-    if (line.text[0] == '#') {
+    if (line[0] == L'#') {
         type = comment;
-        value = line.text;
+        value = wide2multibyte(line);
         return lineNumber;
     }
-    const std::size_t colon = line.findColon();
+    const std::size_t colon = line.find(L':');
     readName(line, colon);
-    const std::size_t start = wellFormed ? line.text.find_first_not_of(':', colon) : std::string_view::npos;
-    bool isPlain = line.isPlain;
-    reserveWiping(value, line.text.size());
-    value = line.text.substr(std::min(start, line.text.size()));
-    if (isPlain)
-        value.erase(0, value.size() - withoutLeading(value).size());
-    else
-        stripLeading(value);
-    const int last = readContinuations(in, lineNumber, value, isPlain);
-    if (isPlain)
-        value.resize(withoutTrailing(value).size());
-    else
-        stripTrailing(value);
+    std::wstring joined;
+    const Wiper wiper(joined);
+    if (wellFormed)
+        joined = line.substr(std::min(line.find_first_not_of(L':', colon), line.size()));
+    w_stripLeading(joined);
+    const int last = readContinuations(in, lineNumber, joined);
+    value = wide2multibyte(w_stripTrailing(joined));
     return last;
 }
 
-void LDIF_Line::readName(const LDIF_PhysicalLine& line, std::size_t colon)
+void LDIF_Line::readName(const std::wstring& line, std::size_t colon)
 {
-    wellFormed = colon != std::string_view::npos && colon != 0;
-    name = line.text.substr(0, wellFormed ? colon : line.text.size());
-    type = isDn(wellFormed ? line.text.substr(0, colon) : line.text.substr(0, 2)) ? dn : attribute;
+    wellFormed = colon != std::wstring::npos && colon != 0;
+    name = wide2multibyte(line.substr(0, wellFormed ? colon : line.size()));
+    type = isDn(wellFormed ? name : name.substr(0, 2)) ? dn : attribute;
 }
 
 std::string LDIF_Line::str() const

@@ -8,7 +8,6 @@
 #include <string>
 
 class LDIF_TextSource;
-struct LDIF_PhysicalLine;
 
 // A line of the library's dialect of LDIF (RFC 2849): folded lines are joined, the name stands before the first colon,
 // and the value is plain text. Departures from RFC 2849: no base64 and no URL form, comments are not folded, every
@@ -38,7 +37,7 @@ public:
 
 private:
     void clear() noexcept;
-    void readName(const LDIF_PhysicalLine& line, std::size_t colon);
+    void readName(const std::wstring& line, std::size_t colon);
 };
 
 // The failure (80) of an object that is made from a line of the wrong type.

@@ -5,18 +5,6 @@
 #include <string>
 #include <string_view>
 
-// A physical line without its line end and without carriage returns, up to the first NUL, in narrow text that the
-// locale can convert. The views live until the next line is read from the same source.
-struct LDIF_PhysicalLine {
-    std::string_view text;
-    bool isPlain = true;  // ASCII in a locale that knows it: each byte is a character
-
-    bool isBlank() const;
-    bool isContinuation() const;  // begins with white space
-    // The position of the first colon, or npos.
-    std::size_t findColon() const;
-};
-
 // The lines of a text in memory, which it borrows. It can take the last one back.
 class LDIF_TextSource {
 public:
@@ -27,8 +15,9 @@ public:
 
     // Whether there is something to read: false once a read has met the end.
     bool good() const noexcept { return !metEnd || pending; }
-    // Throws LDIF_Exception (162) for text that the locale cannot convert.
-    const LDIF_PhysicalLine& read();
+    // The next line, up to its first NUL, without line end and carriage returns; it lives until the next call. Throws
+    // LDIF_Exception (162) for text that the locale cannot convert.
+    const std::wstring& read();
     // Takes the last line back, so that it is read once more, unless it was what the end of the text left: nothing.
     void unread() noexcept { pending = !leftNothing; }
 
@@ -39,13 +28,10 @@ public:
     void skip(std::size_t bytes) noexcept;
 
 private:
-    void set(std::string_view bytes);
-
     std::string_view text;
     std::size_t start = 0;  // of the last line
     std::size_t next = 0;   // where the one after it begins
-    LDIF_PhysicalLine line;
-    std::string stored;  // the line, where it is not the text's own
+    std::wstring line;
     bool metEnd = false;
     bool leftNothing = false;
     bool pending = false;

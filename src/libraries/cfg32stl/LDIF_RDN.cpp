@@ -30,12 +30,6 @@ Part takeFront(cisString& input)
     return part;
 }
 
-const LDIF_CharacterSet& specialCharacters()
-{
-    static const LDIF_CharacterSet characters(special);
-    return characters;
-}
-
 // The first byte of what is left.
 std::string nextByte(const LDIF_DnReader& reader)
 {
@@ -86,16 +80,12 @@ LDIF_RDN_attribute::LDIF_RDN_attribute(cisString& input) : LDIF_RDN_attribute(ta
 // attribute = ALPHA *keyChar / DIGIT *oidChar
 LDIF_RDN_attribute::LDIF_RDN_attribute(LDIF_DnReader& reader)
 {
-    static const LDIF_CharacterSet letters(ALPHA);
-    static const LDIF_CharacterSet digits(DIGIT);
-    static const LDIF_CharacterSet keyCharacters(keyChar);
-    static const LDIF_CharacterSet oidCharacters(oidChar);
     if (reader.atEnd())
         throw dnFailure(CFG_ERR_DN_NO_ATTRIBUTE, "Missing RDN attribute");
-    if (letters.has(reader.peek()))
-        assign(reader.take(keyCharacters));
-    else if (digits.has(reader.peek()))
-        assign(reader.take(oidCharacters));
+    if (reader.isAtOneOf(ALPHA))
+        assign(reader.take(keyChar));
+    else if (reader.isAtOneOf(DIGIT))
+        assign(reader.take(oidChar));
     else
         throw dnFailure(CFG_ERR_DN_ATTRIBUTE, "Invalid attribute sytax: " + attributeExcerpt(reader.rest()));
     reader.skipEdges();
@@ -146,12 +136,7 @@ void LDIF_RDN_value::readHex(LDIF_DnReader& reader)
 // quoted = *( escape / any character but quote and backslash ) [ quote ]
 void LDIF_RDN_value::readQuoted(LDIF_DnReader& reader)
 {
-    static const LDIF_CharacterSet ends("\\\"");
-    append(reader.takeUntil(ends));
-    while (reader.isAt(backslash)) {
-        readEscape(reader);
-        append(reader.takeUntil(ends));
-    }
+    readUntil(reader, "\\\"");
     if (!reader.atEnd())
         reader.advance();
 }
@@ -159,17 +144,18 @@ void LDIF_RDN_value::readQuoted(LDIF_DnReader& reader)
 // plain = *( escape / any character but one of special )
 void LDIF_RDN_value::readPlain(LDIF_DnReader& reader)
 {
-    const std::string_view start = reader.takeUntil(specialCharacters());
-    if (reader.isPlain() && !reader.isAt(backslash)) {
-        std::string::operator=(compact(withoutTrailing(start)));
-        return;
-    }
-    append(start);
+    readUntil(reader, special);
+    stripTrailing(*this);
+}
+
+// *( escape / any character but one of ends ), where a backslash is one of ends
+void LDIF_RDN_value::readUntil(LDIF_DnReader& reader, const std::string& ends)
+{
+    append(reader.takeUntil(ends));
     while (reader.isAt(backslash)) {
         readEscape(reader);
-        append(reader.takeUntil(specialCharacters()));
+        append(reader.takeUntil(ends));
     }
-    stripTrailing(*this);
 }
 
 // escape = backslash ( 2hexChar / special )
@@ -182,7 +168,7 @@ void LDIF_RDN_value::readEscape(LDIF_DnReader& reader)
         throw dnFailure(CFG_ERR_DN_VALUE, "Invalid escape sequence: \\");
     if (reader.takeHexPair(byte)) {
         push_back(byte);
-    } else if (specialCharacters().has(reader.peek())) {
+    } else if (reader.isAtOneOf(special)) {
         append(1, static_cast<char>(reader.peek()));
         reader.advance();
     } else {
@@ -232,10 +218,7 @@ void LDIF_RDN_value::appendQuotedTo(std::string& out) const
 // Most values need no escape at all.
 void LDIF_RDN_value::appendPlainTo(std::string& out) const
 {
-    const LDIF_CharacterSet& specials = specialCharacters();
-    const auto isSpecial = [&](char byte) { return specials.has(static_cast<wchar_t>(byte)); };
-    if (isPlain(*this) && !w_my_isspace(static_cast<wchar_t>(front())) && !w_my_isspace(static_cast<wchar_t>(back())) &&
-        std::none_of(begin(), end(), isSpecial)) {
+    if (isPlain(*this) && find_first_of(special) == npos && front() > ' ' && back() > ' ') {
         out += *this;
         return;
     }

@@ -48,6 +48,7 @@ private:
     void readHex(LDIF_DnReader& reader);
     void readQuoted(LDIF_DnReader& reader);
     void readPlain(LDIF_DnReader& reader);
+    void readUntil(LDIF_DnReader& reader, const std::string& ends);
     void readEscape(LDIF_DnReader& reader);
     void appendHexTo(std::string& out) const;
     void appendQuotedTo(std::string& out) const;

@@ -46,7 +46,7 @@ void dnFromStr(LDIF_Value& value, const std::string& text)
 {
     wrappingFailures(text, value.attrType, [&] {
         value.dnValue = std::make_unique<LDIF_DN>(cisString(text));
-        value.stringValue = compact(value.dnValue->str());
+        value.stringValue = value.dnValue->str();
     });
 }
 

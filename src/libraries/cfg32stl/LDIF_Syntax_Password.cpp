@@ -76,7 +76,7 @@ std::optional<std::size_t> pwHash(const LDIF_Value& value)
 void pwFromStr(LDIF_Value& value, const std::string& text)
 try {
     if (isEncoded(text)) {
-        value.stringValue = compact(text);
+        value.stringValue = text;
         return;
     }
     requireLength(text, value.attrType);

@@ -64,7 +64,7 @@ void cesFromStr(LDIF_Value& value, const std::string& text)
             throw syntaxFailure(LDAP_INVALID_SYNTAX, CFG_ERR_LENGTH, lengthMessage(*value.attrType, lower, upper), text,
                                 value.attrType);
     }
-    value.stringValue = compact(text);
+    value.stringValue = text;
 }
 
 void cesFromBin(LDIF_Value& value, const void* data, int length)

@@ -4,9 +4,7 @@
 #include "platform.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <cstdlib>
-#include <cstring>
 #include <cwctype>
 #include <stdexcept>
 
@@ -28,12 +26,6 @@ constexpr auto conversionFailed = static_cast<std::size_t>(-1);
 bool isEdge(wchar_t unit) noexcept
 {
     return w_my_isspace(unit) || w_my_isparen(unit);
-}
-
-bool isPlainWide(const std::wstring& text) noexcept
-{
-    const auto isAscii = [](wchar_t unit) { return unit > 0 && unit < 0x80; };
-    return std::all_of(text.begin(), text.end(), isAscii) && localeHasAscii();
 }
 
 // How many units the trimming removes from the front.
@@ -92,21 +84,10 @@ const char* requireText(const char* text)
     return text;
 }
 
-// Eight bytes at a time: a byte outside ASCII sets its high bit, and a NUL borrows into it.
 bool isPlain(std::string_view text) noexcept
 {
-    constexpr std::uint64_t ones = 0x0101010101010101U;
-    constexpr std::uint64_t highBits = 0x8080808080808080U;
-    std::uint64_t found = 0;
-    std::size_t pos = 0;
-    for (; pos + sizeof found <= text.size(); pos += sizeof found) {
-        std::uint64_t bytes = 0;
-        std::memcpy(&bytes, text.data() + pos, sizeof bytes);
-        found |= bytes | (bytes - ones);
-    }
-    for (; pos < text.size(); ++pos)
-        found |= static_cast<signed char>(text[pos]) > 0 ? 0 : highBits;
-    return (found & highBits) == 0 && localeHasAscii();
+    const auto isAscii = [](char byte) { return static_cast<signed char>(byte) > 0; };
+    return std::all_of(text.begin(), text.end(), isAscii) && localeHasAscii();
 }
 
 bool w_my_isspace(wchar_t unit) noexcept
@@ -154,10 +135,8 @@ std::wstring& w_stripLeading(std::wstring& text) noexcept
 
 std::string& stripLeading(std::string& text)
 {
-    if (isPlain(text)) {
-        text.erase(0, leadingEdges(text));
+    if (text.empty() || (isPlain(text) && !isEdge(text.front())))
         return text;
-    }
     WideText wide(text);
     return replace(text, wide2multibyte(w_stripLeading(wide.units)));
 }
@@ -170,10 +149,8 @@ std::wstring& w_stripTrailing(std::wstring& text) noexcept
 
 std::string& stripTrailing(std::string& text)
 {
-    if (isPlain(text)) {
-        text.resize(lengthWithoutTrailing(text));
+    if (text.empty() || (isPlain(text) && !isEdge(text.back())))
         return text;
-    }
     WideText wide(text);
     return replace(text, wide2multibyte(w_stripTrailing(wide.units)));
 }
@@ -232,11 +209,9 @@ std::wstring multibyte2wide(const std::string& text)
 
 std::string wide2multibyte(const std::wstring& text)
 {
-    if (isPlainWide(text)) {
-        std::string narrow(text.size(), '\0');
-        std::transform(text.begin(), text.end(), narrow.begin(), [](wchar_t unit) { return static_cast<char>(unit); });
-        return narrow;
-    }
+    const auto isAscii = [](wchar_t unit) { return unit > 0 && unit < 0x80; };
+    if (std::all_of(text.begin(), text.end(), isAscii) && localeHasAscii())
+        return {text.begin(), text.end()};
     const std::size_t length = text.empty() ? 0 : std::wcstombs(nullptr, text.c_str(), 0);
     std::string narrow;
     if (length != conversionFailed) {
@@ -259,17 +234,6 @@ void wipe(std::wstring& text) noexcept
     text.resize(text.capacity());
     wipe(text.data(), text.size() * sizeof(wchar_t));
     text.clear();
-}
-
-void reserveWiping(std::string& text, std::size_t size)
-{
-    if (size <= text.capacity())
-        return;
-    std::string larger;
-    larger.reserve(std::max(size, 2 * text.capacity()));
-    larger = text;
-    text.swap(larger);
-    wipe(larger);
 }
 
 WideText::WideText(std::string_view narrow)

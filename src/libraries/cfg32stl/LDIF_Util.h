@@ -8,6 +8,7 @@
 #ifndef LDIF_UTIL_H
 #define LDIF_UTIL_H
 
+#include <algorithm>
 #include <string>
 #include <string_view>
 
@@ -23,12 +24,6 @@ extern const char* const empty_str;
 
 // Gives text back. Throws std::invalid_argument for null: a caller of the exported calls has left an argument out.
 const char* requireText(const char* text);
-
-// A copy that takes no more memory than it needs, as a string that is assigned to may do.
-inline std::string compact(std::string_view text)
-{
-    return std::string(text);
-}
 
 // Whether narrow and wide text are the same here, unit by unit: ASCII without NUL in a locale that knows ASCII.
 bool isPlain(std::string_view text) noexcept;
@@ -88,8 +83,18 @@ private:
     Text& text;
 };
 
-// Makes room for that many bytes, and wipes what the text stood in before.
-void reserveWiping(std::string& text, std::size_t size);
+// Makes room for a text of that size, and wipes what it stood in before.
+template <typename Text>
+void reserveWiping(Text& text, std::size_t size)
+{
+    if (size <= text.capacity())
+        return;
+    Text larger;
+    larger.reserve(std::max(size, 2 * text.capacity()));
+    larger = text;
+    text.swap(larger);
+    wipe(larger);
+}
 
 // The wide form of a text, wiped at the end.
 class WideText {
