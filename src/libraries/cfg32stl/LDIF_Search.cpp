@@ -72,7 +72,7 @@ bool isEqual(std::string_view text, const LDIF_Value& value)
     const LDIF_Syntax& syntax = syntaxOf(*value.attrType);
     const std::string& other = value.stringValue;
     if (&syntax == &syntax::pw || (&syntax == &syntax::dn && !(isSimpleDn(text) && isSimpleDn(other))))
-        return LDIF_Value(value.attrType, std::string(text)).equals(value);
+        return LDIF_Value(value.attrType, std::string(text)).compare(value) == 0;
     return text.size() == other.size() && (syntax.foldsCase ? compareFolded(text, other) == 0 : text == other);
 }
 
