@@ -30,6 +30,6 @@ const _AttrType* getAttrType(const char* name)
     if (name == nullptr)
         return defaultType;
     const auto isBefore = [](const _AttrType& type, const char* wanted) { return type.compare(wanted) < 0; };
-    const _AttrType* const found = std::lower_bound<const _AttrType*>(_attrMapArray, defaultType, name, isBefore);
+    const auto* const found = std::lower_bound<const _AttrType*>(_attrMapArray, defaultType, name, isBefore);
     return found != defaultType && found->compare(name) == 0 ? found : defaultType;
 }

@@ -6,7 +6,6 @@
 
 #include <cstring>
 #include <new>
-#include <ostream>
 
 namespace {
 
@@ -130,9 +129,4 @@ int LDIF_Value::compare(const std::string& text) const
     if (attrType == nullptr || attrType->match == nullptr)
         throw internalFailure("Invalid LDIF_Value detected: attrType->match == NULL");
     return attrType->match(*this, LDIF_Value(attrType, text));
-}
-
-std::ostream& operator<<(std::ostream& stream, const LDIF_Value& value)
-{
-    return stream << value.str();
 }

@@ -58,13 +58,6 @@ LDIF_Values& LDIF_Values::operator=(const LDIF_Values& other)
     return *this;
 }
 
-std::string LDIF_Values::str() const
-{
-    std::string text;
-    appendTo(text);
-    return text;
-}
-
 void LDIF_Values::appendTo(std::string& out) const
 {
     const std::string start = attrName + ": ";
