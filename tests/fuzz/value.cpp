@@ -54,14 +54,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         const Codes added = resultOf([&] { list += text; });
         require(result == added || added.first > 200, "a list takes what is a value", text);
     }
-    for (const LDIF_Value& left : values)
+    for (const LDIF_Value& left : values) {
+        require(isPassword(left) || list.contains(left), "a list finds its values", input);
         for (const LDIF_Value& right : values) {
             const bool equal = areEqual(left, right);
             require(areEqual(right, left) == equal, "equality has two sides", input);
             require(!equal || hash(left) == hash(right), "equal values have one hash", input);
-            if (isPassword(left))
-                continue;
-            require(left.equals(right) == equal && list.contains(left), "the quick ways find the same", input);
         }
+    }
     return 0;
 }

@@ -23,13 +23,6 @@ LDIF_Attribute::LDIF_Attribute(const LDIF_Line& line, LDIF_Comment attributeComm
     values += line.value;
 }
 
-std::string LDIF_Attribute::str() const
-{
-    std::string text;
-    appendTo(text);
-    return text;
-}
-
 void LDIF_Attribute::appendTo(std::string& out) const
 {
     comment.appendTo(out);
@@ -71,13 +64,6 @@ void LDIF_Attribute::add(const LDIF_Line& line, LDIF_Comment& before)
     comment.makeRoom(before.lines.size());
     values += line.value;
     comment += std::move(before);
-}
-
-std::string LDIF_Attributes::str() const
-{
-    std::string text;
-    appendTo(text);
-    return text;
 }
 
 void LDIF_Attributes::appendTo(std::string& out) const

@@ -4,6 +4,7 @@
 
 #include "LDIF_Aid.h"
 #include "LDIF_Comment.h"
+#include "LDIF_Util.h"
 #include "LDIF_Values.h"
 #include "cisString.h"
 
@@ -26,7 +27,7 @@ public:
     LDIF_Attribute(const LDIF_Line& line, LDIF_Comment attributeComment);
 
     // The comment, then a line for each value.
-    virtual std::string str() const;
+    virtual std::string str() const { return textOf(*this); }
     void appendTo(std::string& out) const;
 
     // Negative, 0 or positive as this name sorts before, with or after the other.
@@ -52,7 +53,7 @@ public:
 // The attributes of one entry in ascending order of name, no two of the same name.
 class LDIF_Attributes : public std::vector<LDIF_Attribute> {
 public:
-    std::string str() const;
+    std::string str() const { return textOf(*this); }
     void appendTo(std::string& out) const;
 
     // Adds an attribute in its place, or its comment and values to the one that has its name. What is moved in is not

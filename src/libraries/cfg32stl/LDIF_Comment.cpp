@@ -2,15 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
-#include <ostream>
 #include <utility>
-
-std::string LDIF_Comment::str() const
-{
-    std::string text;
-    appendTo(text);
-    return text;
-}
 
 void LDIF_Comment::appendTo(std::string& out) const
 {
@@ -51,9 +43,4 @@ LDIF_Comment& LDIF_Comment::clear()
 {
     lines.clear();
     return *this;
-}
-
-std::ostream& operator<<(std::ostream& stream, const LDIF_Comment& comment)
-{
-    return stream << comment.str();
 }

@@ -3,9 +3,10 @@
 #define LDIF_COMMENT_H
 
 #include "LDIF_Line.h"
+#include "LDIF_Util.h"
 
 #include <cstddef>
-#include <iosfwd>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -15,7 +16,8 @@ public:
     std::vector<LDIF_Line> lines;
 
     // Each line with a line end behind it.
-    virtual std::string str() const;
+    virtual std::string str() const { return textOf(*this); }
+    friend std::ostream& operator<<(std::ostream& out, const LDIF_Comment& comment) { return out << comment.str(); }
     void appendTo(std::string& out) const;
 
     // Adds a comment or blank line; any other is ignored.
@@ -26,7 +28,5 @@ public:
     void makeRoom(std::size_t count);
     LDIF_Comment& clear();
 };
-
-std::ostream& operator<<(std::ostream& stream, const LDIF_Comment& comment);
 
 #endif

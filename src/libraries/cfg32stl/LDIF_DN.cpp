@@ -4,7 +4,6 @@
 #include "LDIF_Exception.h"
 
 #include <algorithm>
-#include <ostream>
 
 LDIF_DN::LDIF_DN(const cisString& text)
 {
@@ -80,13 +79,6 @@ LDIF_DN& LDIF_DN::operator-=(const LDIF_DN& other)
     return *this;
 }
 
-std::string LDIF_DN::str() const
-{
-    std::string text;
-    appendTo(text);
-    return text;
-}
-
 void LDIF_DN::appendTo(std::string& out) const
 {
     const char* separator = "";
@@ -118,9 +110,4 @@ try {
     return dn.str();
 } catch (const LDIF_Exception&) {
     return {};  // The failure that is being reported counts for more than this one.
-}
-
-std::ostream& operator<<(std::ostream& stream, const LDIF_DN& dn)
-{
-    return stream << dn.str();
 }

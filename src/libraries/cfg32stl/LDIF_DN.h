@@ -3,9 +3,10 @@
 #define LDIF_DN_H
 
 #include "LDIF_RDN.h"
+#include "LDIF_Util.h"
 
 #include <cstddef>
-#include <iosfwd>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -28,7 +29,8 @@ public:
     virtual LDIF_DN& operator-=(const LDIF_DN& other);
     // The canonical string form: ", " and " + ", sorted pairs, case and form of the values kept. Throws LDIF_Exception
     // (34) when an RDN value is empty.
-    virtual std::string str() const;
+    virtual std::string str() const { return textOf(*this); }
+    friend std::ostream& operator<<(std::ostream& out, const LDIF_DN& dn) { return out << dn.str(); }
     // RDN by RDN from the root; an ancestor of other gives 1. The operators turn the usual sign round: an ancestor is
     // less than what lies below it, and siblings stand in descending order of their text.
     virtual int compare(const LDIF_DN& other) const;
@@ -55,7 +57,5 @@ private:
 
 // The string form, or the empty text for a DN that cannot be printed: for the report of another failure.
 std::string printable(const LDIF_DN& dn);
-
-std::ostream& operator<<(std::ostream& stream, const LDIF_DN& dn);
 
 #endif

@@ -5,7 +5,6 @@
 #include "zebldapcfg.h"
 
 #include <algorithm>
-#include <ostream>
 #include <utility>
 
 namespace {
@@ -87,13 +86,6 @@ LDIF_Entry& LDIF_Entry::operator+=(const LDIF_Comment& lines)
     return *this;
 }
 
-std::string LDIF_Entry::str() const
-{
-    std::string text;
-    appendTo(text);
-    return text;
-}
-
 void LDIF_Entry::appendTo(std::string& out) const
 {
     comment.appendTo(out);
@@ -123,9 +115,4 @@ bool LDIF_Entry::isSameAs(const LDIF_Entry& other) const
     const auto isSameRdn = [](const LDIF_RDN& left, const LDIF_RDN& right) { return areSame(left, right, isSamePair); };
     return isSameText(name, other.name) && areSame(dn, other.dn, isSameRdn) && isSameComment(comment, other.comment) &&
            areSame(attributes, other.attributes, isSameAttribute);
-}
-
-std::ostream& operator<<(std::ostream& stream, const LDIF_Entry& entry)
-{
-    return stream << entry.str();
 }

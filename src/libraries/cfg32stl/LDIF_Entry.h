@@ -5,9 +5,10 @@
 #include "LDIF_Attribute.h"
 #include "LDIF_Comment.h"
 #include "LDIF_DN.h"
+#include "LDIF_Util.h"
 #include "cisString.h"
 
-#include <iosfwd>
+#include <ostream>
 #include <string>
 #include <string_view>
 
@@ -37,7 +38,8 @@ public:
     virtual LDIF_Entry& operator+=(const LDIF_Attribute& attribute);
     virtual LDIF_Entry& operator+=(const LDIF_Comment& lines);
     // The text of this entry, with the blank line that closes it; the root has none.
-    virtual std::string str() const;
+    virtual std::string str() const { return textOf(*this); }
+    friend std::ostream& operator<<(std::ostream& out, const LDIF_Entry& entry) { return out << entry.str(); }
     // Makes it an empty root.
     virtual LDIF_Entry& clear();
 
@@ -47,7 +49,5 @@ public:
     // Whether it has the same parts, byte by byte and in the same order.
     bool isSameAs(const LDIF_Entry& other) const;
 };
-
-std::ostream& operator<<(std::ostream& stream, const LDIF_Entry& entry);
 
 #endif

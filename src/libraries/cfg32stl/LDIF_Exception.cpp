@@ -8,7 +8,6 @@
 #include <cstdio>
 #include <cstring>
 #include <new>
-#include <ostream>
 
 bool LDIF_Exception::showSource = false;
 bool LDIF_Exception::showStack = true;
@@ -188,11 +187,6 @@ std::string LDIF_Exception::errStr() const
 std::string LDIF_Exception::msgStr() const
 {
     return msg;
-}
-
-std::ostream& operator<<(std::ostream& stream, const LDIF_Exception& failure)
-{
-    return stream << failure.str();
 }
 
 LDIF_Exception takeCurrent(const char* systemError, SourcePos pos)

@@ -3,8 +3,8 @@
 #define LDIF_EXCEPTION_H
 
 #include <exception>
-#include <iosfwd>
 #include <memory>
+#include <ostream>
 #include <string>
 
 struct _AttrType;
@@ -58,6 +58,7 @@ public:
     virtual std::string dump() const;
     // The short report: the text, a line for each link of the chain.
     virtual std::string str() const;
+    friend std::ostream& operator<<(std::ostream& out, const LDIF_Exception& failure) { return out << failure.str(); }
     // The place of the throw, "name:line", without directories; "file?" when it is not known.
     virtual std::string fileStr() const;
     // sysErr in decimal.
@@ -72,8 +73,6 @@ private:
     void dumpLink(std::string& report) const;
     void dumpConstraints(std::string& report) const;
 };
-
-std::ostream& operator<<(std::ostream& stream, const LDIF_Exception& failure);
 
 // The exception being handled: an LDIF_Exception is taken over as it is, and anything else becomes a new one with
 // 80, 1000 and the text systemError.

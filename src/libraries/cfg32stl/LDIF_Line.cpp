@@ -116,13 +116,6 @@ void LDIF_Line::readName(const std::wstring& line, std::size_t colon)
     type = isDn(wellFormed ? name : name.substr(0, 2)) ? dn : attribute;
 }
 
-std::string LDIF_Line::str() const
-{
-    std::string text;
-    appendTo(text);
-    return text;
-}
-
 void LDIF_Line::appendTo(std::string& out) const
 {
     if (type == dn || type == attribute)

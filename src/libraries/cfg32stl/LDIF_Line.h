@@ -3,6 +3,7 @@
 #define LDIF_LINE_H
 
 #include "LDIF_Exception.h"
+#include "LDIF_Util.h"
 
 #include <iosfwd>
 #include <string>
@@ -29,7 +30,7 @@ public:
     int next(LDIF_TextSource& in, int lastLine);
 
     // The line as text, without a line end.
-    virtual std::string str() const;
+    virtual std::string str() const { return textOf(*this); }
     void appendTo(std::string& out) const;
 
     // Makes the line a value of the quarantine attribute zeb-slapdInvalidLine. type and wellFormed stay.

@@ -166,29 +166,11 @@ void LDIF_Loader::addAttribute(const LDIF_Line& line)
 
 void LDIF_Loader::addToEntry(const LDIF_Line& line)
 {
-    constexpr std::size_t largeEntry = 256;
-    LDIF_Attributes& attributes = current->attributes;
-    const auto hasPlace = [&](const cisString& name) {
-        return attributes.back().compare(name) < 0 || attributes.find(name) != attributes.data() + attributes.size();
-    };
-    if (attributes.size() < largeEntry || hasPlace(cisString(line.name)))
-        return attributes.add(line, waiting);
-    const auto known = late.find(cisString(line.name));
-    if (known != late.end())
+    const auto known = attributes.find(cisString(line.name));
+    if (known != attributes.end())
         return known->second.add(line, waiting);
-    LDIF_Attribute& added = late.emplace(line.name, LDIF_Attribute(line, LDIF_Comment())).first->second;
+    LDIF_Attribute& added = attributes.emplace(line.name, LDIF_Attribute(line, LDIF_Comment())).first->second;
     std::swap(added.comment, waiting);
-}
-
-void LDIF_Loader::takeInLate()
-{
-    LDIF_Attributes& attributes = current->attributes;
-    const auto inPlace = static_cast<std::ptrdiff_t>(attributes.size());
-    attributes.reserve(attributes.size() + late.size());
-    for (auto& each : late)
-        attributes.push_back(std::move(each.second));
-    late.clear();
-    std::inplace_merge(attributes.begin(), attributes.begin() + inPlace, attributes.end());
 }
 
 void LDIF_Loader::addToHead(const LDIF_Attribute& attribute)
@@ -232,8 +214,9 @@ void LDIF_Loader::closeEntry()
 {
     if (!current)
         return;
-    if (!late.empty())
-        takeInLate();
+    for (auto& each : attributes)
+        current->attributes.push_back(std::move(each.second));
+    attributes.clear();
     const std::size_t end = source.position();
     if (tree.load(std::move(*current), {tree.fileText() + done, end - done}))
         done = end;

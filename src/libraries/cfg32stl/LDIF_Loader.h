@@ -44,7 +44,6 @@ private:
     void takeAttribute(LDIF_Line& line);
     void addAttribute(const LDIF_Line& line);
     void addToEntry(const LDIF_Line& line);
-    void takeInLate();
     void addToHead(const LDIF_Attribute& attribute);
     void addOnce(const LDIF_Attribute& attribute, const char* name, bool& seen);
     void openEntry(const LDIF_Line& line);
@@ -60,8 +59,8 @@ private:
     LDIF_TextSource source;
     std::size_t done = 0;  // bytes of the text that an entry keeps or that have been overwritten
     std::optional<LDIF_Entry> current;
-    // What sorts before others of a large entry: it waits for the end of the entry, so that it does not move them all.
-    std::map<cisString, LDIF_Attribute> late;
+    // Those of the entry being read, which come in any order; they go to the entry when it is complete.
+    std::map<cisString, LDIF_Attribute> attributes;
     int lastLine = 0;
     bool seenVersion = false;
     bool seenCharset = false;

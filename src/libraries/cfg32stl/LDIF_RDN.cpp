@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <functional>
-#include <ostream>
 
 namespace {
 
@@ -176,13 +175,6 @@ void LDIF_RDN_value::readEscape(LDIF_DnReader& reader)
     }
 }
 
-std::string LDIF_RDN_value::str() const
-{
-    std::string text;
-    appendTo(text);
-    return text;
-}
-
 void LDIF_RDN_value::appendTo(std::string& out) const
 {
     if (empty())
@@ -266,13 +258,6 @@ int LDIF_RDN_pair::compare(const LDIF_RDN_pair& other) const
     return order != 0 ? order : second.compare(other.second);
 }
 
-std::string LDIF_RDN_pair::str() const
-{
-    std::string text;
-    appendTo(text);
-    return text;
-}
-
 void LDIF_RDN_pair::appendTo(std::string& out) const
 {
     out.append(first.str()).append("=");
@@ -318,13 +303,6 @@ void LDIF_RDN::sort()
     erase(std::unique(begin(), end()), end());
 }
 
-std::string LDIF_RDN::str() const
-{
-    std::string text;
-    appendTo(text);
-    return text;
-}
-
 void LDIF_RDN::appendTo(std::string& out) const
 {
     const char* separator = "";
@@ -348,14 +326,4 @@ std::size_t LDIF_RDN::hash(std::size_t seed) const noexcept
     for (const LDIF_RDN_pair& pair : *this)
         seed = foldedHash(foldedHash(seed, pair.first), pair.second);
     return seed + 1;  // so that two pairs of one RDN are not two RDNs
-}
-
-std::ostream& operator<<(std::ostream& stream, const LDIF_RDN_pair& pair)
-{
-    return stream << pair.str();
-}
-
-std::ostream& operator<<(std::ostream& stream, const LDIF_RDN& rdn)
-{
-    return stream << rdn.str();
 }

@@ -10,9 +10,10 @@
 #ifndef LDIF_RDN_H
 #define LDIF_RDN_H
 
+#include "LDIF_Util.h"
 #include "cisString.h"
 
-#include <iosfwd>
+#include <ostream>
 #include <utility>
 #include <vector>
 
@@ -40,7 +41,7 @@ public:
     explicit LDIF_RDN_value(LDIF_DnReader& reader);
 
     // The written form. Throws LDIF_Exception (34) for an empty value.
-    virtual std::string str() const;
+    virtual std::string str() const { return textOf(*this); }
     void appendTo(std::string& out) const;
 
 private:
@@ -63,7 +64,8 @@ public:
 
     virtual int compare(const LDIF_RDN_pair& other) const;
     // Throws LDIF_Exception (34) when the value is empty.
-    virtual std::string str() const;
+    virtual std::string str() const { return textOf(*this); }
+    friend std::ostream& operator<<(std::ostream& out, const LDIF_RDN_pair& pair) { return out << pair.str(); }
     virtual bool operator==(const LDIF_RDN_pair& other) const { return compare(other) == 0; }
     virtual bool operator<(const LDIF_RDN_pair& other) const { return compare(other) > 0; }
     virtual bool operator>(const LDIF_RDN_pair& other) const { return compare(other) < 0; }
@@ -86,7 +88,8 @@ public:
     // Adds a pair in its place; one that is there already stays as it is.
     virtual LDIF_RDN& operator+=(const LDIF_RDN_pair& pair);
     // The pairs joined by " + ". Throws LDIF_Exception (34) when a value is empty.
-    virtual std::string str() const;
+    virtual std::string str() const { return textOf(*this); }
+    friend std::ostream& operator<<(std::ostream& out, const LDIF_RDN& rdn) { return out << rdn.str(); }
     // Pair by pair; an RDN that is a leading part of other gives 1.
     virtual int compare(const LDIF_RDN& other) const;
     virtual bool operator==(const LDIF_RDN& other) const { return compare(other) == 0; }
@@ -104,8 +107,5 @@ private:
     void read(LDIF_DnReader& reader);
     void sort();
 };
-
-std::ostream& operator<<(std::ostream& stream, const LDIF_RDN_pair& pair);
-std::ostream& operator<<(std::ostream& stream, const LDIF_RDN& rdn);
 
 #endif

@@ -56,7 +56,7 @@ private:
     {
         const std::string& other = value->stringValue;
         if (!isText || (syntax == &syntax::dn && !isSimpleDn(text)))
-            return LDIF_Value(value->attrType, std::string(text)).equals(*value);
+            return LDIF_Value(value->attrType, std::string(text)).compare(*value) == 0;
         return text.size() == other.size() && (syntax->foldsCase ? compareFolded(text, other) == 0 : text == other);
     }
 

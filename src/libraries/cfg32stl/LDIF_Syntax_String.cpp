@@ -46,9 +46,7 @@ void StringSyntaxNotImplemented(const char* syntax, const _AttrType* attrType, c
 
 int cesCompare(const LDIF_Value& left, const LDIF_Value& right)
 {
-    std::string leftBuffer;
-    std::string rightBuffer;
-    return left.text(leftBuffer).compare(right.text(rightBuffer));
+    return left.str().compare(right.str());
 }
 
 // A maximum below the minimum counts as no limit.
@@ -93,10 +91,8 @@ std::optional<std::size_t> cesHash(const LDIF_Value& value)
 
 int cisCompare(const LDIF_Value& left, const LDIF_Value& right)
 {
-    std::string leftBuffer;
-    std::string rightBuffer;
-    const std::string& leftText = left.text(leftBuffer);
-    const std::string& rightText = right.text(rightBuffer);
+    const std::string leftText = left.str();
+    const std::string rightText = right.str();
     if (leftText.empty() || rightText.empty())
         return static_cast<int>(!leftText.empty()) - static_cast<int>(!rightText.empty());
     return _stricmp(leftText.c_str(), rightText.c_str());

@@ -25,6 +25,15 @@ extern const char* const empty_str;
 // Gives text back. Throws std::invalid_argument for null: a caller of the exported calls has left an argument out.
 const char* requireText(const char* text);
 
+// The text that an object appends to another.
+template <typename Part>
+std::string textOf(const Part& part)
+{
+    std::string text;
+    part.appendTo(text);
+    return text;
+}
+
 // Whether narrow and wide text are the same here, unit by unit: ASCII without NUL in a locale that knows ASCII.
 bool isPlain(std::string_view text) noexcept;
 

@@ -2,12 +2,10 @@
 
 #include "LDIF_AttrType.h"
 #include "LDIF_Exception.h"
-#include "LDIF_Syntax.h"
 #include "zebldapcfg.h"
 
 #include <cstring>
 #include <new>
-#include <ostream>
 
 namespace {
 
@@ -119,12 +117,6 @@ std::string LDIF_Value::str() const
     return attrType->toStr(*this);
 }
 
-const std::string& LDIF_Value::text(std::string& buffer) const
-{
-    const bool isHere = attrType != nullptr && &syntaxOf(*attrType) != &syntax::foreign;
-    return isHere ? stringValue : buffer = str();
-}
-
 int LDIF_Value::compare(const LDIF_Value& other) const
 {
     if (attrType == nullptr || attrType->match == nullptr)
@@ -137,16 +129,4 @@ int LDIF_Value::compare(const std::string& text) const
     if (attrType == nullptr || attrType->match == nullptr)
         throw internalFailure("Invalid LDIF_Value detected: attrType->match == NULL");
     return attrType->match(*this, LDIF_Value(attrType, text));
-}
-
-bool LDIF_Value::equals(const LDIF_Value& other) const
-{
-    if (attrType == other.attrType && attrType != nullptr && &syntaxOf(*attrType) == &syntax::ces)
-        return stringValue == other.stringValue;
-    return compare(other) == 0;
-}
-
-std::ostream& operator<<(std::ostream& stream, const LDIF_Value& value)
-{
-    return stream << value.str();
 }

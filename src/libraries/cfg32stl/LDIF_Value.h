@@ -4,8 +4,8 @@
 
 #include "LDIF_DN.h"
 
-#include <iosfwd>
 #include <memory>
+#include <ostream>
 #include <string>
 
 struct _AttrType;
@@ -32,17 +32,12 @@ public:
     ~LDIF_Value() = default;
 
     std::string str() const;
-    // The text form without a copy where it stands in the value: every syntax of the library leaves it there.
-    const std::string& text(std::string& buffer) const;
+    friend std::ostream& operator<<(std::ostream& out, const LDIF_Value& value) { return out << value.str(); }
     // 0 means equal, by the syntax of this value. A text goes through the syntax first, so one that it refuses throws
     // as the constructor does.
     int compare(const LDIF_Value& other) const;
     int compare(const std::string& text) const;
     bool operator==(const std::string& text) const { return compare(text) == 0; }
-    // Whether compare gives 0, which texts of different lengths mostly tell at once.
-    bool equals(const LDIF_Value& other) const;
 };
-
-std::ostream& operator<<(std::ostream& stream, const LDIF_Value& value);
 
 #endif

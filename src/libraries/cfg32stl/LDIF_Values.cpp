@@ -58,23 +58,13 @@ LDIF_Values& LDIF_Values::operator=(const LDIF_Values& other)
     return *this;
 }
 
-std::string LDIF_Values::str() const
-{
-    std::string text;
-    appendTo(text);
-    return text;
-}
-
 void LDIF_Values::appendTo(std::string& out) const
 {
     const std::string start = attrName + ": ";
-    const bool isAtHand = &syntaxOf(*attrType) != &syntax::foreign;
+    const bool isHere = &syntaxOf(*attrType) != &syntax::foreign;  // then the text form stands in the value
     for (const LDIF_Value& value : *this) {
         out += start;
-        if (isAtHand)
-            out += value.stringValue;
-        else
-            out += value.str();
+        isHere ? out += value.stringValue : out += value.str();
         out += '\n';
     }
 }
@@ -195,12 +185,13 @@ const LDIF_Value* LDIF_Values::findEqual(const LDIF_Value& value) const
     size_type start = 0;  // those before it are not equal
     if (hash.has_value()) {
         const LDIF_HashIndex& positions = indexed(family);
-        const auto found = positions.find(*hash, [&](std::size_t at) { return (*this)[at].equals(value); });
+        const auto found = positions.find(*hash, [&](std::size_t at) { return (*this)[at].compare(value) == 0; });
         if (found != LDIF_HashIndex::npos)
             return data() + found;
         start = positions.size();
     }
-    return std::find_if(data() + start, data() + size(), [&](const LDIF_Value& each) { return each.equals(value); });
+    return std::find_if(data() + start, data() + size(),
+                        [&](const LDIF_Value& each) { return each.compare(value) == 0; });
 }
 
 // The values from the front up to one that has no hash. Those that have come since the last call are taken in.

@@ -4,6 +4,7 @@
 
 #include "LDIF_Aid.h"
 #include "LDIF_HashIndex.h"
+#include "LDIF_Util.h"
 #include "LDIF_Value.h"
 
 #include <memory>
@@ -29,7 +30,7 @@ public:
     LDIF_Values& operator=(LDIF_Values&& other) noexcept = default;
 
     // A line "name: value" for each value.
-    std::string str() const;
+    std::string str() const { return textOf(*this); }
     void appendTo(std::string& out) const;
 
     // Adds a value, unless an equal one is there. After a failure the list is unchanged.
