@@ -199,7 +199,7 @@ BENCHMARK(readEntries);
 void matchFilter(benchmark::State& state)
 {
     static Family family = loaded({Shape::flat, 1});
-    const LDIF_EntryText leaf = family.tree.text(family.tree.find(family.leaves.front()));
+    const LDIF_Entry leaf = family.tree.entry(family.tree.find(family.leaves.front()));
     const std::string filters[] = {"(zeb-slapdServerID=match)", "(zeb-slapdSizeLimit=99)",
                                    "(zeb-slapdMasterDN=cn=nobody, o=Example)", "(objectclass=*)"};
     const std::string& text = filters[state.range(0)];

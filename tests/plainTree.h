@@ -208,7 +208,7 @@ struct LoadedFile {
         }
     }
 
-    std::string str() const
+    std::string str()
     {
         std::string text;
         std::string buffer;

@@ -46,7 +46,8 @@ TEST(AttrTypesDeathTest, MayBeLookedUpByManyThreadsAtFirst)
     testing::FLAGS_gtest_death_test_style = "threadsafe";  // a process of its own, without a look-up before
     const auto lookUp = [] {
         std::vector<std::future<const _AttrType*>> found(32);
-        std::generate(found.begin(), found.end(), [] { return std::async(std::launch::async, getAttrType, "CN"); });
+        std::generate(found.begin(), found.end(),
+                      [] { return std::async(std::launch::async, [] { return getAttrType("CN"); }); });
         std::exit(std::all_of(found.begin(), found.end(), [](auto& each) { return each.get()->isSingle; }) ? 0 : 1);
     };
     EXPECT_EXIT(lookUp(), testing::ExitedWithCode(0), "");

@@ -5,6 +5,7 @@
 #include <cctype>
 #include <climits>
 #include <clocale>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <cwchar>
@@ -34,11 +35,6 @@ bool isSameText(const char* left, const char* right) noexcept
     return *left == *right;
 }
 
-bool isAscii(char byte) noexcept
-{
-    return static_cast<unsigned char>(byte) < asciiEnd;
-}
-
 bool convertsAscii() noexcept
 {
     for (int byte = 1; byte < asciiEnd; ++byte) {
@@ -58,19 +54,54 @@ std::size_t foldingNumber() noexcept
     return number;
 }
 
+// Characters beyond ASCII that have been found to be transparent and no white space: a text has the same few over and
+// over, and converting them is half of its load.
+class Characters {
+public:
+    // The length of a known character at the front, in bytes, or 0.
+    std::size_t find(std::string_view text) const noexcept
+    {
+        const std::size_t size = sizes[static_cast<unsigned char>(text[0])];
+        return size != 0 && size <= text.size() && known[slotOf(text.substr(0, size))] == codeOf(text.substr(0, size))
+                   ? size
+                   : 0;
+    }
+    void keep(std::string_view bytes) noexcept
+    {
+        if (bytes.size() > sizeof(std::uint32_t))
+            return;
+        sizes[static_cast<unsigned char>(bytes[0])] = static_cast<unsigned char>(bytes.size());
+        known[slotOf(bytes)] = codeOf(bytes);
+    }
+
+private:
+    static std::uint32_t codeOf(std::string_view bytes) noexcept
+    {
+        std::uint32_t code = 0;
+        for (const char byte : bytes)
+            code = code << 8 | static_cast<unsigned char>(byte);
+        return code;
+    }
+    static std::size_t slotOf(std::string_view bytes) noexcept { return codeOf(bytes) * 0x9E3779B1U >> 23; }
+
+    std::array<std::uint32_t, 512> known = {};
+    std::array<unsigned char, 256> sizes = {};  // by first byte, of the character met last
+};
+
 // What is known of a locale.
 struct Locale {
     char name[64];
     bool hasAscii;
     std::size_t folding;
+    Characters characters;
 };
 
-Locale lastLocale = {"", false, 0};
+Locale lastLocale = {"", false, 0, {}};
 int holds = 0;  // the number of LocaleHold objects
 
 void look(const char* name) noexcept
 {
-    lastLocale = {"", convertsAscii(), foldingNumber()};
+    lastLocale = {"", convertsAscii(), foldingNumber(), {}};
     std::strncat(lastLocale.name, name, sizeof lastLocale.name - 1);
 }
 
@@ -89,7 +120,53 @@ const Locale& currentLocale() noexcept
     return lastLocale;
 }
 
+bool isAscii(char byte) noexcept
+{
+    return static_cast<unsigned char>(byte) < asciiEnd;
+}
+
+// The length of the character at the front, in bytes, when it is transparent; otherwise 0.
+std::size_t transparentLength(std::string_view text, bool& isSpace) noexcept
+{
+    std::mbstate_t state = {};
+    wchar_t unit = 0;
+    const std::size_t size = std::mbrtowc(&unit, text.data(), text.size(), &state);
+    if (size == 0 || size > text.size())
+        return 0;
+    char narrow[MB_LEN_MAX];
+    state = {};
+    const std::string_view bytes = text.substr(0, size);
+    if (std::any_of(bytes.begin(), bytes.end(), isAscii) || std::wcrtomb(narrow, unit, &state) != size ||
+        bytes != std::string_view(narrow, size))
+        return 0;
+    isSpace = std::iswspace(static_cast<std::wint_t>(unit)) != 0;
+    return size;
+}
+
 }  // namespace
+
+bool isTransparent(std::string_view text, bool& hasSpace) noexcept
+{
+    if (!currentLocale().hasAscii)
+        return false;
+    for (;;) {
+        text.remove_prefix(
+            static_cast<std::size_t>(std::find_if_not(text.begin(), text.end(), isAscii) - text.begin()));
+        if (text.empty())
+            return true;
+        std::size_t size = lastLocale.characters.find(text);
+        if (size == 0) {
+            bool isSpace = false;
+            size = transparentLength(text, isSpace);
+            if (size == 0)
+                return false;
+            if (!isSpace)
+                lastLocale.characters.keep(text.substr(0, size));
+            hasSpace = hasSpace || isSpace;
+        }
+        text.remove_prefix(size);
+    }
+}
 
 unsigned char foldCase(char character) noexcept
 {
@@ -121,32 +198,6 @@ std::size_t caseFolding() noexcept
 bool localeHasAscii() noexcept
 {
     return currentLocale().hasAscii;
-}
-
-bool isTransparent(std::string_view text, bool& hasSpace) noexcept
-{
-    if (!localeHasAscii())
-        return false;
-    for (std::size_t pos = 0; pos < text.size();) {
-        if (isAscii(text[pos])) {
-            ++pos;
-            continue;
-        }
-        std::mbstate_t state = {};
-        wchar_t unit = 0;
-        const std::size_t size = std::mbrtowc(&unit, &text[pos], text.size() - pos, &state);
-        if (size == 0 || size > text.size() - pos)
-            return false;
-        const std::string_view bytes = text.substr(pos, size);
-        char narrow[MB_LEN_MAX];
-        state = {};
-        if (std::any_of(bytes.begin(), bytes.end(), isAscii) || std::wcrtomb(narrow, unit, &state) != size ||
-            bytes != std::string_view(narrow, size))
-            return false;
-        hasSpace = hasSpace || std::iswspace(static_cast<std::wint_t>(unit)) != 0;
-        pos += size;
-    }
-    return true;
 }
 
 LocaleHold::LocaleHold() noexcept

@@ -33,3 +33,8 @@ const _AttrType* getAttrType(const char* name)
     const auto* const found = std::lower_bound<const _AttrType*>(_attrMapArray, defaultType, name, isBefore);
     return found != defaultType && found->compare(name) == 0 ? found : defaultType;
 }
+
+const _AttrType* getAttrType(std::string_view name)
+{
+    return getAttrType(std::string(name).c_str());
+}

@@ -4,6 +4,7 @@
 #define LDIF_ATTRTYPE_H
 
 #include <string>
+#include <string_view>
 
 class LDIF_Value;
 
@@ -30,5 +31,6 @@ struct _AttrType {
 // The type of that name, found without regard to case; for null, and for a name that is not known, the default type,
 // which takes any text. Never null, and the same pointer each time. Any number of threads may look up at once.
 const _AttrType* getAttrType(const char* name);
+const _AttrType* getAttrType(std::string_view name);
 
 #endif

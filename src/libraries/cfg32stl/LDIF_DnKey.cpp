@@ -120,10 +120,25 @@ bool simplifyDn(std::string_view text, std::string& out)
     }
 }
 
+// Most DNs that are looked up are simple.
+void LDIF_DnKey::parse(const std::string& any)
+{
+    if (isPlain(any) && simplifyDn(any, printed))
+        assignSimple(printed);
+    else
+        assign(LDIF_DN(cisString(any)));
+}
+
 void LDIF_DnKey::assign(std::string_view canonical)
 {
-    if (!isSimpleDn(canonical))
-        return assign(LDIF_DN(cisString(std::string(canonical))));
+    if (isSimpleDn(canonical))
+        assignSimple(canonical);
+    else
+        assign(LDIF_DN(cisString(std::string(canonical))));
+}
+
+void LDIF_DnKey::assignSimple(std::string_view canonical)
+{
     parsed.reset();
     text = canonical;
     hashes.resize(1);
@@ -141,7 +156,7 @@ void LDIF_DnKey::assign(const LDIF_DN& dn)
 {
     printed = printable(dn);
     if (isSimpleDn(printed) && isPlain(printed))
-        return assign(std::string_view(printed));
+        return assignSimple(printed);
     text = {};
     parsed = dn;
     hashes.resize(1);

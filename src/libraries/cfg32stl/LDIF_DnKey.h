@@ -24,9 +24,12 @@ bool simplifyDn(std::string_view text, std::string& out);
 //     cn=a, ou=b, o=c     hash(1) that of o=c, hash(2) that of ou=b, o=c, hash(3) that of the whole
 class LDIF_DnKey {
 public:
-    // Takes the canonical string form, which it borrows. Throws std::bad_alloc, and LDIF_Exception for a text that is
-    // no DN.
-    void assign(std::string_view text);
+    // Takes any string form. Throws LDIF_Exception (34) as LDIF_DN does.
+    void parse(const std::string& text);
+    // Takes the canonical string form, which it borrows.
+    void assign(std::string_view canonical);
+    // The same for that of a DN that is known to be simple.
+    void assignSimple(std::string_view canonical);
     void assign(const LDIF_DN& dn);
 
     std::size_t levels() const noexcept { return hashes.size() - 1; }
@@ -36,6 +39,8 @@ public:
     std::string_view simpleText(std::size_t level) const noexcept;
     // The DN in its parsed form.
     const LDIF_DN& dn();
+    // The canonical string form, or the empty text for a DN that cannot be printed.
+    std::string str() const { return parsed ? printable(*parsed) : std::string(text); }
 
 private:
     std::string_view text;               // of a simple DN

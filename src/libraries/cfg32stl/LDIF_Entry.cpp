@@ -106,8 +106,8 @@ LDIF_Entry& LDIF_Entry::clear()
 
 void LDIF_Entry::merge(LDIF_Entry&& other)
 {
-    comment += other.comment;
-    attributes += other.attributes;
+    comment += std::move(other.comment);
+    attributes += std::move(other.attributes);
 }
 
 bool LDIF_Entry::isSameAs(const LDIF_Entry& other) const

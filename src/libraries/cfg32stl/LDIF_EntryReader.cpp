@@ -94,6 +94,8 @@ bool hasOddBytes(std::string_view text) noexcept
     return (found & highBits) != 0;
 }
 
+constexpr std::size_t usualNames = 1000;  // of attributes in a file
+
 bool isWrittenPassword(std::string_view text) noexcept
 {
     return !text.empty() && text.front() == '>' && text.back() == '<';
@@ -122,9 +124,10 @@ LDIF_EntryReader::Form LDIF_EntryReader::read(std::string_view text)
 
 void LDIF_EntryReader::begin(std::string_view text)
 {
-    constexpr std::size_t usualNames = 1000;
     if (names.size() > usualNames) {
         names.clear();
+        namesByText = LDIF_HashIndex();
+        sortedNames.clear();
         front.likely = nullptr;
     }
     whole = rest = text;
@@ -224,17 +227,18 @@ bool LDIF_EntryReader::takeAttribute(std::string_view line)
     return true;
 }
 
-// False at a line without a name, or with one that is left to the classes, and at the dn line of another entry.
+// False at a line without a name, or with one that is left to the classes, and at the dn line of another entry. An
+// entry of very many names would spend its time on their ranks.
 bool LDIF_EntryReader::takeName(std::string_view line)
 {
     const std::size_t colon = line.find(':');
     if (colon == std::string_view::npos || colon == 0 || !isPlain(line.substr(0, colon)))
         return false;
     const std::string_view text = line.substr(0, colon);
-    if (compareFolded(text, "dn") == 0)
+    if (compareFolded(text, "dn") == 0 || names.size() > 2 * usualNames)
         return false;
     Name& name = nameOf(text);
-    if (lastName == &front || compareFolded(lastName->text(), text) < 0)
+    if (lastName->rank < name.rank)
         lastName->likely = &name;
     else
         isExact = isExact && &name == lastName;
@@ -244,13 +248,27 @@ bool LDIF_EntryReader::takeName(std::string_view line)
 
 LDIF_EntryReader::Name& LDIF_EntryReader::nameOf(std::string_view text)
 {
-    Name& name = names[std::string(text)];
-    if (name.type == nullptr) {
-        name.start = std::string(text) + ": ";
-        name.type = getAttrType(std::string(text).c_str());
-        name.syntax = &syntaxOf(*name.type);
-    }
-    return name;
+    const std::size_t hash = exactHash(0, text);
+    const std::size_t place = namesByText.find(hash, [&](std::size_t at) { return names[at].text() == text; });
+    return place != LDIF_HashIndex::npos ? names[place] : makeName(text, hash);
+}
+
+LDIF_EntryReader::Name& LDIF_EntryReader::makeName(std::string_view text, std::size_t hash)
+{
+    const _AttrType* const type = getAttrType(text);
+    names.push_back({std::string(text) + ": ", type, &syntaxOf(*type)});
+    namesByText.add(hash, names.size() - 1);
+    const auto isBefore = [](const Name* name, std::string_view other) {
+        return compareFolded(name->text(), other) < 0;
+    };
+    auto place = std::lower_bound(sortedNames.begin(), sortedNames.end(), text, isBefore);
+    place = sortedNames.insert(place, &names.back());
+    const bool isKnown = place + 1 != sortedNames.end() && compareFolded(place[1]->text(), text) == 0;
+    const std::size_t rank = isKnown ? place[1]->rank : place == sortedNames.begin() ? 1 : place[-1]->rank + 1;
+    names.back().rank = rank;
+    for (++place; !isKnown && place != sortedNames.end(); ++place)
+        ++(*place)->rank;
+    return names.back();
 }
 
 // What stands after the colon and those that follow it, without edges.
@@ -319,9 +337,7 @@ std::string& LDIF_EntryReader::nextMade()
 // Sorts the values by name where they are not, and finds those that are there already.
 bool LDIF_EntryReader::checkValues()
 {
-    const auto isBefore = [](const Value& left, const Value& right) {
-        return left.name != right.name && compareFolded(left.name->text(), right.name->text()) < 0;
-    };
+    const auto isBefore = [](const Value& left, const Value& right) { return left.name->rank < right.name->rank; };
     if (!isExact)
         std::stable_sort(values.begin(), values.end(), isBefore);
     if (isExact && !hasRepeats)
@@ -373,13 +389,13 @@ void LDIF_EntryReader::write()
     found.dnStart = written.size();
     written.append(dn).append(lineEnd);
     for (auto first = values.begin(); first != values.end();) {
-        const std::string_view name = first->name->text();
-        const auto last = std::find_if(first, values.end(),
-                                       [&](const Value& each) { return compareFolded(each.name->text(), name) != 0; });
+        const Name& name = *first->name;
+        const auto last =
+            std::find_if(first, values.end(), [&](const Value& each) { return each.name->rank != name.rank; });
         std::for_each(first, last, [&](const Value& each) { writeComment(each.comment); });
         for (; first != last; ++first) {
             if (!first->isRepeated)
-                written.append(name).append(": ").append(first->text).append(lineEnd);
+                written.append(name.start).append(first->text).append(lineEnd);
         }
     }
     written.append(lineEnd);

@@ -8,7 +8,6 @@
 #include <deque>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 struct LDIF_Syntax;
@@ -45,6 +44,7 @@ private:
         std::string start;  // the name, colon and blank
         const _AttrType* type = nullptr;
         const LDIF_Syntax* syntax = nullptr;
+        std::size_t rank = 0;    // names in ascending order have ascending ranks, and equal ones the same
         Name* likely = nullptr;  // one that sorts after this one, and came after it last
 
         std::string_view text() const noexcept { return std::string_view(start).substr(0, start.size() - 2); }
@@ -67,6 +67,7 @@ private:
     bool takeAttribute(std::string_view line);
     bool takeName(std::string_view line);
     Name& nameOf(std::string_view text);
+    Name& makeName(std::string_view text, std::size_t hash);
     std::string_view valueAfter(std::string_view line, std::size_t colon) noexcept;
     bool canonicalise(const Name& name, std::string_view& value);
     bool canonicaliseNumber(const _AttrType& type, std::string_view& value);
@@ -98,7 +99,9 @@ private:
 
     Name front;  // stands before the first name of an entry
     Name* lastName = &front;
-    std::unordered_map<std::string, Name> names;
+    std::deque<Name> names;
+    LDIF_HashIndex namesByText;
+    std::vector<Name*> sortedNames;
     std::deque<std::string> made;  // canonical forms, at first madeCount of them
     std::size_t madeCount = 0;
     std::string written;

@@ -11,17 +11,16 @@ LDIF_TextLine takeLine(std::string_view& attributes) noexcept
     return {line.substr(0, colon), line.substr(colon + 2)};
 }
 
-bool skipTo(std::string_view& attributes, std::string_view name) noexcept
+std::string_view linesFrom(std::string_view attributes, std::string_view name) noexcept
 {
     const unsigned char first = name.empty() ? 0 : foldCase(name[0]);
     while (!attributes.empty()) {
         const unsigned char found = foldCase(attributes[0]);
-        if (found == first && attributes.size() > name.size() && attributes[name.size()] == ':' &&
-            compareFolded(attributes.substr(0, name.size()), name) == 0)
-            return true;
+        if (found == first && isNamed(attributes, name))
+            return attributes;
         if (found > first && attributes[0] != '#')
-            return false;
+            return {};
         attributes.remove_prefix(attributes.find('\n') + 1);
     }
-    return false;
+    return {};
 }

@@ -38,7 +38,14 @@ struct LDIF_TextLine {
 // Takes the first line off the attributes of an entry, which are not empty.
 LDIF_TextLine takeLine(std::string_view& attributes) noexcept;
 
-// Takes off the lines before the first one of that name. False when there is none.
-bool skipTo(std::string_view& attributes, std::string_view name) noexcept;
+// Whether the text begins with a line of that name.
+inline bool isNamed(std::string_view lines, std::string_view name) noexcept
+{
+    return lines.size() > name.size() && lines[name.size()] == ':' &&
+           compareFolded(lines.substr(0, name.size()), name) == 0;
+}
+
+// The lines from the first of that name on; empty when there is none.
+std::string_view linesFrom(std::string_view attributes, std::string_view name) noexcept;
 
 #endif

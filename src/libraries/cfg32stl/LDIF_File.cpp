@@ -137,16 +137,21 @@ void LDIF_File::moveToBackup()
 }
 
 std::vector<LDIF_Tree::Number> LDIF_File::findEntries(const LDIF_DN& base, LDIF_Scope scope, const LDIF_Filter& filter)
-try {
-    return findMatches(tree, baseEntry(base), scope, filter);
-} catch (...) {
-    wrapAndThrow("System error in LDIF_File::search()", fieldsOf(base, fileName));
+{
+    LDIF_DnKey key;
+    key.assign(base);
+    return findEntries(key, scope, filter);
 }
 
-LDIF_Tree::Number LDIF_File::baseEntry(const LDIF_DN& dn)
-{
-    const LDIF_Tree::Number entry = tree.find(dn);
+std::vector<LDIF_Tree::Number> LDIF_File::findEntries(LDIF_DnKey& base, LDIF_Scope scope, const LDIF_Filter& filter)
+try {
+    const LDIF_Tree::Number entry = tree.find(base);
     if (entry == LDIF_Tree::none)
         throw LDIF_Exception(LDAP_NO_SUCH_OBJECT, LDAP_NO_SUCH_OBJECT, "Base entry not found");
-    return entry;
+    return findMatches(tree, entry, scope, filter);
+} catch (...) {
+    wrapAndThrow("System error in LDIF_File::search()", [&](LDIF_Exception& failure) {
+        failure.entryDn = base.str();
+        failure.configFile = fileName;
+    });
 }

@@ -56,6 +56,7 @@ public:
 
     // The entries that match, by their numbers in the tree, until that changes. Throws LDIF_Exception (32) without the
     // base entry.
+    std::vector<LDIF_Tree::Number> findEntries(LDIF_DnKey& base, LDIF_Scope scope, const LDIF_Filter& filter);
     std::vector<LDIF_Tree::Number> findEntries(const LDIF_DN& base, LDIF_Scope scope, const LDIF_Filter& filter);
     const LDIF_Tree& entries() const noexcept { return tree; }
 
@@ -75,7 +76,6 @@ public:
 private:
     void modifyEntry(const LDIF_DN& dn, LDAPMod** mods);
     void removeEntry(const LDIF_DN& dn, bool deleteNonLeaves);
-    LDIF_Tree::Number baseEntry(const LDIF_DN& dn);
     Authentication checkLogin(const char* dn, const char* password);
     LDIF_Tree readText() const;
     void readTree(LDIF_Tree&& emptyTree, bool& needsRewrite);

@@ -7,17 +7,73 @@
 #include "platform.h"
 
 #include <memory>
+#include <optional>
 
 namespace {
+
+// A filter on its way over many entries: the value is made once, by the type of the attribute.
+class Matcher {
+public:
+    explicit Matcher(const LDIF_Filter& test) : filter(test) {}
+
+    bool match(const LDIF_Entry& entry)
+    {
+        const LDIF_Attribute* const found = entry.attributes.find(filter.attr);
+        if (found == entry.attributes.data() + entry.attributes.size() || filter.anyValue)
+            return found != entry.attributes.data() + entry.attributes.size();
+        return !found->values.empty() && found->values.contains(wanted());
+    }
+
+    // lines are those of an entry from the first of the attribute on.
+    bool match(std::string_view lines)
+    {
+        if (lines.empty() || filter.anyValue)
+            return !lines.empty();
+        (void)wanted();
+        const std::size_t start = filter.attr.size() + 2;
+        do {
+            const std::size_t end = lines.find('\n') + 1;
+            if (isWanted(lines.substr(start, end - lineEnd.size() - start)))
+                return true;
+            lines.remove_prefix(end);
+        } while (isNamed(lines, filter.attr));
+        return false;
+    }
+
+private:
+    const LDIF_Value& wanted()
+    {
+        if (!value) {
+            value.emplace(getAttrType(filter.attr.c_str()), filter.value);
+            syntax = &syntaxOf(*value->attrType);
+            isText = syntax != &syntax::pw && (syntax != &syntax::dn || isSimpleDn(value->stringValue));
+        }
+        return *value;
+    }
+
+    // Values of the same type are equal when their texts are, but for passwords, and DNs that are not simple.
+    bool isWanted(std::string_view text) const
+    {
+        const std::string& other = value->stringValue;
+        if (!isText || (syntax == &syntax::dn && !isSimpleDn(text)))
+            return LDIF_Value(value->attrType, std::string(text)).compare(*value) == 0;
+        return text.size() == other.size() && (syntax->foldsCase ? compareFolded(text, other) == 0 : text == other);
+    }
+
+    const LDIF_Filter& filter;
+    std::optional<LDIF_Value> value;
+    const LDIF_Syntax* syntax = nullptr;  // of value
+    bool isText = false;                  // the text of value is enough
+};
 
 // The walk of a search, in a loop, for a tree may be deep.
 class Walk {
 public:
     Walk(const LDIF_Tree& entries, LDIF_Tree::Number start, LDIF_Scope reach, const LDIF_Filter& test)
-        : tree(entries), base(start), scope(reach), filter(test)
+        : tree(entries), base(start), scope(reach), filter(test), matcher(test)
     {}
 
-    std::vector<LDIF_Tree::Number> matches() const
+    std::vector<LDIF_Tree::Number> matches()
     {
         std::vector<LDIF_Tree::Number> found;
         for (auto entry = base; entry != LDIF_Tree::none; entry = next(entry)) {
@@ -29,10 +85,14 @@ public:
 
 private:
     // The base of a one-level search is tested, though it is no result, and its test may fail.
-    bool isMatch(LDIF_Tree::Number entry) const
+    bool isMatch(LDIF_Tree::Number entry)
     try {
         const LDIF_Entry* const object = tree.object(entry);
-        return object != nullptr ? filter.match(*object) : filter.match(tree.text(entry));
+        if (object != nullptr)
+            return matcher.match(*object);
+        return matcher.match(scope == LDIF_Scope::base
+                                 ? linesFrom(tree.text(entry).attributes(), filter.attr)  // not worth remembering
+                                 : tree.linesFrom(entry, filter.attr));
     } catch (...) {
         throw failureAt(entry);
     }
@@ -51,11 +111,11 @@ private:
     {
         auto failure =
             std::make_unique<LDIF_Exception>(wrapCurrent("System error in LDIF_Search_Results::addEntry()", pos));
-        failure->entryDn = printable(tree.dn(entry));
+        failure->entryDn = tree.dnText(entry);
         while (entry != base) {
             entry = tree.parent(entry);
             failure = std::make_unique<LDIF_Exception>(pos.file, pos.line, std::move(*failure));
-            failure->entryDn = printable(tree.dn(entry));
+            failure->entryDn = tree.dnText(entry);
         }
         return std::move(*failure);
     }
@@ -64,24 +124,14 @@ private:
     const LDIF_Tree::Number base;
     const LDIF_Scope scope;
     const LDIF_Filter& filter;
+    Matcher matcher;
 };
-
-// Whether a value in its canonical text equals another one of its type.
-bool isEqual(std::string_view text, const LDIF_Value& value)
-{
-    const LDIF_Syntax& syntax = syntaxOf(*value.attrType);
-    const std::string& other = value.stringValue;
-    if (&syntax == &syntax::pw || (&syntax == &syntax::dn && !(isSimpleDn(text) && isSimpleDn(other))))
-        return LDIF_Value(value.attrType, std::string(text)).compare(value) == 0;
-    return text.size() == other.size() && (syntax.foldsCase ? compareFolded(text, other) == 0 : text == other);
-}
 
 }  // namespace
 
 LDIF_Filter::~LDIF_Filter()
 {
     wipe(value);
-    wipe(wanted->text);
 }
 
 LDIF_Filter::LDIF_Filter(const std::string& text)
@@ -134,38 +184,7 @@ void LDIF_Filter::readValue(const std::string& text)
 
 bool LDIF_Filter::match(const LDIF_Entry& entry) const
 {
-    const LDIF_Attributes& attributes = entry.attributes;
-    const LDIF_Attribute* const found = attributes.find(attr);
-    if (found == attributes.data() + attributes.size() || anyValue)
-        return found != attributes.data() + attributes.size();
-    return !found->values.empty() && found->values.contains(wantedValue());
-}
-
-bool LDIF_Filter::match(const LDIF_EntryText& entry) const
-{
-    std::string_view lines = entry.attributes();
-    const bool hasAttribute = skipTo(lines, attr);
-    if (!hasAttribute || anyValue)
-        return hasAttribute;
-    const LDIF_Value& other = wantedValue();
-    while (!lines.empty()) {
-        const LDIF_TextLine line = takeLine(lines);
-        if (compareFolded(line.name, attr) != 0)
-            return false;
-        if (isEqual(line.value, other))
-            return true;
-    }
-    return false;
-}
-
-const LDIF_Value& LDIF_Filter::wantedValue() const
-{
-    if (wanted->value == nullptr || wanted->text != value || wanted->attr != attr.c_str()) {
-        wanted->value = std::make_unique<LDIF_Value>(getAttrType(attr.c_str()), value);
-        wanted->text = value;
-        wanted->attr = attr;
-    }
-    return *wanted->value;
+    return Matcher(*this).match(entry);
 }
 
 std::vector<LDIF_Tree::Number> findMatches(const LDIF_Tree& tree, LDIF_Tree::Number base, LDIF_Scope scope,

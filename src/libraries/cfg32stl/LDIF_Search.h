@@ -2,9 +2,7 @@
 #ifndef LDIF_SEARCH_H
 #define LDIF_SEARCH_H
 
-#include "LDIF_Aid.h"
 #include "LDIF_Entry.h"
-#include "LDIF_EntryText.h"
 #include "LDIF_Tree.h"
 #include "cisString.h"
 
@@ -32,22 +30,11 @@ public:
     ~LDIF_Filter();
     LDIF_Filter& operator=(const std::string& text);
 
-    // Both throw LDIF_Exception for a value that the attribute's syntax refuses.
+    // Throws LDIF_Exception for a value that the attribute's syntax refuses.
     virtual bool match(const LDIF_Entry& entry) const;
-    bool match(const LDIF_EntryText& entry) const;
 
 private:
-    // The value as the attribute's type has it, which is made once for all entries.
-    struct Wanted {
-        std::string attr;  // for which it was made
-        std::string text;
-        std::unique_ptr<LDIF_Value> value;
-    };
-
     void readValue(const std::string& text);
-    const LDIF_Value& wantedValue() const;
-
-    mutable LDIF_Aid<Wanted> wanted;
 };
 
 // The names of the attributes wanted; none means all.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 #include <utility>
 
 LDIF_TextStore::LDIF_TextStore(TextBuffer&& file, std::size_t fileSize)
@@ -30,6 +31,33 @@ void LDIF_TextStore::reserve(std::size_t bytes)
         return;
     pieces.emplace_back(std::max(bytes, std::clamp(taken / 4, smallest, largest)));
     end = 0;
+}
+
+void LDIF_TextStore::keep(std::string_view text) noexcept
+{
+    alive += text.size();
+    aliveInFile += isInFile(text) ? text.size() : 0;
+}
+
+void LDIF_TextStore::release(std::string_view text) noexcept
+{
+    alive -= text.size();
+    aliveInFile -= isInFile(text) ? text.size() : 0;
+}
+
+bool LDIF_TextStore::isInFile(std::string_view text) const noexcept
+{
+    const std::less_equal<const char*> isUpTo;
+    const char* const file = pieces.front().data();
+    return isUpTo(file, text.data()) && isUpTo(text.data() + text.size(), file + size);
+}
+
+void LDIF_TextStore::dropDeadFile() noexcept
+{
+    if (aliveInFile != 0 || pieces.size() < 2)
+        return;
+    pieces.front() = TextBuffer();
+    taken -= std::exchange(size, 0);
 }
 
 bool LDIF_TextStore::isWasteful() const noexcept

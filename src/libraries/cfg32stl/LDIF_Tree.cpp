@@ -39,6 +39,16 @@ LDIF_EntryText printed(const LDIF_Entry& entry, std::string& buffer)
     return text;
 }
 
+// The least number of bytes that its values take when they are printed.
+std::size_t sizeOfValues(const LDIF_Entry& entry)
+{
+    std::size_t size = 0;
+    for (const LDIF_Attribute& attribute : entry.attributes)
+        for (const LDIF_Value& value : attribute.values)
+            size += attribute.name.size() + value.stringValue.size() + lineEnd.size() + 2;
+    return size;
+}
+
 bool hasOddName(const LDIF_Entry& entry)
 {
     return std::any_of(entry.attributes.begin(), entry.attributes.end(),
@@ -78,11 +88,18 @@ public:
         else
             found.push_back(piece);
     }
+    void print(const LDIF_Entry& entry)
+    {
+        const std::size_t start = buffer.size();
+        buffer.reserve(std::max(buffer.capacity(), start + sizeOfValues(entry)));
+        entry.appendTo(buffer);
+        endPrinted(start);
+    }
     void print(const std::string& text)
     {
         const std::size_t start = buffer.size();
-        buffer += inFileForm(text);
-        found.emplace_back(nullptr, buffer.size() - start);
+        buffer += text;
+        endPrinted(start);
     }
     std::vector<std::string_view> take()
     {
@@ -97,6 +114,13 @@ public:
     }
 
 private:
+    void endPrinted(std::size_t start)
+    {
+        if (lineEnd.size() > 1)
+            buffer.replace(start, buffer.size() - start, inFileForm(buffer.substr(start)));
+        found.emplace_back(nullptr, buffer.size() - start);
+    }
+
     std::string& buffer;
     std::vector<std::string_view> found;
 };
@@ -116,8 +140,11 @@ LDIF_Tree::LDIF_Tree(TextBuffer&& file, std::size_t size)
 
 bool LDIF_Tree::load(const LDIF_EntryText& entry, bool isFileText)
 {
-    key.assign(entry.dn());
-    if (find(key, key.levels()) != none)
+    if (entry.isLocaleBound)
+        key.assign(entry.dn());
+    else
+        key.assignSimple(entry.dn());
+    if (find(key) != none)
         return false;
     place(append(entry, isFileText));
     return true;
@@ -198,7 +225,7 @@ LDIF_Tree::Number LDIF_Tree::append(LDIF_Entry&& entry)
 // A text that stands in the store already.
 LDIF_EntryText LDIF_Tree::kept(const LDIF_EntryText& entry) noexcept
 {
-    store.keep(entry.text.size());
+    store.keep(entry.text);
     return entry;
 }
 
@@ -214,9 +241,10 @@ void LDIF_Tree::takeBack(Number entry) noexcept
     Node& node = nodes[entry];
     byDn.remove(node.tag, entry);
     if (node.text != nullptr)
-        store.release(node.size);
+        store.release({node.text, node.size});
     else
         objects.erase(entry);
+    directory.forget(entry);
     node = {};
     node.next = std::exchange(firstVacant, entry);
 }
@@ -256,7 +284,9 @@ try {
     for (const Number number : merged)
         (void)becomeText(number, {}, std::numeric_limits<std::size_t>::max());
     merged = {};
-    compact();
+    store.dropDeadFile();
+    if (store.isWasteful())
+        compact();
 } catch (...) {
     dropEntries();
     throw;
@@ -268,6 +298,7 @@ void LDIF_Tree::dropEntries() noexcept
     nodes[root].firstChild = nodes[root].lastChild = none;
     firstVacant = none;
     objects.clear();
+    directory.clear();
     byDn = LDIF_HashIndex();
     missingLevels = LDIF_HashIndex();
     merged.clear();
@@ -386,10 +417,21 @@ LDIF_EntryText LDIF_Tree::text(Number entry) const noexcept
     return {{node.text, node.size}, node.dnStart, node.dnSize, node.isLocaleBound != 0};
 }
 
+std::string_view LDIF_Tree::linesFrom(Number entry, std::string_view name) const noexcept
+{
+    return directory.find(entry, text(entry).attributes(), name);
+}
+
 LDIF_Entry LDIF_Tree::entry(Number number) const
 {
     const LDIF_Entry* const known = object(number);
     return known != nullptr ? *known : LDIF_Entry(text(number).text);
+}
+
+std::string LDIF_Tree::dnText(Number number) const
+{
+    const LDIF_Entry* const known = object(number);
+    return known != nullptr ? printable(known->dn) : std::string(text(number).dn());
 }
 
 LDIF_DN LDIF_Tree::dn(Number number) const
@@ -398,7 +440,19 @@ LDIF_DN LDIF_Tree::dn(Number number) const
     return known != nullptr ? known->dn : LDIF_DN(cisString(std::string(text(number).dn())));
 }
 
-std::vector<std::string_view> LDIF_Tree::pieces(const LDIF_Comment& after, std::string& buffer) const
+// Texts that lie apart are moved together, so that the next write costs less.
+std::vector<std::string_view> LDIF_Tree::pieces(const LDIF_Comment& after, std::string& buffer)
+{
+    constexpr std::size_t few = 64;
+    constexpr std::size_t most = 8;  // of so many entries one may stand apart
+    std::vector<std::string_view> found = gatherPieces(after, buffer);
+    if (found.size() <= few + nodes.size() / most + objects.size())
+        return found;
+    compact();
+    return gatherPieces(after, buffer);
+}
+
+std::vector<std::string_view> LDIF_Tree::gatherPieces(const LDIF_Comment& after, std::string& buffer) const
 {
     Pieces made(buffer);
     made.print(rootObject.str() + (needsBlankLine() ? "\n" : ""));
@@ -406,7 +460,7 @@ std::vector<std::string_view> LDIF_Tree::pieces(const LDIF_Comment& after, std::
         if (nodes[each].text != nullptr)
             made.add({nodes[each].text, nodes[each].size});
         else
-            made.print(objects.at(each).str());
+            made.print(objects.at(each));
     }
     made.print(after.str());
     return made.take();
@@ -432,7 +486,8 @@ LDIF_Entry& LDIF_Tree::open(Number entry)
     if (node.text == nullptr)
         return objects.at(entry);
     LDIF_Entry& made = objects.emplace(entry, LDIF_Entry(text(entry).text)).first->second;
-    store.release(node.size);
+    store.release({node.text, node.size});
+    directory.forget(entry);
     node.text = nullptr;
     return made;
 }
@@ -443,7 +498,8 @@ try {
     constexpr std::size_t largeEntry = std::size_t{16} << 10;
     if (entry != root && nodes[entry].text == nullptr)
         (void)becomeText(entry, {}, largeEntry);
-    compact();
+    if (store.isWasteful())
+        compact();
 } catch (...) {
     return;  // It stays an object, which is the same to all others.
 }
@@ -452,6 +508,8 @@ try {
 bool LDIF_Tree::becomeText(Number entry, std::string_view source, std::size_t longest)
 {
     const LDIF_Entry& known = objects.at(entry);
+    if (sizeOfValues(known) > longest)
+        return false;
     std::string buffer;
     LDIF_EntryText text;
     try {
@@ -459,7 +517,7 @@ bool LDIF_Tree::becomeText(Number entry, std::string_view source, std::size_t lo
     } catch (const LDIF_Exception&) {
         return false;  // It has no text.
     }
-    if (text.text.size() > longest || !readsBack(text, known))
+    if (!readsBack(text, known))
         return false;
     text.isLocaleBound = !isPlain(text.text) || !isSimpleDn(text.dn()) ||
                          std::any_of(known.attributes.begin(), known.attributes.end(), hasOddDn);
@@ -509,16 +567,17 @@ void LDIF_Tree::erase(Number entry) noexcept
         unlink(gone);
         takeBack(gone);
     }
-    compact();
+    if (store.isWasteful())
+        compact();
 }
 
+// Moves all texts side by side, in the order in which they are written.
 void LDIF_Tree::compact() noexcept
 try {
-    if (!store.isWasteful())
-        return;
     LDIF_TextStore living;
     living.reserve(store.used());
-    for (Node& node : nodes) {
+    for (Number each = nextBelow(root, root); each != none; each = nextBelow(each, root)) {
+        Node& node = nodes[each];
         if (node.text != nullptr)
             node.text = living.add({node.text, node.size}).data();
     }

@@ -6,6 +6,7 @@
 #include "LDIF_Entry.h"
 #include "LDIF_EntryText.h"
 #include "LDIF_HashIndex.h"
+#include "LDIF_LineDirectory.h"
 #include "LDIF_TextStore.h"
 #include "platform.h"
 
@@ -57,6 +58,7 @@ public:
     LDIF_Entry& rootEntry() noexcept { return rootObject; }
     // The entry of that DN, or none. The empty DN is the root.
     Number find(const LDIF_DN& dn);
+    Number find(LDIF_DnKey& wanted) const { return find(wanted, wanted.levels()); }
     Number firstChild(Number entry) const noexcept { return nodes[entry].firstChild; }
     Number nextSibling(Number entry) const noexcept { return nodes[entry].next; }
     Number parent(Number entry) const noexcept { return nodes[entry].parent; }
@@ -68,13 +70,17 @@ public:
     const LDIF_Entry* object(Number entry) const noexcept;
     // The text of an entry that is no object.
     LDIF_EntryText text(Number entry) const noexcept;
+    // The lines of its attributes from the first of that name on; empty when it has none.
+    std::string_view linesFrom(Number entry, std::string_view name) const noexcept;
     // A copy.
     LDIF_Entry entry(Number number) const;
     LDIF_DN dn(Number number) const;
+    // The string form of its DN, or the empty text for one that cannot be printed.
+    std::string dnText(Number number) const;
 
     // The text of the whole tree and the lines after it as a file holds it, in pieces that live until the tree changes;
     // what is not text is printed to buffer. Throws LDIF_Exception for an entry that cannot be printed.
-    std::vector<std::string_view> pieces(const LDIF_Comment& after, std::string& buffer) const;
+    std::vector<std::string_view> pieces(const LDIF_Comment& after, std::string& buffer);
 
     // --- Changing ---
 
@@ -144,6 +150,7 @@ private:
     void link(Number entry, Number above) noexcept;
     void unlink(Number entry) noexcept;
     void indexAnew();
+    std::vector<std::string_view> gatherPieces(const LDIF_Comment& after, std::string& buffer) const;
     bool needsBlankLine() const noexcept;
 
     std::vector<Node> nodes;
@@ -153,9 +160,10 @@ private:
     LDIF_TextStore store;
     LDIF_HashIndex byDn;  // the entries but the root
     LDIF_HashIndex
-        missingLevels;           // DNs that no entry has, between an entry and its parent; perhaps more than there are
-    LDIF_DnKey key;              // of the entry at hand
-    std::vector<Number> merged;  // during a load: objects that more than one entry of the file has gone to
+        missingLevels;  // DNs that no entry has, between an entry and its parent; perhaps more than there are
+    LDIF_DnKey key;     // of the entry at hand
+    mutable LDIF_LineDirectory directory;
+    std::vector<Number> merged;          // during a load: objects that more than one entry of the file has gone to
     std::unique_ptr<LocaleCopy> locale;  // in which the texts are read
 };
 

@@ -61,10 +61,13 @@ LDIF_Values& LDIF_Values::operator=(const LDIF_Values& other)
 void LDIF_Values::appendTo(std::string& out) const
 {
     const std::string start = attrName + ": ";
-    const bool isHere = &syntaxOf(*attrType) != &syntax::foreign;  // then the text form stands in the value
+    const bool isAtHand = &syntaxOf(*attrType) != &syntax::foreign;
     for (const LDIF_Value& value : *this) {
         out += start;
-        isHere ? out += value.stringValue : out += value.str();
+        if (isAtHand)
+            out += value.stringValue;
+        else
+            out += value.str();
         out += '\n';
     }
 }

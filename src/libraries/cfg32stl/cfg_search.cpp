@@ -29,6 +29,13 @@ public:
     RecordBlock& operator=(const RecordBlock&) = delete;
     ~RecordBlock() { clear(); }
 
+    // Makes room for that many more bytes of texts.
+    void reserve(std::size_t bytes)
+    {
+        constexpr std::size_t usualText = 16;
+        texts.reserve(texts.size() + bytes);
+        records.reserve(records.size() + bytes / usualText);
+    }
     void clear() noexcept
     {
         if (hasSecret)
@@ -40,13 +47,14 @@ public:
     // A clear password, which leaves no other copy than that of the result.
     void addSecret(std::string_view text)
     {
-        hasSecret = true;
+        hasSecret = true;  // first, so that a growing text is wiped where it stood
         add(CFG_MSG_VALUE, text);
     }
     void add(int type, std::string_view text)
     {
         records.push_back({type, texts.size()});
-        reserveWiping(texts, texts.size() + text.size() + 1);
+        if (hasSecret)
+            reserveWiping(texts, texts.size() + text.size() + 1);
         texts.append(text).append(1, '\0');
     }
     // A value without a text.
@@ -111,8 +119,15 @@ public:
     }
 
 private:
+    struct Name {
+        std::string_view text;
+        bool isWanted = false;
+        const _AttrType* type = nullptr;
+    };
+
     void add(LDIF_Tree::Number entry)
     {
+        place = 0;
         const LDIF_Entry* const object = tree.object(entry);
         if (object == nullptr)
             return addText(tree.text(entry));
@@ -128,6 +143,7 @@ private:
 
     void addText(const LDIF_EntryText& entry)
     {
+        block.reserve(selection.empty() ? entry.text.size() : 0);
         block.add(CFG_MSG_ENTRY, entry.dn());
         bool isWanted = false;
         std::string_view name;
@@ -145,12 +161,25 @@ private:
     // Says whether it is wanted.
     bool addAttribute(std::string_view name)
     {
-        if (!selection.selects(name))
+        const Name& known = knownName(name);
+        if (!known.isWanted)
             return false;
         block.add(CFG_MSG_ATTRIBUTE, name);
-        type = getAttrType(std::string(name).c_str());
+        type = known.type;
         isPassword = isDecoding && &syntaxOf(*type) == &syntax::pw;
         return true;
+    }
+
+    // What is known of the next name; most entries have the names of the one before, in the same order.
+    const Name& knownName(std::string_view name)
+    {
+        constexpr std::size_t usualNames = 16;
+        if (place == names.size())
+            names.resize(place + usualNames);
+        Name& known = names[place++];
+        if (known.text != name)
+            known = {name, selection.selects(name), getAttrType(name)};
+        return known;
     }
 
     void addValue(std::string_view text, std::string_view name, std::string_view dn)
@@ -182,6 +211,8 @@ private:
     const LDIF_AttrFilter& selection;
     const bool isDecoding;
     RecordBlock block;
+    std::vector<Name> names;
+    std::size_t place = 0;            // of the next name
     const _AttrType* type = nullptr;  // of the attribute at hand
     bool isPassword = false;
 };
@@ -227,12 +258,13 @@ int cfg_search_s(CFG* cfg, const char* base, int scope, const char* filter, char
         *result = nullptr;
         LDIF_File& file = *cfg->file;
         file.refresh();
-        const LDIF_DN dn = dnOf(base);
+        LDIF_DnKey key;
+        key.parse(requireText(base));
         std::string filterText = requireText(filter);
         const Wiper wiper(filterText);
         const LDIF_Filter test(filterText);
         const LDIF_AttrFilter selection = selectionOf(attrs);
-        return buildChain(ChainBuilder(file, selection), file.findEntries(dn, scopeOf(scope), test), *result);
+        return buildChain(ChainBuilder(file, selection), file.findEntries(key, scopeOf(scope), test), *result);
     };
     return framed(*cfg, "System error in cfg_search_s()", run, SourcePos::here());
 }
