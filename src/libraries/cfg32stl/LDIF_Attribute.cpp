@@ -76,9 +76,9 @@ void LDIF_Attributes::appendTo(std::string& out) const
 bool LDIF_Attributes::isSorted() const
 {
     const std::size_t present = caseFolding();
-    if (*sortedUnder != present)
-        *sortedUnder = std::is_sorted(begin(), end()) ? present : 0;
-    return *sortedUnder == present;
+    if (sortedUnder != present)
+        sortedUnder = std::is_sorted(begin(), end()) ? present : 0;
+    return sortedUnder == present;
 }
 
 // The first attribute that does not sort before name. Names mostly come in ascending order, so the end comes first.
