@@ -2,7 +2,6 @@
 #ifndef LDIF_ATTRIBUTE_H
 #define LDIF_ATTRIBUTE_H
 
-#include "LDIF_Aid.h"
 #include "LDIF_Comment.h"
 #include "LDIF_Util.h"
 #include "LDIF_Values.h"
@@ -76,7 +75,7 @@ private:
     bool isSorted() const;
     iterator placeOf(const std::string& name);
 
-    mutable LDIF_Aid<std::size_t> sortedUnder;  // the folding of the locale; 0 where it is not known
+    mutable std::size_t sortedUnder = 0;  // the folding of the locale; 0 where it is not known
 };
 
 #endif

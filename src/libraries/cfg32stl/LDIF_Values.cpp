@@ -50,7 +50,7 @@ LDIF_Values& LDIF_Values::operator=(const LDIF_Values& other)
         return *this;
     wrapping("System error in LDIF_Values::operator =", fieldsOf(*this, other), [&] {
         clear();
-        index->reset();
+        index = LDIF_HashIndex();
         attrName = other.attrName;
         attrType = other.attrType;
         *this += other;
@@ -61,10 +61,13 @@ LDIF_Values& LDIF_Values::operator=(const LDIF_Values& other)
 void LDIF_Values::appendTo(std::string& out) const
 {
     const std::string start = attrName + ": ";
-    const bool isHere = &syntaxOf(*attrType) != &syntax::foreign;  // then the text form stands in the value
+    const bool isAtHand = &syntaxOf(*attrType) != &syntax::foreign;
     for (const LDIF_Value& value : *this) {
         out += start;
-        isHere ? out += value.stringValue : out += value.str();
+        if (isAtHand)
+            out += value.stringValue;
+        else
+            out += value.str();
         out += '\n';
     }
 }
@@ -122,8 +125,8 @@ LDIF_Values& LDIF_Values::operator-=(const std::string& text)
         const auto found = find(text) - data();
         if (static_cast<size_type>(found) == size())
             return;
-        if (*index != nullptr && static_cast<size_type>(found) < (*index)->positions.size())
-            (*index)->positions.erase(static_cast<size_type>(found));
+        if (static_cast<size_type>(found) < index.size())
+            index.erase(static_cast<size_type>(found));
         erase(begin() + found);
     });
     return *this;
@@ -155,7 +158,7 @@ void LDIF_Values::removeMarked(const std::vector<bool>& isGone) noexcept
 {
     if (std::find(isGone.begin(), isGone.end(), true) == isGone.end())
         return;
-    index->reset();
+    index = LDIF_HashIndex();
     size_type kept = 0;
     for (size_type at = 0; at < size(); ++at) {
         if (isGone[at])
@@ -184,29 +187,27 @@ const LDIF_Value* LDIF_Values::findEqual(const LDIF_Value& value) const
     const auto hash = size() >= longList && family.hash != nullptr ? family.hash(value) : std::nullopt;
     size_type start = 0;  // those before it are not equal
     if (hash.has_value()) {
-        const LDIF_HashIndex& positions = indexed(family);
-        const auto found = positions.find(*hash, [&](std::size_t at) { return (*this)[at].compare(value) == 0; });
+        updateIndex(family);
+        const auto found = index.find(*hash, [&](std::size_t at) { return (*this)[at].compare(value) == 0; });
         if (found != LDIF_HashIndex::npos)
             return data() + found;
-        start = positions.size();
+        start = index.size();
     }
     return std::find_if(data() + start, data() + size(),
                         [&](const LDIF_Value& each) { return each.compare(value) == 0; });
 }
 
-// The values from the front up to one that has no hash. Those that have come since the last call are taken in.
-const LDIF_HashIndex& LDIF_Values::indexed(const LDIF_Syntax& family) const
+// Takes in the values that have come since the last call, up to one that has no hash.
+void LDIF_Values::updateIndex(const LDIF_Syntax& family) const
 {
-    const std::size_t folding = family.foldsCase ? caseFolding() : 0;
-    if (*index == nullptr || (*index)->folding != folding)
-        *index = std::make_unique<Index>();
-    (*index)->folding = folding;
-    LDIF_HashIndex& positions = (*index)->positions;
-    while (positions.size() < size()) {
-        const auto hash = family.hash((*this)[positions.size()]);
+    const std::size_t present = family.foldsCase ? caseFolding() : 0;
+    if (folding != present)
+        index = LDIF_HashIndex();
+    folding = present;
+    while (index.size() < size()) {
+        const auto hash = family.hash((*this)[index.size()]);
         if (!hash.has_value())
             break;
-        positions.add(*hash, positions.size());
+        index.add(*hash, index.size());
     }
-    return positions;
 }

@@ -2,19 +2,18 @@
 #ifndef LDIF_VALUES_H
 #define LDIF_VALUES_H
 
-#include "LDIF_Aid.h"
 #include "LDIF_HashIndex.h"
 #include "LDIF_Util.h"
 #include "LDIF_Value.h"
 
-#include <memory>
 #include <string>
 #include <vector>
 
 struct LDIF_Syntax;
 
 // The values of one attribute in the order in which they came, no two equal under the attribute's syntax. Values go in
-// and out by the operators only. Where an operation refuses a text, it throws LDIF_Exception with attrType and value.
+// and out by the operators only. Where an operation refuses a text, it throws LDIF_Exception with attrType and value. A
+// list that has been moved from is good for assignment only.
 class LDIF_Values : public std::vector<LDIF_Value> {
 public:
     std::string attrName;       // as written
@@ -53,19 +52,14 @@ public:
     bool contains(const LDIF_Value& value) const { return findEqual(value) != data() + size(); }
 
 private:
-    // Finds a value of a long list by its hash.
-    struct Index {
-        LDIF_HashIndex positions;
-        std::size_t folding = 0;  // of the locale under which the hashes were made
-    };
-
     void addNew(LDIF_Value&& value);
     void takeOver(LDIF_Value&& value);
     void removeMarked(const std::vector<bool>& isGone) noexcept;
     const LDIF_Value* findEqual(const LDIF_Value& value) const;
-    const LDIF_HashIndex& indexed(const LDIF_Syntax& family) const;
+    void updateIndex(const LDIF_Syntax& family) const;
 
-    mutable LDIF_Aid<std::unique_ptr<Index>> index;
+    mutable LDIF_HashIndex index;     // of the first values of a long list, as many as it holds
+    mutable std::size_t folding = 0;  // of the locale under which their hashes were made
 };
 
 #endif
