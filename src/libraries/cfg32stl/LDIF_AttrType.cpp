@@ -1,6 +1,5 @@
 #include "LDIF_AttrType.h"
 
-#include "LDIF_AttrTable.h"
 #include "platform.h"
 
 #include <algorithm>
