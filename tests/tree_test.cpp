@@ -41,7 +41,7 @@ LDIF_Entry someEntry(const LDIF_DN& dn, int step)
 {
     LDIF_Entry entry(dn);
     entry += LDIF_Attribute("x", step % 50 == 0 ? "a\nline end" : std::to_string(step));
-    entry += LDIF_Attribute("y", std::string(step % 7 * 300, 'y'));
+    entry += LDIF_Attribute("y", std::string(static_cast<std::size_t>(step) % 7 * 300, 'y'));
     return entry;
 }
 

@@ -10,7 +10,6 @@
 #include <cstring>
 #include <cwchar>
 #include <cwctype>
-#include <locale.h>
 #include <new>
 
 namespace {

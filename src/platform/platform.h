@@ -157,6 +157,8 @@ public:
     explicit TextBuffer(std::size_t size);
     TextBuffer(TextBuffer&& other) noexcept : bytes(std::exchange(other.bytes, nullptr)), length(other.length) {}
     TextBuffer& operator=(TextBuffer&& other) noexcept;
+    TextBuffer(const TextBuffer&) = delete;
+    TextBuffer& operator=(const TextBuffer&) = delete;
     ~TextBuffer();
 
     char* data() const noexcept { return bytes; }

@@ -17,10 +17,10 @@ constexpr std::array<unsigned char, 256> kinds = [] {
         table[byte] = table[byte + ('a' - 'A')] = letter;
     for (unsigned char byte = '0'; byte <= '9'; ++byte)
         table[byte] = digit;
-    for (const unsigned char byte : {' ', '\t', '\n', '\v', '\f', '\r', '(', ')'})
-        table[byte] = edge;
-    for (const unsigned char byte : {',', '=', '+', '<', '>', '#', ';', '\\', '"'})
-        table[byte] = delimiter;
+    for (const char byte : {' ', '\t', '\n', '\v', '\f', '\r', '(', ')'})
+        table[static_cast<unsigned char>(byte)] = edge;
+    for (const char byte : {',', '=', '+', '<', '>', '#', ';', '\\', '"'})
+        table[static_cast<unsigned char>(byte)] = delimiter;
     table['-'] = hyphen;
     table['.'] = dot;
     return table;
@@ -121,12 +121,12 @@ bool simplifyDn(std::string_view text, std::string& out)
 }
 
 // Most DNs that are looked up are simple.
-void LDIF_DnKey::parse(const std::string& any)
+void LDIF_DnKey::parse(const std::string& anyForm)
 {
-    if (isPlain(any) && simplifyDn(any, printed))
+    if (isPlain(anyForm) && simplifyDn(anyForm, printed))
         assignSimple(printed);
     else
-        assign(LDIF_DN(cisString(any)));
+        assign(LDIF_DN(cisString(anyForm)));
 }
 
 void LDIF_DnKey::assign(std::string_view canonical)

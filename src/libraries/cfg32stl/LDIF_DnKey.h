@@ -25,7 +25,7 @@ bool simplifyDn(std::string_view text, std::string& out);
 class LDIF_DnKey {
 public:
     // Takes any string form. Throws LDIF_Exception (34) as LDIF_DN does.
-    void parse(const std::string& text);
+    void parse(const std::string& anyForm);
     // Takes the canonical string form, which it borrows.
     void assign(std::string_view canonical);
     // The same for that of a DN that is known to be simple.

@@ -143,24 +143,30 @@ void LDIF_EntryReader::begin(std::string_view text)
 // entry = *( comment / blank ) dn-line *( *comment attribute-line ) ( blank / end of the text )
 bool LDIF_EntryReader::readLines()
 {
-    for (;;) {
+    while (!rest.empty()) {
         const std::string_view before = rest;
         std::string_view line;
-        const bool atEnd = rest.empty();
-        if (!atEnd && !takePhysicalLine(line))
+        if (!takePhysicalLine(line))
             return false;
-        if (atEnd || (line.empty() && !dn.empty())) {
-            isExact = isExact && !atEnd;
-            return !dn.empty() && comment.empty();
-        }
-        if (line.empty() || line[0] == '#') {
+        if (line.empty() && !dn.empty())
+            return comment.empty();
+        if (line.empty() || line[0] == '#')
             comment = {comment.empty() ? before.data() : comment.data(), comment.size() + before.size() - rest.size()};
-            continue;
-        }
-        if (hasWideSpace || isSpace(line[0]) || (dn.empty() ? !takeDn(line) : !takeAttribute(line)))
+        else if (!takeLogicalLine(line))
             return false;
-        comment = {};
     }
+    isExact = false;
+    return !dn.empty() && comment.empty();
+}
+
+// False for a line that is left to the classes; so is one that continues the line before.
+bool LDIF_EntryReader::takeLogicalLine(std::string_view line)
+{
+    if (hasWideSpace || isSpace(line[0]))
+        return false;
+    const bool isTaken = dn.empty() ? takeDn(line) : takeAttribute(line);
+    comment = {};
+    return isTaken;
 }
 
 // False for a line that is left to the classes.
@@ -354,28 +360,23 @@ bool LDIF_EntryReader::checkValues()
 // False where only the classes can compare.
 bool LDIF_EntryReader::markRepeated(Values::iterator first, Values::iterator last)
 {
-    constexpr std::ptrdiff_t fewValues = 8;
     const LDIF_Syntax& syntax = *first->name->syntax;
     if (&syntax == &syntax::pw || (&syntax == &syntax::dn && hasOddDn))
         return false;
-    const auto isEqual = [&](const Value& left, const Value& right) {
-        return left.text.size() == right.text.size() &&
-               (syntax.foldsCase ? compareFolded(left.text, right.text) == 0 : left.text == right.text);
-    };
     LDIF_HashIndex known;
-    if (last - first > fewValues)
-        known.reserve(static_cast<std::size_t>(last - first));
+    known.reserve(static_cast<std::size_t>(last - first));
     for (auto value = first; value != last; ++value) {
-        if (last - first <= fewValues) {
-            value->isRepeated = std::any_of(first, value, [&](const Value& each) { return isEqual(each, *value); });
-        } else {
-            const std::size_t hash = syntax.foldsCase ? foldedHash(0, value->text) : exactHash(0, value->text);
-            const auto isSame = [&](std::size_t at) { return isEqual(first[static_cast<std::ptrdiff_t>(at)], *value); };
-            value->isRepeated = known.find(hash, isSame) != LDIF_HashIndex::npos;
-            if (!value->isRepeated)
-                known.add(hash, static_cast<std::size_t>(value - first));
-        }
-        isExact = isExact && !value->isRepeated;
+        const auto isSame = [&](std::size_t at) {
+            const std::string_view other = first[static_cast<std::ptrdiff_t>(at)].text;
+            return value->text.size() == other.size() &&
+                   (syntax.foldsCase ? compareFolded(value->text, other) == 0 : value->text == other);
+        };
+        const std::size_t hash = syntax.foldsCase ? foldedHash(0, value->text) : exactHash(0, value->text);
+        value->isRepeated = known.find(hash, isSame) != LDIF_HashIndex::npos;
+        if (value->isRepeated)
+            isExact = false;
+        else
+            known.add(hash, static_cast<std::size_t>(value - first));
     }
     return true;
 }

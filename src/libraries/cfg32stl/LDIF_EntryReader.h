@@ -63,6 +63,7 @@ private:
     bool readLines();
     bool takePhysicalLine(std::string_view& line);
     bool isReadable(std::string_view line);
+    bool takeLogicalLine(std::string_view line);
     bool takeDn(std::string_view line);
     bool takeAttribute(std::string_view line);
     bool takeName(std::string_view line);

@@ -47,7 +47,7 @@ void LDIF_TextStore::release(std::string_view text) noexcept
 
 bool LDIF_TextStore::isInFile(std::string_view text) const noexcept
 {
-    const std::less_equal<const char*> isUpTo;
+    const std::less_equal<> isUpTo;
     const char* const file = pieces.front().data();
     return isUpTo(file, text.data()) && isUpTo(text.data() + text.size(), file + size);
 }

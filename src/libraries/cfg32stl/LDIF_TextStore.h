@@ -14,9 +14,6 @@ public:
     LDIF_TextStore() = default;
     // Takes the text of a file over, which is that many bytes long.
     LDIF_TextStore(TextBuffer&& file, std::size_t fileSize);
-    LDIF_TextStore(LDIF_TextStore&& other) noexcept = default;
-    LDIF_TextStore& operator=(LDIF_TextStore&& other) noexcept = default;
-    ~LDIF_TextStore() = default;
 
     // The text of the file. What no entry has kept may be overwritten.
     char* file() noexcept { return pieces.empty() ? nullptr : pieces.front().data(); }
