@@ -1,5 +1,5 @@
 // The manual pages say what the library does: the table of attributes, and the codes with their texts.
-#include "LDIF_AttrTable.h"
+#include "LDIF_AttrType.h"
 #include "LDIF_Syntax.h"
 #include "support.h"
 #include "zebldapcfg.h"

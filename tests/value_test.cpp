@@ -1,5 +1,5 @@
 // The attribute types, the value syntaxes, values, lists of values, and the password codec.
-#include "LDIF_AttrTable.h"
+#include "LDIF_AttrType.h"
 #include "LDIF_Attribute.h"
 #include "LDIF_Exception.h"
 #include "LDIF_Syntax.h"

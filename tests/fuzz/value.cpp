@@ -1,5 +1,5 @@
 // Values of one attribute type: its number in a byte, then a value each line.
-#include "LDIF_AttrTable.h"
+#include "LDIF_AttrType.h"
 #include "LDIF_Syntax.h"
 #include "LDIF_Values.h"
 #include "fuzz.h"

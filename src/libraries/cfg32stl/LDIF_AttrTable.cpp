@@ -1,4 +1,5 @@
-#include "LDIF_AttrTable.h"
+// The table of attribute types.
+#include "LDIF_AttrType.h"
 
 #include "LDIF_Syntax.h"
 

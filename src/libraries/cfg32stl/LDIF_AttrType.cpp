@@ -1,6 +1,5 @@
 #include "LDIF_AttrType.h"
 
-#include "LDIF_AttrTable.h"
 #include "LDIF_HashIndex.h"
 #include "platform.h"
 

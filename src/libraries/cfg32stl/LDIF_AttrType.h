@@ -28,6 +28,10 @@ struct _AttrType {
     bool operator<(const _AttrType& other) const { return compare(other.name) < 0; }
 };
 
+// The table: the configuration schema of the server, compiled in. The named types in any order, then the default type,
+// whose name is null. Sorted where it lies, at the first look-up.
+extern _AttrType _attrMapArray[];
+
 // The type of that name, found without regard to case; for null, and for a name that is not known, the default type,
 // which takes any text. Never null, and the same pointer each time. Any number of threads may look up at once.
 const _AttrType* getAttrType(const char* name);

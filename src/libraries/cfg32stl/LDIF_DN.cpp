@@ -45,10 +45,9 @@ LDIF_DN& LDIF_DN::operator+=(const LDIF_RDN& rdn)
     return *this;
 }
 
-LDIF_DN::size_type LDIF_DN::commonLevels(const LDIF_DN& other, size_type start) const
+LDIF_DN::size_type LDIF_DN::commonLevels(const LDIF_DN& other) const
 {
-    const auto from = other.begin() + static_cast<difference_type>(std::min(start, other.size()));
-    return static_cast<size_type>(std::mismatch(begin(), end(), from, other.end()).first - begin());
+    return static_cast<size_type>(std::mismatch(begin(), end(), other.begin(), other.end()).first - begin());
 }
 
 // From the leaf's side: there the DNs of one tree differ.

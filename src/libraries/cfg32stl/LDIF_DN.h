@@ -41,8 +41,8 @@ public:
     virtual bool operator<=(const LDIF_DN& other) const { return compare(other) >= 0; }
     virtual bool operator>=(const LDIF_DN& other) const { return compare(other) <= 0; }
 
-    // How many leading RDNs equal those of other from index start on.
-    size_type commonLevels(const LDIF_DN& other, size_type start = 0) const;
+    // How many leading RDNs equal those of other.
+    size_type commonLevels(const LDIF_DN& other) const;
     // Whether the first levels RDNs of both are there and equal.
     bool startsEqual(const LDIF_DN& other, size_type levels) const;
     // Removes that many RDNs on the root's side; at most size().

@@ -35,20 +35,8 @@ int readContinuations(LDIF_TextSource& in, int lastLine, std::wstring& value)
 
 const char* wordFor(LDIF_Line::Type type)
 {
-    switch (type) {
-    case LDIF_Line::endOfFile:
-        return "endOfFile";
-    case LDIF_Line::blankLine:
-        return "blankLine";
-    case LDIF_Line::comment:
-        return "comment";
-    case LDIF_Line::dn:
-        return "dn";
-    case LDIF_Line::attribute:
-        return "attribute";
-    default:
-        return "UNKNOWN";
-    }
+    constexpr const char* words[] = {"endOfFile", "blankLine", "comment", "dn", "attribute"};
+    return type >= LDIF_Line::endOfFile && type <= LDIF_Line::attribute ? words[type] : "UNKNOWN";
 }
 
 }  // namespace

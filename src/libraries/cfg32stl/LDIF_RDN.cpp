@@ -29,12 +29,6 @@ Part takeFront(cisString& input)
     return part;
 }
 
-// The first byte of what is left.
-std::string nextByte(const LDIF_DnReader& reader)
-{
-    return reader.rest().substr(0, 1);
-}
-
 // Does body, and wraps what it throws: a system error shows the text that is being parsed.
 template <typename Text, typename Body>
 void parsing(const char* part, Text text, Body body, SourcePos pos = SourcePos::here())
@@ -58,16 +52,11 @@ std::string attributeExcerpt(const std::string& text)
     return text.substr(0, equals != std::string::npos ? equals : longest);
 }
 
-std::string narrowUnit(wchar_t unit)
-{
-    return wide2multibyte(std::wstring(1, unit));
-}
-
 // A backslash and two hex digits for each byte of the unit's narrow form.
 std::wstring escapedBytes(wchar_t unit)
 {
     std::string escaped;
-    for (const char byte : narrowUnit(unit))
+    for (const char byte : wide2multibyte(std::wstring(1, unit)))
         byte2hex(static_cast<unsigned char>(byte), escaped += '\\');
     return multibyte2wide(escaped);
 }
@@ -207,13 +196,8 @@ void LDIF_RDN_value::appendQuotedTo(std::string& out) const
     out.append("\"").append(wide2multibyte(written)).append("\"");
 }
 
-// Most values need no escape at all.
 void LDIF_RDN_value::appendPlainTo(std::string& out) const
 {
-    if (isPlain(*this) && find_first_of(special) == npos && front() > ' ' && back() > ' ') {
-        out += *this;
-        return;
-    }
     const std::wstring units = multibyte2wide(*this);
     const auto inner = std::find_if_not(units.begin(), units.end(), w_my_isspace);
     const auto tail = std::find_if_not(units.rbegin(), std::make_reverse_iterator(inner), w_my_isspace).base();
@@ -246,7 +230,7 @@ void LDIF_RDN_pair::read(LDIF_DnReader& reader)
     if (reader.atEnd())
         throw dnFailure(CFG_ERR_DN_NO_VALUE, "Missing RDN value: " + first.str());
     if (!reader.isAt(L'='))
-        throw dnFailure(CFG_ERR_DN_ATTRIBUTE, "Invalid character in RDN attribute: " + nextByte(reader));
+        throw dnFailure(CFG_ERR_DN_ATTRIBUTE, "Invalid character in RDN attribute: " + reader.rest().substr(0, 1));
     reader.advance();
     reader.skipEdges();
     second = LDIF_RDN_value(reader);
@@ -279,7 +263,7 @@ void LDIF_RDN::read(LDIF_DnReader& reader)
     emplace_back(reader);
     while (!reader.atEnd() && !reader.isAt(L',') && !reader.isAt(L';')) {
         if (!reader.isAt(L'+'))
-            throw dnFailure(CFG_ERR_DN_VALUE, "Invalid character in RDN value: " + nextByte(reader));
+            throw dnFailure(CFG_ERR_DN_VALUE, "Invalid character in RDN value: " + reader.rest().substr(0, 1));
         reader.advance();
         reader.skipEdges();
         emplace_back(reader);

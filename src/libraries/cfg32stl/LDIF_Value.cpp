@@ -22,23 +22,21 @@ try {
     return {};  // The value is reported without its text.
 }
 
-LDIF_Exception invalidValue(const char* text, const LDIF_Value& value, SourcePos pos = SourcePos::here())
-{
-    LDIF_Exception failure = internalFailure(text, pos);
-    failure.attrType = value.attrType;
-    if (value.attrType == nullptr)
-        return failure;
-    if (value.attrType->name != nullptr)
-        failure.attribute = value.attrType->name;
-    failure.value = reportable(value);
-    return failure;
-}
-
 void addAttribute(LDIF_Exception& failure, const _AttrType* type)
 {
     failure.attrType = type;
     if (type->name != nullptr)
         failure.attribute = type->name;
+}
+
+LDIF_Exception invalidValue(const char* text, const LDIF_Value& value, SourcePos pos = SourcePos::here())
+{
+    LDIF_Exception failure = internalFailure(text, pos);
+    if (value.attrType != nullptr) {
+        addAttribute(failure, value.attrType);
+        failure.value = reportable(value);
+    }
+    return failure;
 }
 
 std::unique_ptr<unsigned char[]> copyBlock(const LDIF_Value& value)

@@ -7,19 +7,33 @@
 
 namespace {
 
-void getFlag(bool flag, void* out)
-{
-    *static_cast<int*>(out) = flag ? 1 : 0;
-}
+// What an option stands for: a flag of the handle, one of the process, a name, or nothing.
+struct Option {
+    unsigned int flag;
+    bool* processFlag;
+    char** name;
+};
 
-void getName(const char* name, void* out)
+Option optionOf(CFG& cfg, int option)
 {
-    *static_cast<char**>(out) = name != nullptr ? _strdup(name) : nullptr;
-}
-
-void setFlag(unsigned int& flags, unsigned int flag, const void* value)
-{
-    flags = value != nullptr ? flags | flag : flags & ~flag;
+    switch (option) {
+    case CFG_OPT_STORED_FLAG_0:
+        return {flagStored0, nullptr, nullptr};
+    case CFG_OPT_STORED_FLAG_1:
+        return {flagStored1, nullptr, nullptr};
+    case CFG_OPT_DELETE_NON_LEAVES:
+        return {flagDeleteNonLeaves, nullptr, nullptr};
+    case CFG_OPT_SHOW_SOURCE:
+        return {0, &LDIF_Exception::showSource, nullptr};
+    case CFG_OPT_SHOW_STACK:
+        return {0, &LDIF_Exception::showStack, nullptr};
+    case CFG_OPT_CONFIG_FILE:
+        return {0, nullptr, &cfg.configFile};
+    case CFG_OPT_BACKUP_FILE:
+        return {0, nullptr, &cfg.backupFile};
+    default:
+        return {};
+    }
 }
 
 // The name is checked as a value of an attribute that holds file names.
@@ -47,31 +61,13 @@ int cfg_get_option(CFG* cfg, int option, void* out)
 {
     if (cfg == nullptr || out == nullptr)
         return CFG_PARAM_ERROR;
-    switch (option) {
-    case CFG_OPT_STORED_FLAG_0:
-        getFlag((cfg->flags & flagStored0) != 0, out);
-        break;
-    case CFG_OPT_STORED_FLAG_1:
-        getFlag((cfg->flags & flagStored1) != 0, out);
-        break;
-    case CFG_OPT_SHOW_SOURCE:
-        getFlag(LDIF_Exception::showSource, out);
-        break;
-    case CFG_OPT_SHOW_STACK:
-        getFlag(LDIF_Exception::showStack, out);
-        break;
-    case CFG_OPT_DELETE_NON_LEAVES:
-        getFlag((cfg->flags & flagDeleteNonLeaves) != 0, out);
-        break;
-    case CFG_OPT_CONFIG_FILE:
-        getName(cfg->configFile, out);
-        break;
-    case CFG_OPT_BACKUP_FILE:
-        getName(cfg->backupFile, out);
-        break;
-    default:
-        break;
-    }
+    const auto [flag, processFlag, name] = optionOf(*cfg, option);
+    if (flag != 0)
+        *static_cast<int*>(out) = (cfg->flags & flag) != 0 ? 1 : 0;
+    else if (processFlag != nullptr)
+        *static_cast<int*>(out) = *processFlag ? 1 : 0;
+    else if (name != nullptr)
+        *static_cast<char**>(out) = *name != nullptr ? _strdup(*name) : nullptr;
     return LDAP_SUCCESS;
 }
 
@@ -79,28 +75,11 @@ int cfg_set_option(CFG* cfg, int option, const void* value)
 {
     if (cfg == nullptr)
         return CFG_PARAM_ERROR;
-    switch (option) {
-    case CFG_OPT_STORED_FLAG_0:
-        setFlag(cfg->flags, flagStored0, value);
-        break;
-    case CFG_OPT_STORED_FLAG_1:
-        setFlag(cfg->flags, flagStored1, value);
-        break;
-    case CFG_OPT_SHOW_SOURCE:
-        LDIF_Exception::showSource = value != nullptr;
-        break;
-    case CFG_OPT_SHOW_STACK:
-        LDIF_Exception::showStack = value != nullptr;
-        break;
-    case CFG_OPT_DELETE_NON_LEAVES:
-        setFlag(cfg->flags, flagDeleteNonLeaves, value);
-        break;
-    case CFG_OPT_CONFIG_FILE:
-        return setName(cfg->configFile, value);
-    case CFG_OPT_BACKUP_FILE:
-        return setName(cfg->backupFile, value);
-    default:
-        break;
-    }
+    const auto [flag, processFlag, name] = optionOf(*cfg, option);
+    if (name != nullptr)
+        return setName(*name, value);
+    if (processFlag != nullptr)
+        *processFlag = value != nullptr;
+    cfg->flags = value != nullptr ? cfg->flags | flag : cfg->flags & ~flag;
     return LDAP_SUCCESS;
 }

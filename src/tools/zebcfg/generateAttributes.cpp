@@ -1,6 +1,6 @@
 // Writes the attribute types that the library knows as rows of the tool's own table, so that the tool itself sees the
 // public header only.
-#include "LDIF_AttrTable.h"
+#include "LDIF_AttrType.h"
 #include "LDIF_Syntax.h"
 
 #include <fstream>
