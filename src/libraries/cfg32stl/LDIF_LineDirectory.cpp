@@ -36,6 +36,13 @@ std::string_view LDIF_LineDirectory::find(std::uint32_t entry, std::string_view 
     return attributes.substr(*place);
 }
 
+std::size_t LDIF_LineDirectory::guess(std::uint32_t entry) const noexcept
+{
+    if (entry >= starts.size() || starts[entry] == 0 || lines[starts[entry] - 1] <= likely)
+        return 0;
+    return lines[starts[entry] + likely];
+}
+
 // False for an entry that is too large.
 bool LDIF_LineDirectory::learn(std::uint32_t entry, std::string_view attributes) noexcept
 try {

@@ -14,6 +14,8 @@ public:
     // The lines of an entry from the first of that name on; empty when it has none. attributes are all its lines, and
     // the same at each call until the entry is forgotten. A search asks for one name, entry by entry.
     std::string_view find(std::uint32_t entry, std::string_view attributes, std::string_view name) noexcept;
+    // Where the line probably begins that find will give for an entry.
+    std::size_t guess(std::uint32_t entry) const noexcept;
     // The entry has changed or gone.
     void forget(std::uint32_t entry) noexcept;
     void clear() noexcept { *this = LDIF_LineDirectory(); }
