@@ -1,8 +1,8 @@
 #include "Application.h"
 
-#include "CommandLine.h"
-#include "Failure.h"
-#include "Signals.h"
+#include "base/Failure.h"
+#include "cli/CommandLine.h"
+#include "terminal/Signals.h"
 
 #include <clocale>
 #include <cstdlib>

@@ -1,4 +1,4 @@
-#include "LdifInput.h"
+#include "update/LdifInput.h"
 
 int runAdd(const Call& call)
 {

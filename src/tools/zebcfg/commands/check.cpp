@@ -1,7 +1,7 @@
-#include "Check.h"
-#include "Call.h"
-#include "Json.h"
-#include "LiveFile.h"
+#include "check/Check.h"
+#include "cli/Call.h"
+#include "files/LiveFile.h"
+#include "formats/Json.h"
 
 #include <algorithm>
 #include <iostream>

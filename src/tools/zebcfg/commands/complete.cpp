@@ -1,9 +1,9 @@
 // What a shell asks when the user wants a word completed: zebcfg __complete WORD... gives the words that the last one
 // may become, one a line. Failures give none.
-#include "Attributes.h"
-#include "Failure.h"
-#include "Outline.h"
-#include "Reading.h"
+#include "base/Attributes.h"
+#include "base/Failure.h"
+#include "library/Outline.h"
+#include "update/Reading.h"
 
 #include <algorithm>
 #include <iostream>

@@ -1,4 +1,4 @@
-#include "Update.h"
+#include "update/Update.h"
 
 int runDelete(const Call& call)
 {

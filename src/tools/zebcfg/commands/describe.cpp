@@ -1,7 +1,7 @@
-#include "Attributes.h"
-#include "Call.h"
-#include "Failure.h"
-#include "Json.h"
+#include "base/Attributes.h"
+#include "base/Failure.h"
+#include "cli/Call.h"
+#include "formats/Json.h"
 
 #include <iomanip>
 #include <iostream>

@@ -1,11 +1,11 @@
-#include "Check.h"
-#include "Diff.h"
-#include "Dn.h"
-#include "Editor.h"
-#include "Failure.h"
-#include "Question.h"
-#include "Section.h"
-#include "Update.h"
+#include "base/Failure.h"
+#include "check/Check.h"
+#include "check/Section.h"
+#include "formats/Diff.h"
+#include "library/Dn.h"
+#include "terminal/Editor.h"
+#include "terminal/Question.h"
+#include "update/Update.h"
 
 #include <iostream>
 

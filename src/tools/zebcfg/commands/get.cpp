@@ -1,7 +1,7 @@
-#include "Attributes.h"
-#include "Failure.h"
-#include "Json.h"
-#include "Reading.h"
+#include "base/Attributes.h"
+#include "base/Failure.h"
+#include "formats/Json.h"
+#include "update/Reading.h"
 
 #include <iostream>
 

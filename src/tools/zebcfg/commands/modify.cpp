@@ -1,4 +1,4 @@
-#include "LdifInput.h"
+#include "update/LdifInput.h"
 
 int runModify(const Call& call)
 {

@@ -1,7 +1,7 @@
-#include "Attributes.h"
-#include "Failure.h"
-#include "Password.h"
-#include "Update.h"
+#include "base/Attributes.h"
+#include "base/Failure.h"
+#include "terminal/Password.h"
+#include "update/Update.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
-#include "Check.h"
-#include "Failure.h"
-#include "Update.h"
+#include "base/Failure.h"
+#include "check/Check.h"
+#include "update/Update.h"
 
 #include <iostream>
 

@@ -1,8 +1,8 @@
-#include "Failure.h"
-#include "Filter.h"
-#include "Json.h"
-#include "Ldif.h"
-#include "Reading.h"
+#include "base/Failure.h"
+#include "base/Filter.h"
+#include "formats/Json.h"
+#include "formats/Ldif.h"
+#include "update/Reading.h"
 
 #include <algorithm>
 #include <charconv>

@@ -1,6 +1,6 @@
-#include "Assignment.h"
-#include "Failure.h"
-#include "Update.h"
+#include "base/Failure.h"
+#include "cli/Assignment.h"
+#include "update/Update.h"
 
 int runSet(const Call& call)
 {

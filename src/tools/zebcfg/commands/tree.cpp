@@ -1,8 +1,8 @@
-#include "Dn.h"
-#include "Failure.h"
-#include "Json.h"
-#include "Outline.h"
-#include "Reading.h"
+#include "base/Failure.h"
+#include "formats/Json.h"
+#include "library/Dn.h"
+#include "library/Outline.h"
+#include "update/Reading.h"
 
 #include <iostream>
 #include <string_view>

@@ -1,5 +1,5 @@
-#include "Assignment.h"
-#include "Update.h"
+#include "cli/Assignment.h"
+#include "update/Update.h"
 
 int runUnset(const Call& call)
 {
