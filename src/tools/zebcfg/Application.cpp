@@ -1,6 +1,7 @@
 #include "Application.h"
 
 #include "base/Failure.h"
+#include "base/Masking.h"
 #include "cli/CommandLine.h"
 #include "terminal/Signals.h"
 
@@ -35,9 +36,9 @@ void occupyStandardStreams()
         ::close(file);
 }
 
-int runCommand(int argc, char** argv, Telling& telling)
+int runCommand(int argc, char** argv, Messages& messages)
 {
-    const Call call = readCommandLine(argc, argv, telling);
+    const Call call = readCommandLine(argc, argv, messages);
     showPasswords(call.has("show-passwords"));
     const int status = call.command() != nullptr ? call.command()->run(call) : 0;
     if (!std::cout.flush())
@@ -52,15 +53,15 @@ int runApplication(int argc, char** argv)
     occupyStandardStreams();
     useUtf8InPlainLocale();
     handleSignals();
-    Telling telling;
+    Messages messages;
     Failure failure;
     try {
-        return runCommand(argc, argv, telling);
+        return runCommand(argc, argv, messages);
     } catch (const Failure& caught) {
         failure = caught;
     } catch (const std::exception& caught) {
         failure = Failure(0, caught.what());
     }
-    report(failure, telling);
+    messages.report(failure);
     return failure.exitStatus();
 }

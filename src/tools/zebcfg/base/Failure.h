@@ -32,15 +32,4 @@ struct Failure : std::exception {
 // Failure with the text of errno behind the message.
 Failure systemFailure(int resultCode, const std::string& message, const std::string& shownFile = {});
 
-// Passwords are shown as this, unless showPasswords(true) has been called.
-constexpr char passwordMask[] = "********";
-void showPasswords(bool areShown);
-bool arePasswordsShown();
-// The value as output and messages show it.
-std::string shownValue(const std::string& attribute, const std::string& value);
-// The same for a line of the file, also where its colon is missing, or a filter.
-std::string shownLine(const std::string& line);
-// The text with each occurrence of a word replaced. An empty word changes nothing.
-std::string replaced(std::string text, const std::string& word, const std::string& replacement);
-
 #endif

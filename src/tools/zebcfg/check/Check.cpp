@@ -2,9 +2,10 @@
 
 #include "base/Attributes.h"
 #include "base/Failure.h"
+#include "base/Masking.h"
 #include "check/LoadableText.h"
 #include "files/LiveFile.h"
-#include "files/PrivateFile.h"
+#include "files/MemoryFile.h"
 #include "formats/ConfigText.h"
 #include "library/Dn.h"
 #include "library/Session.h"
@@ -20,6 +21,7 @@
 namespace {
 
 constexpr char configurationDn[] = "cn=Configuration";
+constexpr char loginAdvice[] = "add it: without it nobody can log in";
 
 std::string allowedFor(const std::string& name)
 {
@@ -30,10 +32,14 @@ std::string allowedFor(const std::string& name)
 Finding findingOf(const Failure& failure, int line, const std::string& advice)
 {
     if (isSameName(failure.attribute, invalidLine))
-        return {Severity::error, line, failure.value + ": is refused in the head", failure.code, failure.extended,
-                advice,          {}};
+        return Finding(Severity::error, line, failure.value + ": is refused in the head")
+            .coded(failure.code, failure.extended)
+            .advise(advice);
     const std::string text = failure.attribute.empty() ? failure.text : failure.attribute + ": " + failure.text;
-    return {Severity::error, line, text, failure.code, failure.extended, advice, failure.attribute};
+    return Finding(Severity::error, line, text)
+        .coded(failure.code, failure.extended)
+        .advise(advice)
+        .about(failure.attribute);
 }
 
 std::string adviceFor(const Failure& failure)
@@ -99,13 +105,18 @@ private:
                 moved.insert({entry.dn, trimmedValue(value)});
         for (const ConfigLine& line : lines) {
             if (isSameName(line.name, invalidLine))
-                findings.push_back(
-                    {Severity::warning, line.first, "a line that was refused: " + shownValue(invalidLine, line.value),
-                     LDAP_INVALID_SYNTAX, 0, "put it right, and drop " + std::string(invalidLine) + ": in front of it",
-                     invalidLine});
+                findings.push_back(quarantineOf(line));
             else if (moved.count({dnOfEntry[line.entry], trimmedValue(line.name + ": " + line.value)}) != 0)
                 findings.push_back(refusalOf(line));
         }
+    }
+
+    static Finding quarantineOf(const ConfigLine& line)
+    {
+        return Finding(Severity::warning, line.first, "a line that was refused: " + shownValue(invalidLine, line.value))
+            .coded(LDAP_INVALID_SYNTAX)
+            .advise("put it right, and drop " + std::string(invalidLine) + ": in front of it")
+            .about(invalidLine);
     }
 
     // Asks the library once more, for the reason.
@@ -121,7 +132,7 @@ private:
         }
         const std::string reason = line.hasColon ? line.name + ": the value is refused beside those before it"
                                                  : "the line has no name and colon";
-        return {Severity::error, line.first, reason, LDAP_INVALID_SYNTAX, 0, next, {}};
+        return Finding(Severity::error, line.first, reason).coded(LDAP_INVALID_SYNTAX).advise(next);
     }
 
     // Values that differ; 0 where a password among them cannot be decoded, which is a finding of its own.
@@ -141,10 +152,11 @@ private:
             if (numbers.size() < 2 || type == nullptr || !type->isSingle)
                 continue;
             if (countOf(key.first, key.second) > 1)
-                findings.push_back({Severity::warning, numbers[1], type->name + ": it is meant to have one value",
-                                    LDAP_CONSTRAINT_VIOLATION, CFG_ERR_SINGLE_VALUED,
-                                    "the first one is on line " + std::to_string(numbers[0]) + "; take one out",
-                                    type->name});
+                findings.push_back(
+                    Finding(Severity::warning, numbers[1], type->name + ": it is meant to have one value")
+                        .coded(LDAP_CONSTRAINT_VIOLATION, CFG_ERR_SINGLE_VALUED)
+                        .advise("the first one is on line " + std::to_string(numbers[0]) + "; take one out")
+                        .about(type->name));
         }
     }
 
@@ -169,9 +181,11 @@ private:
         for (const ConfigLine& line : lines) {
             const std::string hint = line.isDn || !line.hasColon ? "" : attributeHint(line.name);
             if (!hint.empty() && !isSameName(line.name, invalidLine))
-                findings.push_back({Severity::note, line.first,
-                                    line.name + ": the server knows no such attribute" + hint, LDAP_UNDEFINED_TYPE, 0,
-                                    "its value is not checked", line.name});
+                findings.push_back(
+                    Finding(Severity::note, line.first, line.name + ": the server knows no such attribute" + hint)
+                        .coded(LDAP_UNDEFINED_TYPE)
+                        .advise("its value is not checked")
+                        .about(line.name));
         }
     }
 
@@ -182,19 +196,20 @@ private:
         });
         if (line == lines.end() || session.search(configurationDn, LDAP_SCOPE_BASE, "", {"objectclass"}).empty()) {
             const bool isThere = line != lines.end();
-            findings.push_back({Severity::warning,
-                                isThere ? line->first : 0,
-                                isThere ? "cn=Configuration has no objectclass" : "there is no entry cn=Configuration",
-                                LDAP_NO_SUCH_OBJECT,
-                                0,
-                                "add it: without it nobody can log in",
-                                {}});
+            findings.push_back(
+                Finding(Severity::warning, isThere ? line->first : 0,
+                        isThere ? "cn=Configuration has no objectclass" : "there is no entry cn=Configuration")
+                    .coded(LDAP_NO_SUCH_OBJECT)
+                    .advise(loginAdvice));
             return;
         }
         for (const char* const name : {"zeb-slapdAdminDN", "zeb-slapdAdminPW"}) {
             if (session.search(configurationDn, LDAP_SCOPE_BASE, std::string(name) + "=*", {"objectclass"}).empty())
-                findings.push_back({Severity::warning, line->first, std::string(name) + ": cn=Configuration has none",
-                                    LDAP_NO_SUCH_ATTRIBUTE, 0, "add it: without it nobody can log in", name});
+                findings.push_back(
+                    Finding(Severity::warning, line->first, std::string(name) + ": cn=Configuration has none")
+                        .coded(LDAP_NO_SUCH_ATTRIBUTE)
+                        .advise(loginAdvice)
+                        .about(name));
         }
     }
 
@@ -202,13 +217,8 @@ private:
     {
         session.flush();
         if (readFile(copy.name(), shownName) != text)
-            findings.push_back({Severity::note,
-                                0,
-                                "the first write changes the form of this file",
-                                0,
-                                0,
-                                "zebcfg -n set with any change shows how",
-                                {}});
+            findings.push_back(Finding(Severity::note, 0, "the first write changes the form of this file")
+                                   .advise("zebcfg -n set with any change shows how"));
     }
 
     const std::string& text;
@@ -237,37 +247,9 @@ std::vector<Finding> checkFile(const LiveFile& file, const std::string& backupNa
     std::vector<Finding> findings;
     const std::string damage = file.damage(backupName);
     if (!damage.empty())
-        findings.push_back({Severity::error, 0, damage, CFG_CONNECT_ERROR, 0, {}, {}});
+        findings.push_back(Finding(Severity::error, 0, damage).coded(CFG_CONNECT_ERROR));
     if ((file.status().st_mode & S_IROTH) != 0)
-        findings.push_back({Severity::note,
-                            0,
-                            "every user may read this file, which holds passwords",
-                            0,
-                            0,
-                            "chmod o-r keeps others out",
-                            {}});
+        findings.push_back(Finding(Severity::note, 0, "every user may read this file, which holds passwords")
+                               .advise("chmod o-r keeps others out"));
     return findings;
-}
-
-bool hasErrors(const std::vector<Finding>& findings)
-{
-    return std::any_of(findings.begin(), findings.end(),
-                       [](const Finding& finding) { return finding.severity == Severity::error; });
-}
-
-const char* nameOf(Severity severity)
-{
-    constexpr const char* names[] = {"note", "warning", "error"};
-    return names[static_cast<int>(severity)];
-}
-
-std::string toLine(const Finding& finding, const std::string& shownName)
-{
-    Failure codes(finding.code, "");
-    codes.extended = finding.extended;
-    std::string line = shownName + (finding.line > 0 ? ':' + std::to_string(finding.line) : "") + ": " +
-                       nameOf(finding.severity) + ": " + finding.text;
-    if (finding.code != 0)
-        line += " (" + codes.codes() + ')';
-    return finding.advice.empty() ? line : line + "; " + finding.advice;
 }

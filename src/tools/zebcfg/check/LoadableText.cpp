@@ -1,6 +1,6 @@
 #include "check/LoadableText.h"
 
-#include "files/PrivateFile.h"
+#include "files/MemoryFile.h"
 #include "library/Session.h"
 
 #include <algorithm>

@@ -16,18 +16,11 @@ std::vector<Change> changesOf(const Call& call, int operation, NeedsValue needsV
         auto change = std::find_if(changes.begin(), changes.end(),
                                    [&](const Change& known) { return isSameName(known.attribute.name, name); });
         if (change == changes.end()) {
-            hintAtName(call, name);
+            call.messages().hintAtName(name);
             change = changes.insert(change, Change{operation, {name, {}}});
         }
         if (equals != std::string::npos)
             change->attribute.values.push_back(word->substr(equals + 1));
     }
     return changes;
-}
-
-void hintAtName(const Call& call, const std::string& name)
-{
-    const std::string hint = attributeHint(name);
-    if (!hint.empty())
-        call.say(name + " is no attribute that the server knows" + hint);
 }

@@ -1,22 +1,14 @@
 #include "cli/Call.h"
 
-#include "formats/Json.h"
+#include "base/Failure.h"
+#include "files/Input.h"
 #include "terminal/Password.h"
 
 #include <cstdlib>
-#include <iostream>
 #include <utility>
 
 #include <unistd.h>
-
-void report(const Failure& failure, const Telling& telling)
-{
-    std::cout.flush();
-    if (telling.isJson)
-        std::cerr << toJson(failure, telling.isVerbose) << '\n';
-    else
-        std::cerr << "zebcfg: " << failure.line() << '\n' << (telling.isVerbose ? failure.dump : "");
-}
+#include <zebldapcfg.h>
 
 Call::Call(const Command* chosen, std::map<std::string, std::vector<std::string>> given,
            std::vector<std::string> operandsGiven)
@@ -44,7 +36,8 @@ std::string Call::fileName() const
 {
     if (has("config"))
         return value("config");
-    if (const char* const name = getDefaultConfigFilename())
+    const std::string name = defaultFileName();
+    if (!name.empty())
         return name;
     Failure failure(CFG_CONNECT_ERROR,
                     "no configuration file is named with -F, and there is no default: the install "
@@ -60,26 +53,28 @@ std::string Call::backupName() const
     return has("backup") ? value("backup") : fileName() + ".bak";
 }
 
-const std::optional<Login>& Call::login() const
+Target Call::target() const
 {
-    if (isLoginKnown)
-        return loginOnce;
-    isLoginKnown = true;
+    return {fileName(), backupName(), login(), has("dry-run"), hasColor(STDOUT_FILENO), messages()};
+}
+
+std::optional<Login> Call::login() const
+{
     const int sources = int{has("password")} + int{has("ask-password")} + int{has("password-file")};
     if (sources > 1)
         throw Failure(0, "of -w, -W and -y only one can be used");
     if (has("bind-dn") != (sources == 1))
         throw Failure(0, has("bind-dn") ? "-D needs a password: -W, -y or -w" : "a password needs a login: -D");
     if (!has("bind-dn"))
-        return loginOnce;
+        return std::nullopt;
     if (has("password"))
-        warn("the password of -w can be seen by others on this machine; use -W or -y");
+        messages().warn("the password of -w can be seen by others on this machine; use -W or -y");
     std::string password = value("password");
     if (has("ask-password"))
         password = askPassword("Password for " + value("bind-dn") + ": ");
     else if (has("password-file"))
         password = readPasswordFile(value("password-file"));
-    return loginOnce = Login{value("bind-dn"), password};
+    return Login{value("bind-dn"), password};
 }
 
 bool Call::hasColor(int descriptor) const
@@ -91,16 +86,4 @@ bool Call::hasColor(int descriptor) const
     const char* const terminal = std::getenv("TERM");
     return (no == nullptr || *no == '\0') && ::isatty(descriptor) == 1 && terminal != nullptr &&
            std::string(terminal) != "dumb";
-}
-
-void Call::say(const std::string& text) const
-{
-    if (!isQuiet())
-        warn(text);
-}
-
-void Call::warn(const std::string& text) const
-{
-    std::cout.flush();
-    std::cerr << (isJson() ? noteToJson(text) : "zebcfg: " + text) << '\n';
 }

@@ -2,22 +2,14 @@
 #ifndef ZEBCFG_CALL_H
 #define ZEBCFG_CALL_H
 
-#include "base/Failure.h"
 #include "cli/Command.h"
-#include "library/Session.h"
+#include "formats/Messages.h"
+#include "update/Target.h"
 
 #include <map>
 #include <optional>
 #include <string>
 #include <vector>
-
-// How failures and notes are written to standard error.
-struct Telling {
-    bool isJson = false;
-    bool isVerbose = false;
-};
-
-void report(const Failure& failure, const Telling& telling);
 
 class Call {
 public:
@@ -38,26 +30,20 @@ public:
     std::string fileName() const;
     // Empty for no backup.
     std::string backupName() const;
-    // Asks or reads the password at the first time. Throws Failure.
-    const std::optional<Login>& login() const;
-    bool isDryRun() const { return has("dry-run"); }
-    bool isVerbose() const { return has("verbose"); }
+    // The file with what the options say of it. Asks for the login's password, or reads it. Throws Failure.
+    Target target() const;
     bool isQuiet() const { return has("quiet"); }
     bool isJson() const { return has("json"); }
     // Whether what goes to a terminal, standard output for one, is to be coloured.
     bool hasColor(int descriptor) const;
-
-    Telling telling() const { return {isJson(), isVerbose()}; }
-    // One note on standard error; say() keeps still under --quiet.
-    void say(const std::string& text) const;
-    void warn(const std::string& text) const;
+    Messages messages() const { return {isJson(), has("verbose"), isQuiet()}; }
 
 private:
+    std::optional<Login> login() const;
+
     const Command* chosenCommand;
     std::map<std::string, std::vector<std::string>> options;
     std::vector<std::string> words;
-    mutable std::optional<Login> loginOnce;
-    mutable bool isLoginKnown = false;
 };
 
 #endif

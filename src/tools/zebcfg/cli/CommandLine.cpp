@@ -61,8 +61,8 @@ public:
         }
     }
 
-    // telling is set also when the line is refused, by the options up to the fault.
-    Call parse(int argc, char** argv, Telling& telling)
+    // messages is set also when the line is refused, by the options up to the fault.
+    Call parse(int argc, char** argv, Messages& messages)
     {
         char** const end = argv + argc;
         char** const mark = std::find_if(argv, end, [](const char* word) { return std::strcmp(word, "--") == 0; });
@@ -74,7 +74,7 @@ public:
         }
         // What stands behind the mark are operands, whatever they look like.
         words.insert(words.end(), mark == end ? end : mark + 1, end);
-        telling = {isGiven("json"), isGiven("verbose")};
+        messages = {isGiven("json"), isGiven("verbose"), isGiven("quiet")};
         if (!fault.empty())
             throw Failure(0, fault + "; see zebcfg --help");
         const auto chosen = app.get_subcommands();
@@ -213,11 +213,11 @@ private:
 
 }  // namespace
 
-Call readCommandLine(int argc, char** argv, Telling& telling)
+Call readCommandLine(int argc, char** argv, Messages& messages)
 {
     // The words behind the hidden command are another command line, and no options of this one.
     const Command* const hidden = argc > 1 ? findCommand(argv[1]) : nullptr;
     if (hidden != nullptr && isHidden(*hidden))
         return {hidden, {}, std::vector<std::string>(argv + 2, argv + argc)};
-    return Parser().parse(argc, argv, telling);
+    return Parser().parse(argc, argv, messages);
 }

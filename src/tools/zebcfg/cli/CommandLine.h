@@ -4,8 +4,8 @@
 
 #include "cli/Call.h"
 
-// Throws Failure for a line that is not understood; telling says how that is reported. A call without a command has
+// Throws Failure for a line that is not understood; messages says how that is reported. A call without a command has
 // written help or version itself.
-Call readCommandLine(int argc, char** argv, Telling& telling);
+Call readCommandLine(int argc, char** argv, Messages& messages);
 
 #endif

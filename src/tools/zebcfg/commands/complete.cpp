@@ -2,8 +2,11 @@
 // may become, one a line. Failures give none.
 #include "base/Attributes.h"
 #include "base/Failure.h"
+#include "cli/Call.h"
+#include "files/LiveFile.h"
+#include "files/MemoryFile.h"
 #include "library/Outline.h"
-#include "update/Reading.h"
+#include "library/Session.h"
 
 #include <algorithm>
 #include <iostream>
@@ -79,8 +82,7 @@ Line understand(const std::vector<std::string>& words, std::vector<Option>& opti
 
 std::vector<std::string> dnsOf(const std::string& file)
 {
-    const char* const defaultName = getDefaultConfigFilename();
-    const std::string name = !file.empty() || defaultName == nullptr ? file : defaultName;
+    const std::string name = file.empty() ? defaultFileName() : file;
     const MemoryFile copy(LiveFile(name).text());
     const Session session(copy.name(), name);
     std::vector<std::string> dns;

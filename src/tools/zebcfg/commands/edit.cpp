@@ -1,6 +1,8 @@
 #include "base/Failure.h"
 #include "check/Check.h"
 #include "check/Section.h"
+#include "cli/Call.h"
+#include "files/WorkFolder.h"
 #include "formats/Diff.h"
 #include "library/Dn.h"
 #include "terminal/Editor.h"
@@ -38,9 +40,11 @@ bool isAccepted(const std::string& text, const std::string& shownName)
 std::string editedText(const Call& call, const LiveFile& file)
 {
     const Section section(file.text(), call.operands().empty() ? "" : DnSpeller()(call.operand(0)));
-    Editor editor("zebslapd.conf");
+    WorkFolder folder("zebslapd.conf");
     for (std::string part = section.part();;) {
-        part = editor.edit(part);
+        folder.write(part);
+        runEditor(folder.file());
+        part = folder.read();
         std::string text = section.with(part);
         if (text.empty() && !file.text().empty())
             throw Failure(0, "the text is empty, and nothing is changed", file.shownName());
@@ -55,8 +59,9 @@ std::string editedText(const Call& call, const LiveFile& file)
 
 int runEdit(const Call& call)
 {
-    replaceText(call, [&](const LiveFile& file) {
-        requireLogin(call, file.text(), file.shownName());
+    const Target target = call.target();
+    replaceText(target, [&](const LiveFile& file) {
+        requireLogin(target, file.text(), file.shownName());
         return editedText(call, file);
     });
     return 0;

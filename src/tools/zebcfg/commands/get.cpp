@@ -1,5 +1,7 @@
 #include "base/Attributes.h"
 #include "base/Failure.h"
+#include "base/Masking.h"
+#include "cli/Call.h"
 #include "formats/Json.h"
 #include "update/Reading.h"
 
@@ -7,7 +9,7 @@
 
 int runGet(const Call& call)
 {
-    Reading reading(call);
+    Reading reading(call.target());
     const std::string& name = call.operands()[1];
     std::vector<std::string> values = reading.session().values(call.operands()[0], name);
     if (values.empty()) {
@@ -18,9 +20,11 @@ int runGet(const Call& call)
     }
     for (std::string& value : values)
         value = shownValue(name, value);
-    if (call.isJson())
+    if (call.isJson()) {
         std::cout << toJson(values) << '\n';
-    for (const std::string& value : call.isJson() ? std::vector<std::string>() : values)
+        return 0;
+    }
+    for (const std::string& value : values)
         std::cout << value << '\n';
     return 0;
 }

@@ -1,5 +1,7 @@
 #include "base/Failure.h"
 #include "base/Filter.h"
+#include "base/Masking.h"
+#include "cli/Call.h"
 #include "formats/Json.h"
 #include "formats/Ldif.h"
 #include "update/Reading.h"
@@ -73,7 +75,7 @@ int runSearch(const Call& call)
 {
     const Request request(call.operands());
     const int scope = scopeOf(call.value("scope", "sub"));
-    Reading reading(call);
+    Reading reading(call.target());
     const auto names = request.wants("*") ? std::vector<std::string>() : request.names;
     auto entries = reading.session().search(call.value("base"), scope, request.filter, names);
     for (Entry& entry : entries) {

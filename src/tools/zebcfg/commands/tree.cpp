@@ -1,5 +1,5 @@
 #include "base/Failure.h"
-#include "formats/Json.h"
+#include "cli/Call.h"
 #include "library/Dn.h"
 #include "library/Outline.h"
 #include "update/Reading.h"
@@ -23,7 +23,7 @@ Lines linesFor(const Call& call)
 
 int runTree(const Call& call)
 {
-    Reading reading(call);
+    Reading reading(call.target());
     std::vector<Node> nodes = outlineOf(reading.session());
     if (!call.operands().empty()) {
         const std::string dn = DnSpeller()(call.operands().front());

@@ -1,17 +1,9 @@
 #include "files/LiveFile.h"
 
 #include "base/Failure.h"
-#include "terminal/Signals.h"
+#include "files/Descriptor.h"
+#include "files/FileName.h"
 
-#include <cerrno>
-#include <chrono>
-#include <cstdlib>
-#include <iostream>
-#include <memory>
-#include <thread>
-
-#include <fcntl.h>
-#include <sys/file.h>
 #include <unistd.h>
 #include <zebldapcfg.h>
 
@@ -39,12 +31,6 @@ bool endsWhole(const std::string& text)
 }
 
 }  // namespace
-
-std::string resolvedName(const std::string& name)
-{
-    const std::unique_ptr<char, decltype(&std::free)> path(::realpath(name.c_str(), nullptr), &std::free);
-    return path != nullptr ? path.get() : name;
-}
 
 LiveFile::LiveFile(const std::string& name) : shown(name), resolved(resolvedName(name))
 {
@@ -88,77 +74,4 @@ void LiveFile::requireUsable(const std::string& backupName) const
     const std::string found = damage(backupName);
     if (!found.empty())
         throw Failure(CFG_CONNECT_ERROR, found, shown);
-}
-
-FileLock::FileLock(const std::string& path) : name(path + ".lock")
-{
-    using namespace std::chrono_literals;
-    constexpr auto pause = 20ms;
-    const auto begin = std::chrono::steady_clock::now();
-    for (bool isTold = false; !tryLock();) {
-        const auto waited = std::chrono::steady_clock::now() - begin;
-        if (waited > 60s)
-            throw Failure(LDAP_BUSY, "another zebcfg is updating the file (it holds " + name + "); try again later");
-        if (waited > 1s && !isTold)
-            std::cerr << "zebcfg: waiting for another zebcfg, which holds " << name << '\n';
-        isTold = waited > 1s;
-        std::this_thread::sleep_for(pause);
-    }
-}
-
-// The holder removes the name before it lets go, so a lock counts only while the name stands for the file locked.
-bool FileLock::tryLock()
-{
-    const BlockedSignals blocked;
-    file = ::open(name.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
-    if (file < 0)
-        throw systemFailure(LDAP_INSUFFICIENT_ACCESS, "cannot make the lock file " + name);
-    struct stat own = {};
-    struct stat there = {};
-    if (::flock(file, LOCK_EX | LOCK_NB) == 0 && ::fstat(file, &own) == 0 && ::stat(name.c_str(), &there) == 0 &&
-        isSameFile(own, there)) {
-        removeOnSignals(name);
-        return true;
-    }
-    ::close(file);
-    return false;
-}
-
-FileLock::~FileLock()
-{
-    const BlockedSignals blocked;
-    (void)::unlink(name.c_str());
-    keepOnSignals(name);
-    ::close(file);
-}
-
-Replacement::Replacement(const std::string& name, std::string backupName)
-    : lock(resolvedName(name)), file(name), backup(std::move(backupName)),
-      working(siblingOf(file.path()), {file.path(), file.status()})
-{
-    if (!backup.empty() && resolvedName(backup) == file.path())
-        throw Failure(0, "the backup has the name of the file itself", file.shownName());
-    working.write(file.text());
-}
-
-void Replacement::install()
-{
-    working.makeLaterThan(file.status());
-    working.sync();
-    if (!file.isCurrent())
-        throw Failure(LDAP_BUSY, "another program has changed the file in the meantime; try again", file.shownName());
-    if (!backup.empty())
-        keepBackup();
-    working.moveTo(file.path());
-    syncDirectoryOf(file.path());
-}
-
-// A copy, for a link would be changed together with the file by programs that write in place.
-void Replacement::keepBackup()
-{
-    PrivateFile kept(siblingOf(backup), {file.path(), file.status()});
-    kept.write(file.text());
-    kept.sync();
-    kept.moveTo(backup);
-    syncDirectoryOf(backup);
 }

@@ -1,25 +1,12 @@
-// Files of the tool's own: a named one beside the configuration file, which is to take its place, and one in memory.
+// A file of the tool's own beside another, whose place it is to take.
 #ifndef ZEBCFG_PRIVATEFILE_H
 #define ZEBCFG_PRIVATEFILE_H
+
+#include "files/Descriptor.h"
 
 #include <string>
 
 #include <sys/stat.h>
-
-// Closes a file at the end.
-class Descriptor {
-public:
-    explicit Descriptor(int descriptor) noexcept : number(descriptor) {}
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor();
-    int get() const noexcept { return number; }
-    void close() noexcept;
-    bool isOpen() const noexcept { return number >= 0; }
-
-private:
-    int number;  // negative when it is closed
-};
 
 // A file that others are made like: its name, and its status.
 struct Model {
@@ -54,30 +41,5 @@ private:
     Descriptor file;
     bool isMoved = false;
 };
-
-// A file without a place in a directory, which is gone with its last descriptor.
-class MemoryFile {
-public:
-    explicit MemoryFile(const std::string& text);
-    // A name under which this process can open it.
-    std::string name() const;
-
-private:
-    const Descriptor file;
-};
-
-// Opens a file for reading without a trace in its access time, where that is allowed; negative with the reason in
-// errno.
-int openForReading(const std::string& name) noexcept;
-// What is left to read, or the content of a regular file. They throw Failure.
-std::string readAll(int file, const std::string& shownName);
-std::string readFile(const std::string& name, const std::string& shownName);
-// Replaces the content of a file in place. Only for private files. Throws Failure.
-void overwriteFile(const std::string& name, const std::string& text);
-// Makes what happened in the directory of a file last.
-void syncDirectoryOf(const std::string& name);
-std::string directoryOf(const std::string& name);  // with its slash; empty for a plain name
-// A name in the same directory for what is to take the place of name.
-std::string siblingOf(const std::string& name);
 
 #endif

@@ -5,8 +5,6 @@
 #include <string>
 #include <vector>
 
-struct Failure;
-
 // A dn or attribute line with those that continue it. Comments and blank lines are left out.
 struct ConfigLine {
     int first = 0;  // of its lines, counted from 1
@@ -20,8 +18,5 @@ struct ConfigLine {
 
 std::vector<ConfigLine> linesOf(const std::string& text);
 std::string trimmedValue(const std::string& value);
-
-// Adds the place in the file to a failure that has an attribute and an entry, and the name of the file to any.
-void addPlace(Failure& failure, const std::string& text, const std::string& shownName);
 
 #endif

@@ -1,6 +1,6 @@
 #include "formats/Diff.h"
 
-#include "base/Failure.h"
+#include "base/Masking.h"
 
 #include <sstream>
 #include <vector>

@@ -9,8 +9,6 @@
 
 struct AttributeType;
 struct Failure;
-struct Finding;
-struct Node;
 
 std::string toJson(const Failure& failure, bool withDump);
 std::string noteToJson(const std::string& text);
@@ -19,8 +17,5 @@ std::string diffToJson(const std::string& diff);
 std::string toJson(const std::vector<Entry>& entries);
 std::string toJson(const std::vector<std::string>& values);
 std::string toJson(const std::vector<AttributeType>& types);
-std::string toJson(const std::vector<Finding>& findings, const std::string& shownName);
-// The trees, each node with its children.
-std::string toJson(const std::vector<Node>& nodes);
 
 #endif

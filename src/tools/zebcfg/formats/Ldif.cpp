@@ -2,6 +2,7 @@
 
 #include "base/Attributes.h"
 #include "base/Failure.h"
+#include "base/Masking.h"
 
 #include <algorithm>
 #include <cctype>
@@ -77,9 +78,11 @@ std::string toLdif(const Entry& entry, bool namesOnly, std::size_t wrap)
     std::string text;
     appendLine(text, LDIF_PUT_VALUE, "dn", entry.dn, wrap);
     for (const Attribute& attribute : entry.attributes) {
-        if (namesOnly)
+        if (namesOnly) {
             appendLine(text, LDIF_PUT_NOVALUE, attribute.name, "", wrap);
-        for (const std::string& value : namesOnly ? std::vector<std::string>() : attribute.values)
+            continue;
+        }
+        for (const std::string& value : attribute.values)
             appendLine(text, LDIF_PUT_VALUE, attribute.name, shownValue(attribute.name, value), wrap);
     }
     return text + '\n';

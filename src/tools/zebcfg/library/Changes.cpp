@@ -2,7 +2,8 @@
 
 #include "base/Attributes.h"
 #include "base/Failure.h"
-#include "files/PrivateFile.h"
+#include "base/Masking.h"
+#include "files/Descriptor.h"
 
 #include <langinfo.h>
 

@@ -2,7 +2,7 @@
 #ifndef ZEBCFG_DN_H
 #define ZEBCFG_DN_H
 
-#include "files/PrivateFile.h"
+#include "files/MemoryFile.h"
 #include "library/Session.h"
 
 #include <string>

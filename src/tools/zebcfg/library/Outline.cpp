@@ -1,6 +1,7 @@
 #include "library/Outline.h"
 
 #include "base/Attributes.h"
+#include "formats/JsonObject.h"
 #include "library/Session.h"
 
 #include <algorithm>
@@ -52,6 +53,16 @@ struct Pieces {
 };
 constexpr Pieces asciiPieces = {"+-- ", "`-- ", "|   ", "    "};
 constexpr Pieces utf8Pieces = {"├── ", "└── ", "│   ", "    "};
+
+// The node at place, which moves behind the last one below it.
+JsonObject treeOf(const std::vector<Node>& nodes, std::size_t& place)
+{
+    const Node& node = nodes[place++];
+    JsonObject children = JsonObject::array();
+    while (place < nodes.size() && nodes[place].depth > node.depth)
+        children.push_back(treeOf(nodes, place));
+    return {{"dn", node.dn}, {"children", children}};
+}
 
 }  // namespace
 
@@ -105,4 +116,12 @@ std::string draw(const std::vector<Node>& nodes, Lines lines)
         continues.push_back(!isLast);
     }
     return drawing;
+}
+
+std::string toJson(const std::vector<Node>& nodes)
+{
+    JsonObject list = JsonObject::array();
+    for (std::size_t place = 0; place < nodes.size();)
+        list.push_back(treeOf(nodes, place));
+    return textOf(list, 2);
 }

@@ -20,5 +20,7 @@ std::vector<Node> below(const std::vector<Node>& nodes, const std::string& dn);
 
 enum class Lines { ascii, utf8 };
 std::string draw(const std::vector<Node>& nodes, Lines lines);
+// As JSON: the trees, each node with its children.
+std::string toJson(const std::vector<Node>& nodes);
 
 #endif

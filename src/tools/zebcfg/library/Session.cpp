@@ -2,6 +2,8 @@
 
 #include "base/Attributes.h"
 #include "base/Failure.h"
+#include "base/Masking.h"
+#include "base/Text.h"
 
 #include <algorithm>
 #include <cctype>
@@ -256,6 +258,11 @@ void Session::erase(const std::string& dn, bool withChildren)
 void Session::flush()
 {
     require(cfg_flush_s(cfg.get()));
+}
+
+std::string defaultFileName()
+{
+    return textOf(getDefaultConfigFilename());
 }
 
 std::string Session::outline() const

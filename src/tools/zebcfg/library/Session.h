@@ -56,6 +56,9 @@ private:
     std::string shownName;
 };
 
+// The configuration file of the installation; empty when there is none.
+std::string defaultFileName();
+
 // Whether the code stands for text that the locale cannot convert.
 bool isTextFailure(int code);
 

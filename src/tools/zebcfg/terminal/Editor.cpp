@@ -1,18 +1,14 @@
 #include "terminal/Editor.h"
 
 #include "base/Failure.h"
-#include "files/PrivateFile.h"
-#include "terminal/Signals.h"
 
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
 #include <sstream>
 #include <vector>
 
-#include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -64,8 +60,11 @@ pid_t start(std::vector<char*>& words)
     return error == 0 ? child : -1;
 }
 
-void run(const std::string& editor, std::string file)
+}  // namespace
+
+void runEditor(std::string file)
 {
+    const std::string editor = editorName();
     std::vector<std::string> words;
     std::istringstream in(editor);
     for (std::string word; in >> word;)
@@ -86,35 +85,4 @@ void run(const std::string& editor, std::string file)
     }
     if (!WIFEXITED(status) || WEXITSTATUS(status) != 0)
         throw Failure(0, "the editor " + editor + " has failed, and nothing is changed");
-}
-
-}  // namespace
-
-Editor::Editor(const std::string& name)
-{
-    std::string pattern = (std::filesystem::temp_directory_path() / "zebcfg-XXXXXX").string();
-    if (::mkdtemp(pattern.data()) == nullptr)
-        throw systemFailure(0, "cannot make a directory for the editor");
-    directory = pattern;
-    file = directory + '/' + name;
-    removeOnSignals(file);
-}
-
-Editor::~Editor()
-{
-    std::error_code ignored;
-    std::filesystem::remove_all(directory, ignored);
-    keepOnSignals(file);
-}
-
-std::string Editor::edit(const std::string& text)
-{
-    {
-        const Descriptor made(::open(file.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
-        if (!made.isOpen())
-            throw systemFailure(0, "cannot make a file for the editor");
-    }
-    overwriteFile(file, text);
-    run(editorName(), file);
-    return readFile(file, file);
 }

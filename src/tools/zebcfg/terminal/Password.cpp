@@ -1,7 +1,6 @@
 #include "terminal/Password.h"
 
 #include "base/Failure.h"
-#include "files/PrivateFile.h"
 
 #include <cerrno>
 
@@ -17,8 +16,10 @@ constexpr char interruptKey = '\3';
 // process, so that the echo comes back.
 class SilentTerminal {
 public:
-    explicit SilentTerminal(int descriptor) : terminal(descriptor)
+    SilentTerminal() : terminal(::open("/dev/tty", O_RDWR | O_CLOEXEC))
     {
+        if (terminal < 0)
+            throw Failure(0, "there is no terminal to ask for a password; use -y FILE");
         (void)::tcgetattr(terminal, &before);
         struct termios silent = before;
         silent.c_lflag &= ~static_cast<tcflag_t>(ECHO | ISIG);
@@ -28,7 +29,12 @@ public:
     }
     SilentTerminal(const SilentTerminal&) = delete;
     SilentTerminal& operator=(const SilentTerminal&) = delete;
-    ~SilentTerminal() { (void)::tcsetattr(terminal, TCSAFLUSH, &before); }
+    ~SilentTerminal()
+    {
+        (void)::tcsetattr(terminal, TCSAFLUSH, &before);
+        ::close(terminal);
+    }
+    int get() const noexcept { return terminal; }
 
 private:
     const int terminal;
@@ -39,10 +45,7 @@ private:
 
 std::string askPassword(const std::string& prompt)
 {
-    const Descriptor terminal(::open("/dev/tty", O_RDWR | O_CLOEXEC));
-    if (!terminal.isOpen())
-        throw Failure(0, "there is no terminal to ask for a password; use -y FILE");
-    const SilentTerminal silence(terminal.get());
+    const SilentTerminal terminal;
     if (::write(terminal.get(), prompt.data(), prompt.size()) < 0)
         throw systemFailure(0, "cannot ask for a password");
     std::string password;
@@ -57,12 +60,4 @@ std::string askPassword(const std::string& prompt)
             throw Failure(0, "no password was given");
         password += character;
     }
-}
-
-std::string readPasswordFile(const std::string& name)
-{
-    std::string text = readFile(name, name);
-    if (!text.empty() && text.back() == '\n')
-        text.pop_back();
-    return text;
 }

@@ -1,12 +1,10 @@
-// Passwords out of a terminal or a file. Both throw Failure.
+// Passwords typed by the user.
 #ifndef ZEBCFG_PASSWORD_H
 #define ZEBCFG_PASSWORD_H
 
 #include <string>
 
-// Asks on the terminal of the process, without echo.
+// Asks on the terminal of the process, without echo. Throws Failure.
 std::string askPassword(const std::string& prompt);
-// The content of a file without one line end behind it.
-std::string readPasswordFile(const std::string& name);
 
 #endif

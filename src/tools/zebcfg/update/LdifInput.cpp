@@ -1,44 +1,31 @@
 #include "update/LdifInput.h"
 
 #include "base/Failure.h"
-#include "cli/Assignment.h"
-#include "files/PrivateFile.h"
-#include "formats/ConfigText.h"
+#include "files/Descriptor.h"
+#include "files/FileName.h"
+#include "files/Input.h"
 #include "update/Update.h"
 
-#include <iostream>
-#include <iterator>
 #include <optional>
 
 #include <fcntl.h>
 
 namespace {
 
-constexpr char standardInput[] = "standard input";
-
-std::string readInput(const std::string& name)
-{
-    if (name != "-")
-        return readFile(name, name);
-    return {std::istreambuf_iterator<char>(std::cin), {}};
-}
-
 // Reads and applies records up to the end.
 class Run {
 public:
-    Run(const Call& wanted, LdifRecord::Type recordType)
-        : call(wanted), type(recordType),
-          shownName(call.value("file", "-") == "-" ? standardInput : call.value("file")),
-          reader(readInput(call.value("file", "-")), shownName)
+    Run(const Messages& how, const LdifInput& what)
+        : messages(how), input(what), shownName(shownInput(what.file)), reader(readInput(what.file), shownName)
     {}
 
     void apply(Changes& changes)
     {
         for (LdifRecord record; readRecord(record);) {
             for (const Change& change : record.changes)
-                hintAtName(call, change.attribute.name);
+                messages.hintAtName(change.attribute.name);
             try {
-                changes.apply(record, !call.has("no-parent-check"));
+                changes.apply(record, input.needsParent);
             } catch (Failure& failure) {
                 failure.file = shownName;
                 failure.fileLine = record.line;
@@ -56,7 +43,7 @@ private:
     {
         for (;;) {
             try {
-                return reader.next(record, type);
+                return reader.next(record, input.type);
             } catch (Failure& failure) {
                 skip(failure, reader.record());
             }
@@ -66,28 +53,27 @@ private:
     // Goes on only where that is wanted.
     void skip(Failure& failure, const std::string& text)
     {
-        if (!call.has("continue"))
+        if (!input.goesOn)
             throw Failure(failure);
-        report(failure, call.telling());
+        messages.report(failure);
         skippedText += "# " + failure.line() + '\n' + text + '\n';
         if (!firstFailure)
             firstFailure = failure;
     }
 
-    const Call& call;
-    const LdifRecord::Type type;
+    const Messages& messages;
+    const LdifInput& input;
     const std::string shownName;
     LdifReader reader;
     std::optional<Failure> firstFailure;
     std::string skippedText;
 };
 
-// Makes the file for the records that are left out, which may hold passwords: what cannot be written is told before the
-// configuration is changed.
-void makeSkippedFile(const Call& call)
+// Makes the file for the records that are left out, which may hold passwords: what cannot be written is reported before
+// the configuration is changed.
+void makeSkippedFile(const std::string& name, const std::string& configuration)
 {
-    const std::string name = call.value("skipped");
-    if (resolvedName(name) == resolvedName(call.fileName()))
+    if (resolvedName(name) == resolvedName(configuration))
         throw Failure(0, "the records that are left out cannot go into the configuration file", name);
     const Descriptor made(::open(name.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
     if (!made.isOpen())
@@ -96,13 +82,14 @@ void makeSkippedFile(const Call& call)
 
 }  // namespace
 
-int applyLdif(const Call& call, LdifRecord::Type type)
+int applyLdif(const Target& target, const LdifInput& input)
 {
-    Run run(call, type);
-    if (call.has("skipped"))
-        makeSkippedFile(call);
-    update(call, [&](Changes& changes) { run.apply(changes); });
-    if (call.has("skipped"))
-        overwriteFile(call.value("skipped"), run.skipped());
+    Run run(target.messages, input);
+    const bool keepsSkipped = !input.skippedFile.empty();
+    if (keepsSkipped)
+        makeSkippedFile(input.skippedFile, target.file);
+    update(target, [&](Changes& changes) { run.apply(changes); });
+    if (keepsSkipped)
+        overwriteFile(input.skippedFile, run.skipped());
     return run.exitStatus();
 }

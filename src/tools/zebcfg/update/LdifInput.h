@@ -1,13 +1,22 @@
-// Commands whose changes come as LDIF.
+// Changes that come as LDIF.
 #ifndef ZEBCFG_LDIFINPUT_H
 #define ZEBCFG_LDIFINPUT_H
 
-#include "cli/Call.h"
 #include "formats/Ldif.h"
+#include "update/Target.h"
 
-// Applies the records of the file of --file, or of standard input, as one update. A record without a changetype is
-// taken for type. With --continue those that fail are told and left out, and --skipped keeps them in a file. Gives the
-// exit status; throws Failure.
-int applyLdif(const Call& call, LdifRecord::Type type);
+#include <string>
+
+// Where the records come from, and how they are taken.
+struct LdifInput {
+    std::string file = "-";                   // "-" for standard input
+    LdifRecord::Type type = LdifRecord::add;  // of a record without a changetype
+    bool needsParent = true;                  // an entry to add
+    bool goesOn = false;                      // records that fail are reported and left out
+    std::string skippedFile;                  // where those go; empty for nowhere
+};
+
+// Applies the records as one update. Gives the exit status: that of the first record left out. Throws Failure.
+int applyLdif(const Target& target, const LdifInput& input);
 
 #endif

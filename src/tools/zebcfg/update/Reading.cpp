@@ -2,15 +2,15 @@
 
 namespace {
 
-LiveFile usableFile(const Call& call)
+LiveFile usableFile(const Target& target)
 {
-    LiveFile file(call.fileName());
-    file.requireUsable(call.backupName());
+    LiveFile file(target.file);
+    file.requireUsable(target.backup);
     return file;
 }
 
 }  // namespace
 
-Reading::Reading(const Call& call)
-    : file(usableFile(call)), copy(file.text()), opened(copy.name(), file.shownName(), call.login())
+Reading::Reading(const Target& target)
+    : file(usableFile(target)), copy(file.text()), opened(copy.name(), file.shownName(), target.login)
 {}

@@ -3,15 +3,15 @@
 #ifndef ZEBCFG_READING_H
 #define ZEBCFG_READING_H
 
-#include "cli/Call.h"
 #include "files/LiveFile.h"
-#include "files/PrivateFile.h"
+#include "files/MemoryFile.h"
 #include "library/Session.h"
+#include "update/Target.h"
 
 class Reading {
 public:
-    // Loads and logs in as the call says. Throws Failure.
-    explicit Reading(const Call& call);
+    // Loads and logs in. Throws Failure.
+    explicit Reading(const Target& target);
 
     const LiveFile& live() const noexcept { return file; }
     Session& session() noexcept { return opened; }
