@@ -4,6 +4,7 @@
 #include "files/Input.h"
 #include "terminal/Password.h"
 
+#include <charconv>
 #include <cstdlib>
 #include <utility>
 
@@ -55,7 +56,8 @@ std::string Call::backupName() const
 
 Target Call::target() const
 {
-    return {fileName(), backupName(), login(), has("dry-run"), hasColor(STDOUT_FILENO), messages()};
+    return {fileName(), backupName(), login(), has("dry-run"), has("force"), hasColor(STDOUT_FILENO),
+            wait(),     messages()};
 }
 
 std::optional<Login> Call::login() const
@@ -75,6 +77,17 @@ std::optional<Login> Call::login() const
     else if (has("password-file"))
         password = readPasswordFile(value("password-file"));
     return Login{value("bind-dn"), password};
+}
+
+std::chrono::seconds Call::wait() const
+{
+    const std::string text = value("wait", "60");
+    int count = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, count);
+    if (error != std::errc() || stop != end || count < 0)
+        throw Failure(0, "--wait takes a whole number of seconds");
+    return std::chrono::seconds(count);
 }
 
 bool Call::hasColor(int descriptor) const

@@ -6,6 +6,7 @@
 #include "formats/Messages.h"
 #include "update/Target.h"
 
+#include <chrono>
 #include <map>
 #include <optional>
 #include <string>
@@ -40,6 +41,7 @@ public:
 
 private:
     std::optional<Login> login() const;
+    std::chrono::seconds wait() const;
 
     const Command* chosenCommand;
     std::map<std::string, std::vector<std::string>> options;

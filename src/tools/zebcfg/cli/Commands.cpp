@@ -6,13 +6,15 @@ const std::vector<Option>& globalOptions()
 {
     static const std::vector<Option> options = {
         {"-F,--config", "FILE", "the configuration file", Kind::file},
-        {"-B,--backup", "FILE", "where the old file goes (default: the file's name with .bak behind it)", Kind::file},
+        {"-B,--backup", "FILE", "where the old file goes (default: FILE.bak)", Kind::file},
         {"--no-backup", nullptr, "keep no backup"},
         {"-D,--bind-dn", "DN", "log in as the administrator DN", Kind::dn},
         {"-w,--password", "PASSWORD", "the login's password; others can see it on the command line"},
         {"-W,--ask-password", nullptr, "ask for the login's password"},
         {"-y,--password-file", "FILE", "read the login's password from a file", Kind::file},
         {"-n,--dry-run", nullptr, "check the change, show it as a diff, and change nothing"},
+        {"--force", nullptr, "make a change that is refused only for what it may break"},
+        {"--wait", "SECONDS", "wait so long for another update of the file (default: 60)"},
         {"-v,--verbose", nullptr, "tell more; behind a failure, the library's report"},
         {"-q,--quiet", nullptr, "tell only failures"},
         {"-j,--json", nullptr, "write JSON"},

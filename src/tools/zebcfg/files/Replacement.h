@@ -2,18 +2,28 @@
 #ifndef ZEBCFG_REPLACEMENT_H
 #define ZEBCFG_REPLACEMENT_H
 
+#include "files/Backup.h"
 #include "files/FileLock.h"
 #include "files/LiveFile.h"
 #include "files/PrivateFile.h"
 
+#include <chrono>
+#include <functional>
 #include <string>
 
-// Lock, private copy, and one rename. Without install() the old file stands, and
-// nothing is left beside it.
+// What the user wants of it.
+struct Handling {
+    std::string backup;         // where the old file goes; empty for nowhere
+    std::chrono::seconds wait;  // for another holder of the lock
+    bool isForced;              // replaces a file that has other names
+    std::function<void(const std::string& text)> note;
+};
+
+// Lock, private copy, and one rename. Without install() the old file stands, and nothing is left beside it.
 class Replacement {
 public:
-    // backupName: where the old file goes, or empty. Throws Failure.
-    Replacement(const std::string& name, std::string backupName);
+    // Throws Failure.
+    Replacement(const std::string& name, const Handling& wanted);
 
     const LiveFile& live() const noexcept { return file; }
     // The private copy, which the library may work on. It lies in the directory of the file.
@@ -23,15 +33,18 @@ public:
     void install();
 
 private:
-    void keepBackup();
-
+    const Handling handling;
     const FileLock lock;
     const LiveFile file;
-    const std::string backup;
+    Backup backup;
     PrivateFile working;
 };
 
+// Throws Failure for a file whose other names would keep the old text, unless that is forced, and for a backup name
+// that is neither free nor that of another regular file.
+void requireReplaceable(const LiveFile& file, const Handling& handling);
+
 // Puts a copy of another file, with its owner and mode, where there is none. Throws Failure.
-void createLike(const LiveFile& model, const std::string& name);
+void createLike(const LiveFile& model, const std::string& name, const Handling& handling);
 
 #endif

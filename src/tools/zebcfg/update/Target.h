@@ -5,6 +5,7 @@
 #include "formats/Messages.h"
 #include "library/Session.h"
 
+#include <chrono>
 #include <optional>
 #include <string>
 
@@ -13,7 +14,9 @@ struct Target {
     std::string backup;  // where the old file goes; empty for nowhere
     std::optional<Login> login;
     bool isDryRun = false;
-    bool hasColor = false;  // for diffs on standard output
+    bool isForced = false;
+    bool hasColor = false;      // for diffs on standard output
+    std::chrono::seconds wait;  // for another update
     Messages messages;
 };
 

@@ -108,5 +108,5 @@ void putInPlace(const Target& target, const LiveFile& other)
 {
     if (target.isDryRun)
         return showDiff(target, "", other.text(), target.file);
-    createLike(other, target.file);
+    createLike(other, target.file, handlingOf(target));
 }

@@ -3,7 +3,6 @@
 #include "base/Failure.h"
 #include "files/Descriptor.h"
 #include "files/MemoryFile.h"
-#include "files/Replacement.h"
 #include "formats/Diff.h"
 #include "formats/Json.h"
 
@@ -14,7 +13,7 @@ namespace {
 // A private copy beside the file, which takes its place.
 class Installation : public Workplace {
 public:
-    explicit Installation(const Target& wanted) : target(wanted), replacement(wanted.file, wanted.backup) {}
+    explicit Installation(const Target& wanted) : target(wanted), replacement(wanted.file, handlingOf(wanted)) {}
 
     const LiveFile& file() const override { return replacement.live(); }
     std::string name() const override { return replacement.copy().openName(); }
@@ -42,7 +41,10 @@ private:
 // A copy in memory, which nothing becomes of but a diff.
 class Rehearsal : public Workplace {
 public:
-    explicit Rehearsal(const Target& wanted) : target(wanted), live(wanted.file), copy(live.text()) {}
+    explicit Rehearsal(const Target& wanted) : target(wanted), live(wanted.file), copy(live.text())
+    {
+        requireReplaceable(live, handlingOf(wanted));
+    }
 
     const LiveFile& file() const override { return live; }
     std::string name() const override { return copy.name(); }
@@ -56,6 +58,12 @@ private:
 };
 
 }  // namespace
+
+Handling handlingOf(const Target& target)
+{
+    return {target.backup, target.wait, target.isForced,
+            [messages = target.messages](const std::string& text) { messages.warn(text); }};
+}
 
 std::unique_ptr<Workplace> openWorkplace(const Target& target)
 {

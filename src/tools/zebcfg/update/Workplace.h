@@ -3,6 +3,7 @@
 #define ZEBCFG_WORKPLACE_H
 
 #include "files/LiveFile.h"
+#include "files/Replacement.h"
 #include "update/Target.h"
 
 #include <memory>
@@ -26,6 +27,8 @@ public:
 
 // Beside the file; under --dry-run in memory. Throws Failure.
 std::unique_ptr<Workplace> openWorkplace(const Target& target);
+
+Handling handlingOf(const Target& target);
 
 // Writes what changes to standard output. Throws Failure when it cannot be written.
 void showDiff(const Target& target, const std::string& before, const std::string& after, const std::string& shownName);
