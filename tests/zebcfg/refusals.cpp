@@ -22,7 +22,7 @@ bool isRefused(const char* name)
     const bool kills = std::strncmp(wanted, "kill:", 5) == 0;
     if (!kills && std::string_view(wanted, static_cast<std::size_t>(colon - wanted)) != name)
         return false;
-    static int left = std::atoi(colon + 1);
+    static long left = std::strtol(colon + 1, nullptr, 10);
     if (--left != 0)
         return false;
     if (kills)
@@ -41,6 +41,7 @@ int call(const char* name, Arguments... arguments)
 
 }  // namespace
 
+// NOLINTBEGIN(readability-inconsistent-declaration-parameter-name): the headers of the C library have reserved names.
 extern "C" {
 int rename(const char* from, const char* to) noexcept
 {
@@ -79,3 +80,4 @@ int futimens(int file, const struct timespec* times) noexcept
     return call("futimens", file, times);
 }
 }
+// NOLINTEND(readability-inconsistent-declaration-parameter-name)

@@ -27,10 +27,15 @@ inline bool operator==(const Entry& left, const Entry& right)
     return left.dn == right.dn && left.attributes == right.attributes;
 }
 
-// One change of one attribute. A delete without values takes the whole attribute away.
+// One change of one attribute. A delete without values removes the whole attribute.
 struct Change {
     int operation;  // LDAP_MOD_ADD, LDAP_MOD_DELETE or LDAP_MOD_REPLACE
     Attribute attribute;
+    int line = 0;                      // of the input that it came with; 0 for none
+    std::vector<int> valueLines = {};  // one for each value, or none
 };
+
+// The line of the input with that value, or where the change begins.
+int lineOf(const Change& change, const std::string& value);
 
 #endif

@@ -26,6 +26,7 @@ struct Failure : std::exception {
     std::string value;  // masked for a password
     std::string file;   // as the user calls it
     int fileLine = 0;   // 0 means none
+    int inputLine = 0;  // of the change at fault, where changes came with lines
     std::string dump;   // the library's report, or empty
 };
 

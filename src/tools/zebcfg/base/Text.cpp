@@ -7,3 +7,8 @@ std::string replaced(std::string text, const std::string& word, const std::strin
         text.replace(at, word.size(), replacement);
     return text;
 }
+
+bool hasByteOrderMark(const std::string& text)
+{
+    return text.rfind(byteOrderMark, 0) == 0;
+}

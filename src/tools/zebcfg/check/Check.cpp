@@ -3,6 +3,7 @@
 #include "base/Attributes.h"
 #include "base/Failure.h"
 #include "base/Masking.h"
+#include "base/Text.h"
 #include "check/LoadableText.h"
 #include "files/LiveFile.h"
 #include "files/MemoryFile.h"
@@ -20,7 +21,6 @@
 
 namespace {
 
-constexpr char configurationDn[] = "cn=Configuration";
 constexpr char loginAdvice[] = "add it: without it nobody can log in";
 
 std::string allowedFor(const std::string& name)
@@ -73,6 +73,10 @@ public:
 
     std::vector<Finding> run()
     {
+        for (const int line : linesWithNul(text))
+            findings.push_back(Finding(Severity::error, line, "there is a NUL byte in the line")
+                                   .coded(LDAP_INVALID_SYNTAX)
+                                   .advise("remove it, for the next write drops the rest of the line"));
         for (const Failure& failure : loadable.failures())
             findings.push_back(findingOf(failure, failure.fileLine, adviceFor(failure)));
         findQuarantined();
@@ -155,7 +159,7 @@ private:
                 findings.push_back(
                     Finding(Severity::warning, numbers[1], type->name + ": it is meant to have one value")
                         .coded(LDAP_CONSTRAINT_VIOLATION, CFG_ERR_SINGLE_VALUED)
-                        .advise("the first one is on line " + std::to_string(numbers[0]) + "; take one out")
+                        .advise("the first one is on line " + std::to_string(numbers[0]) + "; remove one")
                         .about(type->name));
         }
     }
@@ -239,7 +243,14 @@ private:
 
 std::vector<Finding> check(const std::string& text, const std::string& shownName)
 {
-    return Checker(text, shownName).run();
+    if (!hasByteOrderMark(text))
+        return Checker(text, shownName).run();
+    const std::string rest = text.substr(sizeof byteOrderMark - 1);
+    auto findings = Checker(rest, shownName).run();
+    findings.insert(findings.begin(), Finding(Severity::error, 1, "the text begins with a byte order mark")
+                                          .coded(LDAP_INVALID_SYNTAX)
+                                          .advise("save the file without it"));
+    return findings;
 }
 
 std::vector<Finding> checkFile(const LiveFile& file, const std::string& backupName)

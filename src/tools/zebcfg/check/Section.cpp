@@ -27,14 +27,21 @@ Section::Section(const std::string& text, const std::string& dn) : whole(text), 
     const DnSpeller spelled;
     int first = 0;
     int last = 0;
+    std::vector<std::string> known;
     for (const ConfigLine& line : linesOf(text)) {
-        if (first == 0 && line.isDn && isSameName(spelled.orNothing(line.value), dn))
+        if (line.isDn)
+            known.push_back(spelled.orNothing(line.value));
+        if (first == 0 && line.isDn && isSameName(known.back(), dn))
             first = line.first;
         if (first != 0 && line.entry == first)
             last = line.last;
     }
     if (first == 0)
-        throw Failure(LDAP_NO_SUCH_OBJECT, "there is no entry " + dn);
+        throw Failure(LDAP_NO_SUCH_OBJECT,
+                      "there is no entry " + dn + nearestNote(dn, [&](const std::string& above) {
+                          return std::any_of(known.begin(), known.end(),
+                                             [&](const std::string& name) { return isSameName(name, above); });
+                      }));
     begin = behindLines(text, first - 1);
     end = behindLines(text, last);
 }

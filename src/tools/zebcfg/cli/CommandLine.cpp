@@ -86,6 +86,8 @@ public:
         requireAllKnown(command);
         requireWords(command);
         requireOperands(command);
+        if (command->run == nullptr)
+            return help(std::move(given));
         return {command, std::move(given), words};
     }
 
@@ -140,6 +142,30 @@ private:
         return given;
     }
 
+    Call help(Values given)
+    {
+        if (!words.empty())
+            requireCommand(words.front());
+        given["help"] = {""};
+        app.clear();  // It would show the help of the command that was given: help.
+        return told(words.empty() ? app : *app.get_subcommand(words.front()), std::move(given));
+    }
+
+    static void requireCommand(const std::string& name)
+    {
+        const Command* const command = findCommand(name);
+        if (command != nullptr && !isHidden(*command))
+            return;
+        std::vector<std::string> names;
+        for (const Command& known : commands()) {
+            if (!isHidden(known))
+                names.emplace_back(known.name);
+        }
+        const std::string hint = nearest(name, names);
+        throw Failure(0, "there is no command " + name +
+                             (hint.empty() ? "; see zebcfg --help" : " (did you mean " + hint + "?)"));
+    }
+
     static Call told(const CLI::App& used, Values given)
     {
         if (given.count("help") != 0)
@@ -152,14 +178,10 @@ private:
     void requireAllKnown(const Command* command) const
     {
         const auto extras = app.remaining(true);
-        std::vector<std::string> names;
-        for (const Command& known : commands())
-            names.emplace_back(known.name);  // The hidden one is near to no word that a user types.
-        if (command == nullptr && (extras.empty() || extras.front().front() != '-')) {
-            const std::string hint = extras.empty() ? "" : nearest(extras.front(), names);
-            throw Failure(0, (extras.empty() ? "a command is missing" : "there is no command " + extras.front()) +
-                                 (hint.empty() ? "; see zebcfg --help" : " (did you mean " + hint + "?)"));
-        }
+        if (command == nullptr && extras.empty())
+            throw Failure(0, "a command is missing; see zebcfg --help");
+        if (command == nullptr && extras.front().front() != '-')
+            requireCommand(extras.front());
         if (extras.empty())
             return;
         const bool isOption = extras.front().front() == '-';

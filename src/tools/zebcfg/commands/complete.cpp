@@ -2,6 +2,7 @@
 // may become, one a line. Failures give none.
 #include "base/Attributes.h"
 #include "base/Failure.h"
+#include "base/Text.h"
 #include "cli/Call.h"
 #include "files/LiveFile.h"
 #include "files/MemoryFile.h"
@@ -161,6 +162,14 @@ bool begins(const std::string& candidate, const std::string& word)
     return candidate.size() >= word.size() && isSameName(candidate.substr(0, word.size()), word);
 }
 
+// The candidate as the user writes DNs: without blanks after the commas where the word has none.
+std::string writtenLike(const std::string& candidate, const std::string& word)
+{
+    const auto comma = word.find(',');
+    const bool isDense = comma != std::string::npos && comma + 1 < word.size() && word[comma + 1] != ' ';
+    return isDense ? replaced(candidate, ", ", ",") : candidate;
+}
+
 }  // namespace
 
 int runComplete(const Call& call)
@@ -169,8 +178,9 @@ int runComplete(const Call& call)
     const std::string last = words.empty() ? "" : words.back();
     try {
         for (const std::string& candidate : completionsOf(words)) {
-            if (candidate == "__files" || begins(candidate, last))
-                std::cout << candidate << '\n';
+            const std::string written = writtenLike(candidate, last);
+            if (candidate == "__files" || begins(written, last))
+                std::cout << written << '\n';
         }
     } catch (const Failure&) {
         return 1;  // A file that does not load has no DNs to offer.

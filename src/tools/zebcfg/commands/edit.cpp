@@ -10,6 +10,7 @@
 #include "update/Update.h"
 
 #include <iostream>
+#include <set>
 
 #include <unistd.h>
 
@@ -26,15 +27,38 @@ bool wantsToEditAgain(const std::string& diff)
     }
 }
 
-// Tells the errors and warnings of a text. True when it can be installed.
-bool isAccepted(const std::string& text, const std::string& shownName)
+// Whether the text has warnings that the one before did not have.
+bool hasNewWarnings(const std::vector<Finding>& findings, const LiveFile& file)
 {
-    const auto findings = check(text, shownName);
+    std::multiset<std::string> added;
+    for (const Finding& finding : findings) {
+        if (finding.severity == Severity::warning)
+            added.insert(finding.text);
+    }
+    if (added.empty())
+        return false;
+    for (const Finding& finding : check(file.text(), file.shownName())) {
+        const auto known = added.find(finding.text);
+        if (known != added.end())
+            added.erase(known);
+    }
+    return !added.empty();
+}
+
+// Reports the errors and warnings of a text. True when it can be installed.
+bool isAccepted(const Call& call, const std::string& text, const LiveFile& file)
+{
+    const auto findings = check(text, file.shownName());
     for (const Finding& finding : findings) {
         if (finding.severity != Severity::note)
-            std::cerr << toLine(finding, shownName) << '\n';
+            std::cerr << toLine(finding, file.shownName()) << '\n';
     }
-    return !hasErrors(findings);
+    if (hasErrors(findings))
+        return false;
+    if (call.has("force") || !hasNewWarnings(findings, file))
+        return true;
+    call.messages().warn("the warnings are new with this text; --force installs it");
+    return false;
 }
 
 std::string editedText(const Call& call, const LiveFile& file)
@@ -48,7 +72,7 @@ std::string editedText(const Call& call, const LiveFile& file)
         std::string text = section.with(part);
         if (text.empty() && !file.text().empty())
             throw Failure(0, "the text is empty, and nothing is changed", file.shownName());
-        if (isAccepted(text, file.shownName()))
+        if (isAccepted(call, text, file))
             return text;
         if (!wantsToEditAgain(unifiedDiff(file.text(), text, file.shownName(), call.hasColor(STDERR_FILENO))))
             throw Failure(0, "the changes are dropped, and nothing is changed", file.shownName());

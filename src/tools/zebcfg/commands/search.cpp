@@ -20,7 +20,7 @@ int scopeOf(const std::string& word)
         return LDAP_SCOPE_BASE;
     if (word == "one")
         return LDAP_SCOPE_ONELEVEL;
-    return LDAP_SCOPE_SUBTREE;
+    return LDAP_SCOPE_SUBTREE;  // also for the children, and the base is left out
 }
 
 // The length of lines that -o ldif_wrap=N asks for; 0 for any length.
@@ -54,6 +54,13 @@ struct Request {
     std::vector<std::string> names;
 };
 
+void removeBase(std::vector<Entry>& entries, const std::vector<Entry>& base)
+{
+    entries.erase(std::remove_if(entries.begin(), entries.end(),
+                                 [&](const Entry& entry) { return !base.empty() && entry.dn == base.front().dn; }),
+                  entries.end());
+}
+
 void writeLdif(const Call& call, const Request& request, const std::vector<Entry>& entries)
 {
     const std::size_t wrap = wrapOf(call.value("option"));
@@ -78,6 +85,8 @@ int runSearch(const Call& call)
     Reading reading(call.target());
     const auto names = request.wants("*") ? std::vector<std::string>() : request.names;
     auto entries = reading.session().search(call.value("base"), scope, request.filter, names);
+    if (call.value("scope") == "children")
+        removeBase(entries, reading.session().search(call.value("base"), LDAP_SCOPE_BASE, request.filter, {"1.1"}));
     for (Entry& entry : entries) {
         if (request.wants("1.1"))
             entry.attributes.clear();

@@ -28,8 +28,11 @@ int runTree(const Call& call)
     if (!call.operands().empty()) {
         const std::string dn = DnSpeller()(call.operands().front());
         nodes = below(nodes, dn);
-        if (nodes.empty())
-            throw Failure(LDAP_NO_SUCH_OBJECT, "there is no entry " + dn, reading.live().shownName());
+        if (nodes.empty()) {
+            Failure failure = reading.session().missingEntry(dn);
+            failure.file = reading.live().shownName();
+            throw failure;
+        }
     }
     std::cout << (call.isJson() ? toJson(nodes) + '\n' : draw(nodes, linesFor(call)));
     return 0;

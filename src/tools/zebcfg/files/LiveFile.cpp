@@ -1,6 +1,7 @@
 #include "files/LiveFile.h"
 
 #include "base/Failure.h"
+#include "base/Text.h"
 #include "files/Descriptor.h"
 #include "files/FileName.h"
 
@@ -74,4 +75,6 @@ void LiveFile::requireUsable(const std::string& backupName) const
     const std::string found = damage(backupName);
     if (!found.empty())
         throw Failure(CFG_CONNECT_ERROR, found, shown);
+    if (hasByteOrderMark(content))
+        throw Failure(CFG_CONNECT_ERROR, "the file begins with a byte order mark; save it without one", shown);
 }

@@ -22,7 +22,7 @@ public:
     // What keeps the file from being used, in words, or the empty text: a modification time of 0, or a text that is
     // empty or cut off beside a whole backup.
     std::string damage(const std::string& backupName) const;
-    // Throws Failure (91) for a file that is damaged.
+    // Throws Failure (91) for a file that is damaged, or begins with a byte order mark.
     void requireUsable(const std::string& backupName) const;
 
 private:

@@ -75,3 +75,15 @@ std::vector<ConfigLine> linesOf(const std::string& text)
     }
     return lines;
 }
+
+std::vector<int> linesWithNul(const std::string& text)
+{
+    std::vector<int> numbers;
+    int number = 1;
+    for (const char character : text) {
+        if (character == '\0' && (numbers.empty() || numbers.back() != number))
+            numbers.push_back(number);
+        number += character == '\n' ? 1 : 0;
+    }
+    return numbers;
+}

@@ -17,6 +17,8 @@ struct ConfigLine {
 };
 
 std::vector<ConfigLine> linesOf(const std::string& text);
+// The numbers of the physical lines with a NUL byte, of which the library drops the rest.
+std::vector<int> linesWithNul(const std::string& text);
 std::string trimmedValue(const std::string& value);
 
 #endif

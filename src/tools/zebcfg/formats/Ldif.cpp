@@ -3,6 +3,7 @@
 #include "base/Attributes.h"
 #include "base/Failure.h"
 #include "base/Masking.h"
+#include "base/Text.h"
 
 #include <algorithm>
 #include <cctype>
@@ -147,6 +148,9 @@ public:
         return attribute;
     }
 
+    // Of the line that was read last.
+    int lineNumber() const { return line; }
+
     Failure failure(int code, const std::string& reason) const
     {
         Failure made(code, reason, shownName);
@@ -178,6 +182,11 @@ private:
 
 LdifReader::LdifReader(std::string ldif, std::string shown) : text(std::move(ldif)), shownName(std::move(shown))
 {
+    if (hasByteOrderMark(text)) {
+        Failure failure(0, "the text begins with a byte order mark; save it without one", shownName);
+        failure.fileLine = 1;
+        throw failure;
+    }
     requireHarmless(text, shownName);
     text += "\n\n";
     stream = std::make_unique<Stream>(text, shownName);
@@ -196,12 +205,13 @@ public:
         record = {type, stream.firstLine(), {}, {}, stream.record()};
         advance();
         if (line != nullptr && !isSeparator() && isSameName(current.name, "version"))
-            advance();
+            readVersion();
         if (line == nullptr)
             return false;
         if (isSeparator() || !isSameName(current.name, "dn"))
             throw stream.failure(0, "a record begins with its dn");
         record.dn = current.values.front();
+        record.line = stream.lineNumber();
         advance();
         readType();
         if (record.type == LdifRecord::add)
@@ -221,6 +231,14 @@ private:
         line = stream.nextLine();
         if (line != nullptr && !isSeparator())
             current = stream.parse(line);
+    }
+
+    void readVersion()
+    {
+        if (current.values.front() != "1")
+            throw stream.failure(LDAP_UNWILLING_TO_PERFORM,
+                                 "version 1 of LDIF can be read, not " + current.values.front());
+        advance();
     }
 
     void readType()
@@ -255,25 +273,32 @@ private:
                 return isSameName(change.attribute.name, current.name);
             });
             if (known == record.changes.end())
-                record.changes.push_back({LDAP_MOD_ADD, current});
+                addValue(record.changes.emplace_back(Change{LDAP_MOD_ADD, {current.name, {}}, stream.lineNumber()}));
             else
-                known->attribute.values.push_back(current.values.front());
+                addValue(*known);
         }
     }
 
     void readModifications()
     {
         while (line != nullptr) {
-            Change& change = record.changes.emplace_back(Change{operation(), {current.values.front(), {}}});
+            Change& change =
+                record.changes.emplace_back(Change{operation(), {current.values.front(), {}}, stream.lineNumber()});
             for (advance(); line != nullptr && !isSeparator(); advance()) {
                 if (!isSameName(current.name, change.attribute.name))
                     throw stream.failure(0, current.name + " stands where values of " + change.attribute.name +
                                                 " or a line \"-\" are expected");
-                change.attribute.values.push_back(current.values.front());
+                addValue(change);
             }
             if (line != nullptr)
                 advance();
         }
+    }
+
+    void addValue(Change& change) const
+    {
+        change.attribute.values.push_back(current.values.front());
+        change.valueLines.push_back(stream.lineNumber());
     }
 
     int operation() const

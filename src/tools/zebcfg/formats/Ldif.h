@@ -17,7 +17,7 @@ std::string toLdif(const Entry& entry, bool namesOnly, std::size_t wrap);
 struct LdifRecord {
     enum Type { add, modify, erase };
     Type type = add;
-    int line = 0;  // where it begins
+    int line = 0;  // of its dn
     std::string dn;
     std::vector<Change> changes;  // for add, the attributes
     std::string text;             // as it was read

@@ -5,6 +5,8 @@
 #include "base/Masking.h"
 #include "files/Descriptor.h"
 
+#include <algorithm>
+
 #include <langinfo.h>
 
 namespace {
@@ -14,6 +16,14 @@ Failure attributeFailure(int code, const std::string& dn, const std::string& nam
     Failure failure(code, text);
     failure.attribute = name;
     failure.entry = dn;
+    return failure;
+}
+
+// About the last value of the attribute.
+Failure valueFailure(int code, const std::string& dn, const Attribute& attribute, const std::string& text)
+{
+    Failure failure = attributeFailure(code, dn, attribute.name, text);
+    failure.value = shownValue(attribute.name, attribute.values.back());
     return failure;
 }
 
@@ -27,6 +37,16 @@ bool isReadableName(const std::string& name)
            !isSameName(name, "dn");
 }
 
+// Adds the line of the input to a failure of the body.
+template <typename Body>
+void atLineOf(const Change& change, Body body)
+try {
+    body();
+} catch (Failure& failure) {
+    failure.inputLine = lineOf(change, failure.value);
+    throw;
+}
+
 // A value that the file cannot hold would come back as another one, or as several.
 bool isReadableValue(const std::string& value)
 {
@@ -35,8 +55,8 @@ bool isReadableValue(const std::string& value)
 
 }  // namespace
 
-Changes::Changes(std::string copyPath, std::string shown, std::optional<Login> wantedLogin)
-    : path(std::move(copyPath)), shownName(std::move(shown)), login(std::move(wantedLogin))
+Changes::Changes(std::string copyPath, std::string shown, std::optional<Login> wanted, bool force)
+    : path(std::move(copyPath)), shownName(std::move(shown)), login(std::move(wanted)), isForced(force)
 {
     open();
     // What the library changes at its first write is no part of the changes that are compared later.
@@ -76,12 +96,12 @@ void Changes::requireNameAndValues(const std::string& dn, const Attribute& attri
                                "the root has the attributes charset and version only");
     for (const std::string& value : attribute.values) {
         if (!isReadableValue(value))
-            throw attributeFailure(LDAP_INVALID_SYNTAX, dn, name,
-                                   "a value with a line end cannot be read back from the file");
+            throw valueFailure(LDAP_INVALID_SYNTAX, dn, {name, {value}},
+                               "a value with a line end cannot be read back from the file");
         if (isPassword(name) && value == passwordMask)
-            throw attributeFailure(LDAP_CONSTRAINT_VIOLATION, dn, name,
-                                   std::string(passwordMask) + " stands for a password that was not shown; search "
-                                                               "with --show-passwords");
+            throw valueFailure(LDAP_CONSTRAINT_VIOLATION, dn, {name, {value}},
+                               std::string(passwordMask) + " stands for a password that was not shown; search "
+                                                           "with --show-passwords");
     }
     usedNames.push_back(name);
 }
@@ -92,33 +112,61 @@ void Changes::requireEachOnce(const std::string& dn, const Attribute& attribute)
         throw attributeFailure(LDAP_TYPE_OR_VALUE_EXISTS, dn, attribute.name, "a value is given twice");
 }
 
-void Changes::add(const Entry& entry, bool needsParent)
+void Changes::add(const std::string& dn, const std::vector<Change>& attributes, bool needsParent)
 {
     step([&] {
-        if (opened->exists(entry.dn))
-            throw Failure(LDAP_ALREADY_EXISTS, "the entry " + entry.dn + " exists already");
-        const std::string parent = parentOf(spelled(entry.dn));
+        if (opened->exists(dn))
+            throw Failure(LDAP_ALREADY_EXISTS, "the entry " + dn + " exists already");
+        const std::string parent = parentOf(spelled(dn));
         if (needsParent && !parent.empty() && !opened->exists(parent))
-            throw Failure(LDAP_NO_SUCH_OBJECT, "the parent " + parent +
-                                                   " does not exist (--no-parent-check adds the "
-                                                   "entry all the same)");
-        for (const Attribute& attribute : entry.attributes)
-            requireNameAndValues(entry.dn, attribute);
-        opened->add(entry);
-        for (const Attribute& attribute : entry.attributes)
-            requireEachOnce(entry.dn, attribute);
+            throw Failure(LDAP_NO_SUCH_OBJECT,
+                          "the parent " + parent + " does not exist" +
+                              nearestNote(parent, [this](const std::string& above) { return opened->exists(above); }) +
+                              " (--no-parent-check adds the entry all the same)");
+        for (const Change& change : attributes)
+            atLineOf(change, [&] { requireNameAndValues(dn, change.attribute); });
+        addEntry(dn, attributes);
+        for (const Change& change : attributes) {
+            atLineOf(change, [&] {
+                requireEachOnce(dn, change.attribute);
+                requireSingle(dn, change);
+            });
+        }
     });
+}
+
+// The failure names the attribute that the library refuses.
+void Changes::addEntry(const std::string& dn, const std::vector<Change>& attributes)
+{
+    Entry entry{dn, {}};
+    for (const Change& change : attributes)
+        entry.attributes.push_back(change.attribute);
+    try {
+        opened->add(entry);
+    } catch (Failure& failure) {
+        for (const Change& change : attributes) {
+            if (isSameName(change.attribute.name, failure.attribute))
+                failure.inputLine = lineOf(change, failure.value);
+        }
+        throw;
+    }
 }
 
 void Changes::modify(const std::string& dn, const std::vector<Change>& changes)
 {
     step([&] {
         if (!opened->exists(dn))
-            throw Failure(LDAP_NO_SUCH_OBJECT, "there is no entry " + dn);
+            throw opened->missingEntry(spelled(dn));
+        const auto loginBefore = loginAttributes(dn);
         for (const Change& change : changes) {
-            requireNameAndValues(dn, change.attribute);
-            applyChange(dn, change);
+            atLineOf(change, [&] {
+                requireNameAndValues(dn, change.attribute);
+                applyChange(dn, change);
+            });
         }
+        for (auto change = changes.rbegin(); change != changes.rend(); ++change)
+            atLineOf(*change, [&] { requireSingle(dn, *change); });
+        requireLogin(dn, loginBefore);
     });
 }
 
@@ -134,9 +182,9 @@ void Changes::applyChange(const std::string& dn, const Change& change)
         opened->modify(dn, {change});
     for (const std::string& value : attribute.values) {
         if (opened->holds(dn, attribute.name, value) == isAdded)
-            throw attributeFailure(isAdded ? LDAP_TYPE_OR_VALUE_EXISTS : LDAP_NO_SUCH_ATTRIBUTE, dn, attribute.name,
-                                   '"' + shownValue(attribute.name, value) +
-                                       (isAdded ? "\" is there already" : "\" is not there"));
+            throw valueFailure(
+                isAdded ? LDAP_TYPE_OR_VALUE_EXISTS : LDAP_NO_SUCH_ATTRIBUTE, dn, {attribute.name, {value}},
+                '"' + shownValue(attribute.name, value) + (isAdded ? "\" is there already" : "\" is not there"));
         opened->modify(dn, {{change.operation, {attribute.name, {value}}}});
     }
 }
@@ -150,10 +198,52 @@ void Changes::replaceValues(const std::string& dn, const Change& change)
     requireEachOnce(dn, attribute);
 }
 
+// A file that has several values already keeps them.
+void Changes::requireSingle(const std::string& dn, const Change& change) const
+{
+    const AttributeType* const type = findAttributeType(change.attribute.name);
+    if (isForced || type == nullptr || !type->isSingle || change.operation == LDAP_MOD_DELETE ||
+        change.attribute.values.empty())
+        return;
+    const std::size_t count = opened->values(dn, type->name).size();
+    if (count < 2)
+        return;
+    Failure failure = valueFailure(LDAP_CONSTRAINT_VIOLATION, dn, change.attribute,
+                                   "takes one value, and would have " + std::to_string(count) + "; --force allows it");
+    failure.extended = CFG_ERR_SINGLE_VALUED;
+    throw failure;
+}
+
+// What the login stands on, as far as the entry has it.
+std::vector<std::string> Changes::loginAttributes(const std::string& dn) const
+{
+    std::vector<std::string> found;
+    if (!isSameName(spelled.orNothing(dn), configurationDn))
+        return found;
+    for (const char* const name : {"objectclass", "zeb-slapdAdminDN", "zeb-slapdAdminPW"}) {
+        if (opened->has(dn, name))
+            found.emplace_back(name);
+    }
+    return found;
+}
+
+void Changes::requireLogin(const std::string& dn, const std::vector<std::string>& before) const
+{
+    if (isForced)
+        return;
+    for (const std::string& name : before) {
+        if (!opened->has(dn, name))
+            throw attributeFailure(LDAP_OBJECT_CLASS_VIOLATION, dn, name,
+                                   "without it nobody can log in; --force removes it");
+    }
+}
+
 void Changes::erase(const std::string& dn, bool withChildren)
 {
     if (isRootDn(dn))
         throw Failure(LDAP_UNWILLING_TO_PERFORM, "the root cannot be deleted");
+    if (!isForced && !loginAttributes(dn).empty())
+        throw Failure(LDAP_OBJECT_CLASS_VIOLATION, "without cn=Configuration nobody can log in; --force deletes it");
     step([&] { opened->erase(dn, withChildren); });
 }
 
@@ -163,8 +253,5 @@ void Changes::apply(const LdifRecord& record, bool needsParent)
         return erase(record.dn, false);
     if (record.type == LdifRecord::modify)
         return modify(record.dn, record.changes);
-    Entry entry{record.dn, {}};
-    for (const Change& change : record.changes)
-        entry.attributes.push_back(change.attribute);
-    add(entry, needsParent);
+    add(record.dn, record.changes, needsParent);
 }

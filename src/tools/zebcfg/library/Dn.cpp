@@ -39,3 +39,12 @@ std::string parentOf(const std::string& dn)
     }
     return {};
 }
+
+std::string nearestNote(const std::string& dn, const std::function<bool(const std::string& dn)>& exists)
+{
+    for (std::string above = parentOf(dn); !above.empty(); above = parentOf(above)) {
+        if (exists(above))
+            return "; the nearest entry that exists is " + above;
+    }
+    return {};
+}

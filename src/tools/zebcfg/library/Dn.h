@@ -5,6 +5,7 @@
 #include "files/MemoryFile.h"
 #include "library/Session.h"
 
+#include <functional>
 #include <string>
 
 // Asks the library for its spelling of DNs, behind an empty file where none of them exists.
@@ -20,6 +21,9 @@ private:
     const MemoryFile emptyFile;
     const Session session;
 };
+
+// "; the nearest entry that exists is X" for a DN in the library's spelling that does not exist, or the empty text.
+std::string nearestNote(const std::string& dn, const std::function<bool(const std::string& dn)>& exists);
 
 // Whether the library takes the text for the DN of the root: blanks and parentheses do not count.
 bool isRootDn(const std::string& dn);

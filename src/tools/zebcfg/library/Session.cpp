@@ -1,9 +1,9 @@
 #include "library/Session.h"
 
 #include "base/Attributes.h"
-#include "base/Failure.h"
 #include "base/Masking.h"
 #include "base/Text.h"
+#include "library/Dn.h"
 
 #include <algorithm>
 #include <cctype>
@@ -127,6 +127,8 @@ void Session::require(int code) const
     failure.value = shownValue(failure.attribute, value);
     failure.dump = replaced(textOf(cfg_dump_exception(handle)), path, shownName);
     failure.dump = replaced(failure.dump, value, failure.value);
+    if (code == LDAP_NO_SUCH_OBJECT)
+        failure.text += nearestNote(failure.entry, [this](const std::string& dn) { return exists(dn); });
     throw failure;
 }
 
@@ -195,6 +197,17 @@ bool Session::exists(const std::string& dn) const
     if (code != LDAP_NO_SUCH_OBJECT)
         require(code);
     return code == LDAP_SUCCESS;
+}
+
+bool Session::has(const std::string& dn, const std::string& attribute) const
+{
+    return !search(dn, LDAP_SCOPE_BASE, attribute + "=*", {"1.1"}).empty();
+}
+
+Failure Session::missingEntry(const std::string& dn) const
+{
+    return {LDAP_NO_SUCH_OBJECT,
+            "there is no entry " + dn + nearestNote(dn, [this](const std::string& above) { return exists(above); })};
 }
 
 // The report of the failed search holds it.

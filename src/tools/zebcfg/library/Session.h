@@ -3,6 +3,7 @@
 #define ZEBCFG_SESSION_H
 
 #include "base/Entry.h"
+#include "base/Failure.h"
 
 #include <memory>
 #include <optional>
@@ -10,6 +11,9 @@
 #include <vector>
 
 #include <zebldapcfg.h>
+
+// The entry that the login stands in.
+constexpr char configurationDn[] = "cn=Configuration";
 
 struct Login {
     std::string dn;
@@ -25,6 +29,10 @@ public:
     std::vector<Entry> search(const std::string& base, int scope, const std::string& filter = {},
                               const std::vector<std::string>& names = {}) const;
     bool exists(const std::string& dn) const;
+    // Whether the entry has any value of the attribute. No password is decoded.
+    bool has(const std::string& dn, const std::string& attribute) const;
+    // Failure (32) for a DN in the library's spelling that does not exist.
+    Failure missingEntry(const std::string& dn) const;
     // The values of one attribute of an entry; none when it has no such attribute. Throws Failure (32) without the
     // entry.
     std::vector<std::string> values(const std::string& dn, const std::string& attribute) const;

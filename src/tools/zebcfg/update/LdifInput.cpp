@@ -1,12 +1,16 @@
 #include "update/LdifInput.h"
 
+#include "base/Attributes.h"
 #include "base/Failure.h"
 #include "files/Descriptor.h"
 #include "files/FileName.h"
 #include "files/Input.h"
+#include "library/Dn.h"
 #include "update/Update.h"
 
+#include <algorithm>
 #include <optional>
+#include <vector>
 
 #include <fcntl.h>
 
@@ -28,9 +32,30 @@ public:
                 changes.apply(record, input.needsParent);
             } catch (Failure& failure) {
                 failure.file = shownName;
-                failure.fileLine = record.line;
+                failure.fileLine = failure.inputLine != 0 ? failure.inputLine : record.line;
                 skip(failure, record.text);
+                continue;
             }
+            record.text.clear();
+            applied.push_back(std::move(record));
+            record = {};
+        }
+    }
+
+    // The last record about the entry, and in it the last line of the attribute with that value.
+    void addPlace(Failure& failure) const
+    {
+        const DnSpeller spelled;
+        const auto record = std::find_if(applied.rbegin(), applied.rend(), [&](const LdifRecord& candidate) {
+            return isSameName(spelled.orNothing(candidate.dn), spelled.orNothing(failure.entry));
+        });
+        if (record == applied.rend())
+            return;
+        failure.file = shownName;
+        failure.fileLine = record->line;
+        for (const Change& change : record->changes) {
+            if (isSameName(change.attribute.name, failure.attribute))
+                failure.fileLine = lineOf(change, failure.value);
         }
     }
 
@@ -65,6 +90,7 @@ private:
     const LdifInput& input;
     const std::string shownName;
     LdifReader reader;
+    std::vector<LdifRecord> applied;
     std::optional<Failure> firstFailure;
     std::string skippedText;
 };
@@ -88,7 +114,8 @@ int applyLdif(const Target& target, const LdifInput& input)
     const bool keepsSkipped = !input.skippedFile.empty();
     if (keepsSkipped)
         makeSkippedFile(input.skippedFile, target.file);
-    update(target, [&](Changes& changes) { run.apply(changes); });
+    update(
+        target, [&](Changes& changes) { run.apply(changes); }, [&](Failure& failure) { run.addPlace(failure); });
     if (keepsSkipped)
         overwriteFile(input.skippedFile, run.skipped());
     return run.exitStatus();

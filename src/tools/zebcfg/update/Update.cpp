@@ -2,6 +2,7 @@
 
 #include "base/Attributes.h"
 #include "base/Failure.h"
+#include "base/Masking.h"
 #include "check/Place.h"
 #include "files/Descriptor.h"
 #include "files/MemoryFile.h"
@@ -13,9 +14,17 @@
 #include "update/Workplace.h"
 
 #include <algorithm>
-#include <iostream>
+#include <optional>
 
 namespace {
+
+// The first value of one attribute that another does not have in its place, as it may be shown.
+std::string firstMissing(const Attribute& wanted, const Attribute& found)
+{
+    const auto [value, other] =
+        std::mismatch(wanted.values.begin(), wanted.values.end(), found.values.begin(), found.values.end());
+    return value != wanted.values.end() ? shownValue(wanted.name, *value) : "";
+}
 
 // Names the first entry that differs, and its first attribute that does.
 Failure differenceOf(const std::vector<Entry>& wanted, const std::vector<Entry>& found)
@@ -28,14 +37,16 @@ Failure differenceOf(const std::vector<Entry>& wanted, const std::vector<Entry>&
     failure.entry = one.dn.empty() ? other.dn : one.dn;
     const auto [attribute, end] =
         std::mismatch(one.attributes.begin(), one.attributes.end(), other.attributes.begin(), other.attributes.end());
-    if (one.dn == other.dn && attribute != one.attributes.end())
+    if (one.dn == other.dn && attribute != one.attributes.end()) {
         failure.attribute = attribute->name;
-    failure.text = (failure.attribute.empty() ? "the entry " + failure.entry : "a value") + ' ' + failure.text;
+        failure.value = firstMissing(*attribute, end != other.attributes.end() ? *end : Attribute());
+    }
+    failure.text = (failure.attribute.empty() ? "the entry " : "a value of ") + failure.entry + ' ' + failure.text;
     return failure;
 }
 
 // Loads the new text as every program will, and compares all entries with those that the changes have made.
-void requireReadBack(Workplace& place, const Changes& changes)
+std::optional<Failure> readBackFailure(Workplace& place, const Changes& changes)
 {
     const std::string text = readFile(place.name(), place.file().shownName());
     std::vector<std::string> names = changes.names();
@@ -52,9 +63,9 @@ void requireReadBack(Workplace& place, const Changes& changes)
     const auto wanted = changes.session().entriesWith(names, count);
     const auto found = again.entriesWith(names, count);
     if (wanted == found && outline == again.outline() && readFile(copy.name(), place.file().shownName()) == text)
-        return;
+        return std::nullopt;
     place.requireRoom();
-    throw differenceOf(wanted, found);
+    return differenceOf(wanted, found);
 }
 
 // The library moves such lines as soon as it loads the file.
@@ -71,17 +82,34 @@ void reportQuarantined(const Messages& messages, const Workplace& place, const C
                      "; zebcfg check tells which");
 }
 
+// A load drops what follows in the line, and the write would lose it.
+void requireNoNul(const LiveFile& file)
+{
+    const auto lines = linesWithNul(file.text());
+    if (lines.empty())
+        return;
+    Failure failure(LDAP_INVALID_SYNTAX, "there is a NUL byte in the line, and a write would drop the rest of it",
+                    file.shownName());
+    failure.fileLine = lines.front();
+    throw failure;
+}
+
 }  // namespace
 
-void update(const Target& target, const std::function<void(Changes& changes)>& body)
+void update(const Target& target, const std::function<void(Changes& changes)>& body,
+            const std::function<void(Failure& failure)>& addInputPlace)
 {
     const auto place = openWorkplace(target);
     place->file().requireUsable(target.backup);
+    requireNoNul(place->file());
     try {
-        Changes changes(place->name(), place->file().shownName(), target.login);
+        Changes changes(place->name(), place->file().shownName(), target.login, target.isForced);
         reportQuarantined(target.messages, *place, changes);
         body(changes);
-        requireReadBack(*place, changes);
+        if (auto difference = readBackFailure(*place, changes)) {
+            addInputPlace(*difference);
+            throw *difference;
+        }
     } catch (Failure& failure) {
         addPlace(failure, place->file().text(), place->file().shownName());
         throw;

@@ -11,7 +11,10 @@
 
 // Runs body on a private copy, loads the result again, compares it with what was asked for, and puts it in the place
 // of the file; under --dry-run it is only shown as a diff. Throws Failure, and then the old file stands.
-void update(const Target& target, const std::function<void(Changes& changes)>& body);
+// addInputPlace says where the input had what could not be read back.
+void update(
+    const Target& target, const std::function<void(Changes& changes)>& body,
+    const std::function<void(Failure& failure)>& addInputPlace = [](Failure& /*failure*/) {});
 
 // Puts the text that newText gives in the place of the file, just as it is: the caller has checked it. The file may be
 // damaged. Throws Failure as update() does.
