@@ -191,6 +191,24 @@ TEST(Safety, ALockThatRootHasLeftDoesNotKeepTheOwnerOut)
     EXPECT_EQ(directory.names(), fileAndBackup);
 }
 
+// The kernel gives the files below /proc/PID of a process that may not be dumped to root.
+TEST(Safety, TheMemoryIsHiddenFromTheSameUser)
+{
+    constexpr uid_t nobody = 65534;
+    const ConfigDirectory directory;
+    if (::chown(directory.path.c_str(), nobody, nobody) != 0 || ::chown(directory.file.c_str(), nobody, nobody) != 0)
+        GTEST_SKIP() << "only root can be two users";
+    writeText(directory / "editor", "stat -c %u /proc/$PPID/environ >'" + directory / "owner" + "'\n");
+    const std::string editor = "VISUAL=sh " + directory / "editor";
+    EXPECT_EQ(finish(start(directory.file, {"edit"},
+                           [&] {
+                               ASSERT_TRUE(::setgid(nobody) == 0 && ::setuid(nobody) == 0);
+                               ::putenv(const_cast<char*>(editor.c_str()));
+                           })),
+              0);
+    EXPECT_EQ(readText(directory / "owner"), "0\n");
+}
+
 TEST(Safety, ExtendedAttributesAreKept)
 {
     const ConfigDirectory directory;

@@ -3,6 +3,7 @@
 #include "base/Failure.h"
 #include "base/Masking.h"
 #include "cli/CommandLine.h"
+#include "terminal/PrivateProcess.h"
 #include "terminal/Signals.h"
 
 #include <clocale>
@@ -53,6 +54,7 @@ int runApplication(int argc, char** argv)
     occupyStandardStreams();
     useUtf8InPlainLocale();
     handleSignals();
+    hideMemory();
     Messages messages;
     Failure failure;
     try {

@@ -108,6 +108,9 @@ std::string nearest(std::string_view word, const std::vector<std::string>& candi
     std::size_t best = std::min<std::size_t>(word.size() / 3 + 1, 3);  // as far as a slip of the fingers goes
     std::string found;
     for (const std::string& candidate : candidates) {
+        const auto [shorter, longer] = std::minmax(candidate.size(), word.size());
+        if (longer - shorter >= best)
+            continue;  // Each letter more is a step.
         const std::size_t steps = distance(word, candidate);
         if (steps < best) {
             best = steps;

@@ -1,5 +1,7 @@
 #include "base/Failure.h"
 
+#include "base/Text.h"
+
 #include <cerrno>
 #include <cstring>
 #include <utility>
@@ -35,7 +37,7 @@ std::string Failure::line() const
         result += " (" + codes() + ')';
     if (!file.empty())
         result += " at " + file + (fileLine > 0 ? ':' + std::to_string(fileLine) : "");
-    return result;
+    return visible(result);
 }
 
 Failure systemFailure(int resultCode, const std::string& message, const std::string& shownFile)

@@ -13,7 +13,7 @@ struct Failure : std::exception {
     const char* what() const noexcept override { return text.c_str(); }
     // The result code where it fits a byte, else 80; 1 without a code.
     int exitStatus() const noexcept;
-    // "ATTRIBUTE: TEXT (CODE, EXTENDED) at FILE:LINE", without what is not known.
+    // One line: "ATTRIBUTE: TEXT (CODE, EXTENDED) at FILE:LINE", without what is not known.
     std::string line() const;
     // What stands in the parentheses, or the empty text.
     std::string codes() const;

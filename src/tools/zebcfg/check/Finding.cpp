@@ -2,6 +2,7 @@
 
 #include "base/Attributes.h"
 #include "base/Failure.h"
+#include "base/Text.h"
 #include "formats/JsonObject.h"
 
 #include <algorithm>
@@ -52,7 +53,7 @@ std::string toLine(const Finding& finding, const std::string& shownName)
                        nameOf(finding.severity) + ": " + finding.text;
     if (finding.code != 0)
         line += " (" + codes.codes() + ')';
-    return finding.advice.empty() ? line : line + "; " + finding.advice;
+    return visible(finding.advice.empty() ? line : line + "; " + finding.advice);
 }
 
 std::string toJson(const std::vector<Finding>& findings, const std::string& shownName)

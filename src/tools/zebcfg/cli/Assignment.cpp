@@ -2,6 +2,7 @@
 
 #include "base/Attributes.h"
 #include "base/Failure.h"
+#include "base/Masking.h"
 
 #include <algorithm>
 
@@ -19,6 +20,9 @@ std::vector<Change> changesOf(const Call& call, int operation, NeedsValue needsV
             call.messages().hintAtName(name);
             change = changes.insert(change, Change{operation, {name, {}}});
         }
+        if (equals + 1 < word->size() && equals != std::string::npos && isSecret(name))
+            call.messages().warn("the password of " + name +
+                                 " can be seen by others on this machine; use zebcfg passwd, or zebcfg modify");
         if (equals != std::string::npos)
             change->attribute.values.push_back(word->substr(equals + 1));
     }

@@ -1,11 +1,14 @@
 #include "base/Attributes.h"
 #include "base/Failure.h"
 #include "base/Masking.h"
+#include "base/Text.h"
 #include "cli/Call.h"
 #include "formats/Json.h"
 #include "update/Reading.h"
 
 #include <iostream>
+
+#include <unistd.h>
 
 int runGet(const Call& call)
 {
@@ -24,7 +27,8 @@ int runGet(const Call& call)
         std::cout << toJson(values) << '\n';
         return 0;
     }
+    const bool isTerminal = ::isatty(STDOUT_FILENO) == 1;
     for (const std::string& value : values)
-        std::cout << value << '\n';
+        std::cout << (isTerminal ? visible(value) : value) << '\n';
     return 0;
 }

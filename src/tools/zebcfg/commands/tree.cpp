@@ -1,4 +1,5 @@
 #include "base/Failure.h"
+#include "base/Text.h"
 #include "cli/Call.h"
 #include "library/Dn.h"
 #include "library/Outline.h"
@@ -34,6 +35,11 @@ int runTree(const Call& call)
             throw failure;
         }
     }
-    std::cout << (call.isJson() ? toJson(nodes) + '\n' : draw(nodes, linesFor(call)));
+    if (call.isJson()) {
+        std::cout << toJson(nodes) << '\n';
+        return 0;
+    }
+    const std::string drawing = draw(nodes, linesFor(call));
+    std::cout << (::isatty(STDOUT_FILENO) == 1 ? visibleLines(drawing) : drawing);
     return 0;
 }

@@ -1,7 +1,9 @@
 #include "formats/Diff.h"
 
 #include "base/Masking.h"
+#include "base/Text.h"
 
+#include <iterator>
 #include <sstream>
 #include <vector>
 
@@ -26,16 +28,37 @@ bool operator==(const Line& left, const Line& right)
     return left.text == right.text;
 }
 
+bool continuesLine(const std::string& line)
+{
+    return !line.empty() && (line.front() == ' ' || line.front() == '\t');
+}
+
+// A line may be broken anywhere, also within the name: what counts is the whole. It may also stand for itself, for some
+// lines are continued by none. lead: the bytes in front that are no part of the whole, which has the rest at begin.
+std::string shownPart(const std::string& line, std::size_t lead, std::size_t begin, std::size_t secret)
+{
+    if (secret == std::string::npos || secret >= begin + line.size() - lead)
+        return shownLine(line);
+    return line.substr(0, lead + (secret > begin ? secret - begin : 0)) + passwordMask;
+}
+
 std::vector<Line> linesOf(const std::string& text)
 {
     std::vector<Line> lines;
     std::istringstream in(text);
-    bool isHidden = false;  // A line that continues a masked one is masked too.
-    for (std::string line; std::getline(in, line);) {
-        const bool isContinuation = !line.empty() && (line.front() == ' ' || line.front() == '\t');
-        const std::string shown = isContinuation && isHidden ? std::string(" ") + passwordMask : shownLine(line);
-        isHidden = shown != line;
-        lines.push_back({line, shown});
+    for (std::string line; std::getline(in, line);)
+        lines.push_back({line, {}});
+    for (auto first = lines.begin(); first != lines.end();) {
+        std::string whole = first->text;
+        auto end = std::next(first);
+        for (; end != lines.end() && continuesLine(end->text); ++end)
+            whole += end->text.substr(1);
+        const std::size_t secret = secretOf(whole);
+        std::size_t begin = 0;
+        for (std::size_t lead = 0; first != end; ++first, lead = 1) {
+            first->shown = visible(shownPart(first->text, lead, begin, secret));
+            begin += first->text.size() - lead;
+        }
     }
     if (!text.empty() && text.back() != '\n') {
         lines.back().text += '\n';

@@ -2,6 +2,8 @@
 
 #include "base/Attributes.h"
 #include "base/Failure.h"
+#include "base/Masking.h"
+#include "base/Text.h"
 #include "formats/Json.h"
 
 #include <iostream>
@@ -12,7 +14,7 @@ void Messages::report(const Failure& failure) const
     if (isJson)
         std::cerr << toJson(failure, isVerbose) << '\n';
     else
-        std::cerr << "zebcfg: " << failure.line() << '\n' << (isVerbose ? failure.dump : "");
+        std::cerr << "zebcfg: " << failure.line() << '\n' << (isVerbose ? visibleLines(failure.dump) : "");
 }
 
 void Messages::say(const std::string& text) const
@@ -24,12 +26,12 @@ void Messages::say(const std::string& text) const
 void Messages::warn(const std::string& text) const
 {
     std::cout.flush();
-    std::cerr << (isJson ? noteToJson(text) : "zebcfg: " + text) << '\n';
+    std::cerr << (isJson ? noteToJson(text) : "zebcfg: " + visible(text)) << '\n';
 }
 
 void Messages::hintAtName(const std::string& name) const
 {
     const std::string hint = attributeHint(name);
     if (!hint.empty())
-        say(name + " is no attribute that the server knows" + hint);
+        say(shownLine(name) + " is no attribute that the server knows" + hint);
 }

@@ -98,7 +98,7 @@ void Changes::requireNameAndValues(const std::string& dn, const Attribute& attri
         if (!isReadableValue(value))
             throw valueFailure(LDAP_INVALID_SYNTAX, dn, {name, {value}},
                                "a value with a line end cannot be read back from the file");
-        if (isPassword(name) && value == passwordMask)
+        if (!isForced && holdsMask(value))
             throw valueFailure(LDAP_CONSTRAINT_VIOLATION, dn, {name, {value}},
                                std::string(passwordMask) + " stands for a password that was not shown; search "
                                                            "with --show-passwords");

@@ -120,13 +120,13 @@ void Session::require(int code) const
     CFG* const handle = cfg.get();
     Failure failure(code, explain(code), shownName);
     failure.extended = cfg_get_exterror(handle);
-    failure.attribute = textOf(cfg_get_attribute(handle));
+    failure.attribute = shownLine(textOf(cfg_get_attribute(handle)));
     failure.entry = textOf(cfg_get_entry(handle));
     failure.fileLine = cfg_get_file_line(handle);
     const std::string value = textOf(cfg_get_value(handle));
-    failure.value = shownValue(failure.attribute, value);
+    failure.value = shownLine(shownValue(failure.attribute, value));
     failure.dump = replaced(textOf(cfg_dump_exception(handle)), path, shownName);
-    failure.dump = replaced(failure.dump, value, failure.value);
+    failure.dump = shownText(replaced(failure.dump, value, failure.value));
     if (code == LDAP_NO_SUCH_OBJECT)
         failure.text += nearestNote(failure.entry, [this](const std::string& dn) { return exists(dn); });
     throw failure;
@@ -137,7 +137,7 @@ std::string Session::explain(int code) const
     CFG* const handle = cfg.get();
     const std::string attribute = textOf(cfg_get_attribute(handle));
     const std::string value = textOf(cfg_get_value(handle));
-    const std::string shown = shownValue(attribute, value);
+    const std::string shown = shownLine(shownValue(attribute, value));
     const std::string range =
         std::to_string(cfg_get_minimum(handle)) + " to " + std::to_string(cfg_get_maximum(handle));
     const int known = cfg_get_exterror(handle);

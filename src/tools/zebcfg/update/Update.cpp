@@ -79,7 +79,7 @@ void reportQuarantined(const Messages& messages, const Workplace& place, const C
         count -= isSameName(line.name, invalidLine) && count > 0 ? 1 : 0;
     if (count > 0)
         messages.say("lines that the server does not accept are kept as " + std::string(invalidLine) +
-                     "; zebcfg check tells which");
+                     "; zebcfg check reports them");
 }
 
 // A load drops what follows in the line, and the write would lose it.
