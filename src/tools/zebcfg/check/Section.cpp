@@ -46,6 +46,11 @@ Section::Section(const std::string& text, const std::string& dn) : whole(text), 
     end = behindLines(text, last);
 }
 
+int Section::firstLine() const
+{
+    return 1 + static_cast<int>(std::count(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(begin), '\n'));
+}
+
 // What follows begins with a line of its own, and a text without an end would be taken for one that is cut off.
 std::string Section::with(const std::string& replacement) const
 {

@@ -10,6 +10,7 @@ public:
     Section(const std::string& text, const std::string& dn);
 
     std::string part() const { return whole.substr(begin, end - begin); }
+    int firstLine() const;  // of the part, from 1
     // The whole text with another part.
     std::string with(const std::string& replacement) const;
 

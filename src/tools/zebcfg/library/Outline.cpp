@@ -2,6 +2,7 @@
 
 #include "base/Attributes.h"
 #include "formats/JsonObject.h"
+#include "library/Dn.h"
 #include "library/Session.h"
 
 #include <algorithm>
@@ -97,6 +98,16 @@ std::vector<Node> below(const std::vector<Node>& nodes, const std::string& dn)
         node.depth -= base->depth;
     part.front().relativeDn = part.front().dn;
     return part;
+}
+
+std::set<std::string> orphansOf(const std::vector<Node>& nodes)
+{
+    std::set<std::string> orphans;
+    for (const Node& node : nodes) {
+        if (!parentOf(node.relativeDn).empty())
+            orphans.insert(node.dn);
+    }
+    return orphans;
 }
 
 std::string draw(const std::vector<Node>& nodes, Lines lines)

@@ -2,6 +2,7 @@
 #ifndef ZEBCFG_OUTLINE_H
 #define ZEBCFG_OUTLINE_H
 
+#include <set>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,9 @@ struct Node {
 std::vector<Node> outlineOf(const Session& session);
 // The node with that DN, written as the library writes it but in any case, and those below it, with depths from 0.
 std::vector<Node> below(const std::vector<Node>& nodes, const std::string& dn);
+
+// The DNs of entries whose parent is missing.
+std::set<std::string> orphansOf(const std::vector<Node>& nodes);
 
 enum class Lines { ascii, utf8 };
 std::string draw(const std::vector<Node>& nodes, Lines lines);

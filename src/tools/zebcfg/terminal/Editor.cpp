@@ -6,6 +6,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
+#include <set>
 #include <sstream>
 #include <vector>
 
@@ -23,6 +24,15 @@ std::string editorName()
             return value;
     }
     return "vi";
+}
+
+// Whether the program takes +LINE in front of the file.
+bool takesLine(const std::string& program)
+{
+    const std::set<std::string> known = {"vi",   "vim",    "nvim",  "nvi",   "vile",        "view", "elvis",
+                                         "nano", "pico",   "joe",   "emacs", "emacsclient", "mg",   "zile",
+                                         "jed",  "mcedit", "micro", "kak",   "ne",          "ee"};
+    return known.count(program.substr(program.find_last_of('/') + 1)) != 0;
 }
 
 // Keys of the editor's user are not meant for this process, which waits.
@@ -62,13 +72,15 @@ pid_t start(std::vector<char*>& words)
 
 }  // namespace
 
-void runEditor(std::string file)
+void runEditor(std::string file, int line)
 {
     const std::string editor = editorName();
     std::vector<std::string> words;
     std::istringstream in(editor);
     for (std::string word; in >> word;)
         words.push_back(word);
+    if (line > 0 && takesLine(words.front()))
+        words.push_back('+' + std::to_string(line));
     words.push_back(std::move(file));
     std::vector<char*> pointers;
     pointers.reserve(words.size() + 1);

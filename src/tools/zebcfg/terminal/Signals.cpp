@@ -21,7 +21,7 @@ extern "C" void removeAndEnd(int signal)
         (void)::unlink(name.data());
         if (char* const slash = std::strrchr(name.data(), '/')) {
             *slash = '\0';
-            (void)::rmdir(name.data());  // Only the editor's directory is empty now.
+            (void)::rmdir(name.data());  // Only a folder for an editor is empty now.
         }
     }
     (void)std::signal(signal, SIG_DFL);

@@ -1,4 +1,4 @@
-// What is taken away when a signal ends the process.
+// What is removed when a signal ends the process.
 #ifndef ZEBCFG_SIGNALS_H
 #define ZEBCFG_SIGNALS_H
 
@@ -7,7 +7,7 @@
 #include <csignal>
 
 // Lets the signals that end a process remove the files named in between, at most four at a time, and directories that
-// are empty without them. A limit on the size of files is told like a full disk, not by a signal.
+// are empty without them. A limit on the size of files is reported like a full disk, not by a signal.
 void handleSignals();
 void removeOnSignals(const std::string& path);
 void keepOnSignals(const std::string& path);
