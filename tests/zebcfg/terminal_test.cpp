@@ -118,7 +118,7 @@ TEST_F(Edit, BeginsAgainAtTheLineOfTheFinding)
     terminal.answer("(s)how them? ", "e\n");
     EXPECT_EQ(terminal.finish(), 0) << terminal.output;
     const std::string words = readText(directory / "words");
-    EXPECT_EQ(words.find("+"), words.find('\n') + 1) << words;
+    EXPECT_EQ(words.find('+'), words.find('\n') + 1) << words;
     EXPECT_NE(words.find("+7 "), std::string::npos) << words;
 }
 

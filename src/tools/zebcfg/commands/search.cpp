@@ -1,3 +1,4 @@
+#include "base/Encoding.h"
 #include "base/Failure.h"
 #include "base/Filter.h"
 #include "base/Masking.h"
@@ -61,6 +62,23 @@ void removeBase(std::vector<Entry>& entries, const std::vector<Entry>& base)
                   entries.end());
 }
 
+// Removes what LDIF cannot carry. True when there was anything.
+bool removeUnwritable(const Call& call, std::vector<Entry>& entries)
+{
+    bool isAny = false;
+    for (Entry& entry : entries) {
+        auto& attributes = entry.attributes;
+        const auto end = std::stable_partition(attributes.begin(), attributes.end(),
+                                               [](const Attribute& attribute) { return isLdifName(attribute.name); });
+        for (auto attribute = end; attribute != attributes.end(); ++attribute)
+            call.messages().warn("LDIF cannot carry the attribute \"" + shownLine(attribute->name) + "\" of " +
+                                 entry.dn + ", which is left out");
+        isAny = isAny || end != attributes.end();
+        attributes.erase(end, attributes.end());
+    }
+    return isAny;
+}
+
 void writeLdif(const Call& call, const Request& request, const std::vector<Entry>& entries)
 {
     const std::size_t wrap = wrapOf(call.value("option"));
@@ -68,8 +86,8 @@ void writeLdif(const Call& call, const Request& request, const std::vector<Entry
     if (plainness < 3)
         std::cout << "version: 1\n\n";
     if (plainness < 2)
-        std::cout << "# base <" << call.value("base") << "> with scope " << call.value("scope", "sub")
-                  << "\n# filter: (" << request.shownFilter() << ")\n\n";
+        std::cout << "# base <" << toUtf8(call.value("base")) << "> with scope " << call.value("scope", "sub")
+                  << "\n# filter: (" << toUtf8(request.shownFilter()) << ")\n\n";
     for (const Entry& entry : entries)
         std::cout << toLdif(entry, call.has("names-only"), wrap);
     if (plainness < 2)
@@ -95,9 +113,11 @@ int runSearch(const Call& call)
                 attribute.values.clear();
         }
     }
-    if (call.isJson())
+    if (call.isJson()) {
         std::cout << toJson(entries) << '\n';
-    else
-        writeLdif(call, request, entries);
-    return 0;
+        return 0;
+    }
+    const bool isIncomplete = removeUnwritable(call, entries);
+    writeLdif(call, request, entries);
+    return isIncomplete ? LDAP_UNDEFINED_TYPE : 0;
 }

@@ -1,6 +1,7 @@
 #include "formats/Json.h"
 
 #include "base/Attributes.h"
+#include "base/Encoding.h"
 #include "base/Entry.h"
 #include "base/Failure.h"
 #include "base/Masking.h"
@@ -14,12 +15,29 @@ const char* nameOf(Syntax syntax)
     return names[static_cast<int>(syntax)];
 }
 
+// The same with all texts and names in UTF-8.
+JsonObject inUtf8(const JsonObject& object)
+{
+    if (object.is_string())
+        return toUtf8(object.get<std::string>());
+    if (!object.is_structured())
+        return object;
+    JsonObject result = object.is_array() ? JsonObject::array() : JsonObject::object();
+    for (const auto& [key, value] : object.items()) {
+        if (object.is_array())
+            result.push_back(inUtf8(value));
+        else
+            result[toUtf8(key)] = inUtf8(value);
+    }
+    return result;
+}
+
 }  // namespace
 
 // Bytes that are no UTF-8 become replacement characters.
 std::string textOf(const JsonObject& object, int indentation)
 {
-    return object.dump(indentation, ' ', false, JsonObject::error_handler_t::replace);
+    return inUtf8(object).dump(indentation, ' ', false, JsonObject::error_handler_t::replace);
 }
 
 JsonObject objectOf(const AttributeType& type)

@@ -1,6 +1,7 @@
 #include "formats/Ldif.h"
 
 #include "base/Attributes.h"
+#include "base/Encoding.h"
 #include "base/Failure.h"
 #include "base/Masking.h"
 #include "base/Text.h"
@@ -22,8 +23,9 @@ struct BerRelease {
 void appendLine(std::string& out, int type, const std::string& name, const std::string& value, std::size_t wrap)
 {
     const ber_len_t width = wrap == 0 ? LDIF_LINE_WIDTH_MAX : wrap;
+    const std::string written = toUtf8(value);
     const std::unique_ptr<char, BerRelease> line(
-        ldif_put_wrap(type, name.c_str(), value.c_str(), static_cast<ber_len_t>(value.size()), width));
+        ldif_put_wrap(type, toUtf8(name).c_str(), written.c_str(), static_cast<ber_len_t>(written.size()), width));
     if (line == nullptr)
         throw Failure(0, "there is no memory for a line of LDIF");
     out += line.get();
@@ -89,6 +91,15 @@ std::string toLdif(const Entry& entry, bool namesOnly, std::size_t wrap)
     return text + '\n';
 }
 
+bool isLdifName(const std::string& name)
+{
+    const std::string blanks = " \t\v\f\r";
+    const auto isWord = [&](const char* word) { return isSameName(name, word); };
+    return !name.empty() && blanks.find(name.front()) == std::string::npos &&
+           blanks.find(name.back()) == std::string::npos && name.front() != '#' && visible(name) == name &&
+           !isWord("dn") && !isWord("changetype") && !isWord("control");
+}
+
 // The reader and the lines of the record that it has read last.
 class LdifReader::Stream {
 public:
@@ -145,7 +156,7 @@ public:
         attribute.values.emplace_back(value.bv_val != nullptr ? std::string(value.bv_val, value.bv_len) : "");
         if (attribute.values.front().find('\0') != std::string::npos)
             throw failure(LDAP_INVALID_SYNTAX, attribute.name + ": the value holds a NUL byte");
-        return attribute;
+        return inLocale(attribute);
     }
 
     // Of the line that was read last.
@@ -161,6 +172,15 @@ public:
     const std::string& record() const { return recordText; }
 
 private:
+    Attribute inLocale(const Attribute& attribute) const
+    {
+        try {
+            return {fromUtf8(attribute.name), {fromUtf8(attribute.values.front())}};
+        } catch (const Failure& refusal) {
+            throw failure(refusal.code, refusal.text);
+        }
+    }
+
     static int linesIn(std::string_view text) { return static_cast<int>(std::count(text.begin(), text.end(), '\n')); }
 
     // libldap unfolds the lines in its buffer, where they stand as they do in recordText.

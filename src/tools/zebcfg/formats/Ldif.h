@@ -10,8 +10,11 @@
 #include <vector>
 
 // One entry with its line ends and a blank line behind it. Values that are no plain text are in base64. wrap is the
-// longest line, 0 for lines of any length. Passwords are masked.
+// longest line, 0 for lines of any length. Passwords are masked. In UTF-8.
 std::string toLdif(const Entry& entry, bool namesOnly, std::size_t wrap);
+
+// Whether LDIF can carry an attribute of that name, so that a reader finds the same again.
+bool isLdifName(const std::string& name);
 
 // What one record of LDIF asks for.
 struct LdifRecord {
