@@ -16,8 +16,8 @@ constexpr char utf8[] = "UTF-8";
 std::optional<std::string> converted(const std::string& text, const char* from, const char* to)
 {
     constexpr std::size_t longestCharacter = 4;
-    const iconv_t converter = ::iconv_open(to, from);
-    if (converter == reinterpret_cast<iconv_t>(-1))
+    auto* const converter = ::iconv_open(to, from);
+    if (converter == reinterpret_cast<iconv_t>(-1))  // NOLINT(performance-no-int-to-ptr): its mark of a failure
         return std::nullopt;
     std::string source = text;
     std::string target((text.size() + 1) * longestCharacter, '\0');

@@ -32,14 +32,14 @@ void requirePlainValue(const std::string& value)
     if (value == "*")
         return;
     if (value.empty())
-        refuse("a value or * is missing behind the =");
+        refuse("a value or * is missing after the =");
     if (value.find('*') != std::string::npos)
         refuse("* stands for any value, not for a part of one (a * of the value is written \\2a)");
     if (value.find_first_of("()") != std::string::npos)
         refuse("one test is possible, and a parenthesis of its value is written \\28 or \\29");
     for (auto at = value.find('\\'); at != std::string::npos; at = value.find('\\', at + 1)) {
         if (!isHexPair(value, at + 1))
-            refuse("two hex digits belong behind a backslash");
+            refuse("two hex digits belong after a backslash");
     }
 }
 

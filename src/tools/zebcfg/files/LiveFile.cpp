@@ -67,7 +67,7 @@ std::string LiveFile::damage(const std::string& backupName) const
         return {};
     return std::string(content.empty() ? "the file is empty" : "the file breaks off in its last line") +
            ", while the backup " + backupName + " is whole; run: zebcfg restore" +
-           (content.empty() ? ", or remove the backup" : ", or put a line end behind the last line");
+           (content.empty() ? ", or remove the backup" : ", or put a line end after the last line");
 }
 
 void LiveFile::requireUsable(const std::string& backupName) const

@@ -129,7 +129,7 @@ void PrivateFile::requireRoomFor(std::size_t size)
 void PrivateFile::sync()
 {
     if (::fsync(file.get()) != 0)
-        throw systemFailure(LDAP_OTHER, "cannot bring the new file to disk, and nothing is changed");
+        throw systemFailure(LDAP_OTHER, "cannot sync the new file, and nothing is changed");
 }
 
 void PrivateFile::makeLaterThan(const struct stat& other)
