@@ -167,4 +167,6 @@ TEST_P(Reader, ReadsTheSamplesAsTheClassesDo)
 }
 
 INSTANTIATE_TEST_SUITE_P(Locales, Reader, testing::Values("C", "C.UTF-8", "de_CH.ISO-8859-1", "ja_JP.EUC-JP"),
-                         [](const auto& each) { return std::regex_replace(each.param, std::regex("[^A-Za-z0-9]"), "_"); });
+                         [](const auto& each) {
+                             return std::regex_replace(each.param, std::regex("[^A-Za-z0-9]"), "_");
+                         });

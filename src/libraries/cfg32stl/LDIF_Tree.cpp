@@ -11,6 +11,7 @@
 
 namespace {
 
+constexpr std::uint32_t entriesAhead = 8;
 constexpr std::size_t fewMissing = 4096;                            // missing levels
 constexpr std::uint32_t mostLevels = (std::uint32_t{1} << 30) - 1;  // of a DN
 
@@ -300,6 +301,7 @@ try {
     for (Number number = 1; number < nodes.size(); ++number) {
         if (nodes[number].isUnsettled == 0)
             continue;
+        fetchDn(number + entriesAhead);
         assignKey(number, key);
         nodes[number].parent = nearestAncestor(key);
         noteMissingLevels(key, levels(nodes[number].parent));
@@ -353,8 +355,9 @@ bool LDIF_Tree::isDn(Number entry, LDIF_DnKey& wanted, std::size_t level) const
     const std::string_view wantedText = wanted.simpleText(level);
     if (node.text != nullptr && !wantedText.empty()) {
         const std::string_view text(node.text + node.dnStart, node.dnSize);
-        if (node.isLocaleBound == 0 || isSimpleDn(text))
-            return text.size() == wantedText.size() && compareFolded(text, wantedText) == 0;
+        const bool isSameText = text.size() == wantedText.size() && compareFolded(text, wantedText) == 0;
+        if (isSameText || node.isLocaleBound == 0 || isSimpleDn(text))
+            return isSameText;
     }
     return dn(entry).startsEqual(wanted.dn(), level);
 }
@@ -442,16 +445,20 @@ LDIF_EntryText LDIF_Tree::text(Number entry) const noexcept
     return {{node.text, node.size}, node.dnStart, node.dnSize, node.isLocaleBound != 0};
 }
 
-// Most entries that come soon in the walk have the next numbers: their lines are fetched ahead, for the memory of a
-// large tree is slow to come. That halves a search.
 std::string_view LDIF_Tree::linesFrom(Number entry, std::string_view name) const noexcept
 {
-    constexpr Number ahead = 8;
-    if (nodes.size() - entry > ahead && nodes[entry + ahead].text != nullptr) {
-        const Node& later = nodes[entry + ahead];
-        __builtin_prefetch(later.text + later.dnStart + later.dnSize + directory.guess(entry + ahead));
-    }
+    fetchDn(entry + entriesAhead, directory.guess(entry + entriesAhead));
     return directory.find(entry, text(entry).attributes(), name);
+}
+
+// Lets the memory come that stands so far after the DN of an entry, which is needed soon: most entries that come soon
+// have the next numbers, and the memory of a large tree is slow to come. That halves a search.
+void LDIF_Tree::fetchDn(Number entry, std::size_t distance) const noexcept
+{
+    if (entry >= nodes.size() || nodes[entry].text == nullptr)
+        return;
+    const Node& node = nodes[entry];
+    __builtin_prefetch(node.text + node.dnStart + (distance == 0 ? 0 : node.dnSize + distance));
 }
 
 LDIF_Entry LDIF_Tree::entry(Number number) const

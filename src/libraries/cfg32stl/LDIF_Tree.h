@@ -146,6 +146,7 @@ private:
     Number find(LDIF_DnKey& wanted, std::size_t level) const;
     bool isDn(Number entry, LDIF_DnKey& wanted, std::size_t level) const;
     void assignKey(Number entry, LDIF_DnKey& wanted) const;
+    void fetchDn(Number entry, std::size_t distance = 0) const noexcept;
     Number nearestAncestor(LDIF_DnKey& wanted) const;
     void noteMissingLevels(const LDIF_DnKey& descendant, std::size_t ancestorLevels);
     std::vector<Number> childrenBelow(Number ancestor, Number entry);
