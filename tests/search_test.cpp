@@ -70,6 +70,21 @@ TEST(Search, SelectionTakesNamesInAnyCase)
         EXPECT_EQ(selection.selects(name), isSelected) << name;
 }
 
+// Goes red where the text of a line is taken for a name.
+TEST(Search, TakesNoPartOfALineForAName)
+{
+    const TempDirectory directory;
+    writeText(directory / "f", "dn: o=a\n# c: d\ndescription: foo: bar\nx: 1\n\ndn: o=b\n: v\n");
+    LDIF_File file(directory / "f", "");
+    for (const auto& [filter, count] : {std::pair("description: foo=bar", 0U),
+                                        {"description: foo", 0U},
+                                        {"# c=d", 0U},
+                                        {"# c: d\ndescription", 0U},
+                                        {"description=foo: bar", 1U}})
+        for (const LDIF_Scope scope : {LDIF_Scope::base, LDIF_Scope::subtree})
+            EXPECT_EQ(file.findEntries(LDIF_DN(cisString("o=a")), scope, LDIF_Filter(filter)).size(), count) << filter;
+}
+
 // An entry that text cannot carry is searched as it stands.
 TEST(Search, FindsWhatIsNoText)
 {

@@ -66,12 +66,11 @@ int openForWriting(const std::string& name, const FileStatus& before) noexcept
     return -1;
 }
 
-// Doubles a buffer, and overwrites what it was before: it may hold clear passwords.
 void enlarge(TextBuffer& content)
 {
     TextBuffer larger(2 * content.size());
+    larger.setSecret(true);
     std::memcpy(larger.data(), content.data(), content.size());
-    wipe(content.data(), content.size());
     content = std::move(larger);
 }
 
@@ -121,6 +120,7 @@ bool readFile(const std::string& name, TextBuffer& content, std::size_t& length)
     if (!readRegular(file.get(), status))
         return false;
     content = TextBuffer(static_cast<std::size_t>(status.st_size) + 1);  // one more, to meet the end in the same read
+    content.setSecret(true);
     for (length = 0;;) {
         if (length == content.size())
             enlarge(content);
@@ -130,7 +130,7 @@ bool readFile(const std::string& name, TextBuffer& content, std::size_t& length)
         if (count > 0)
             length += static_cast<std::size_t>(count);
         else if (errno != EINTR)
-            return wipe(content.data(), length), false;
+            return false;
     }
 }
 

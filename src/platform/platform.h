@@ -149,13 +149,13 @@ private:
 void wipe(void* memory, std::size_t size) noexcept;
 
 // Memory for the whole text of a file, which the system gives in large pages where it can, and takes back at once. The
-// bytes are not set to anything.
+// bytes are not set to anything. While it may hold secrets, it is overwritten before it goes.
 class TextBuffer {
 public:
     TextBuffer() = default;
     // Throws std::bad_alloc.
     explicit TextBuffer(std::size_t size);
-    TextBuffer(TextBuffer&& other) noexcept : bytes(std::exchange(other.bytes, nullptr)), length(other.length) {}
+    TextBuffer(TextBuffer&& other) noexcept { *this = std::move(other); }
     TextBuffer& operator=(TextBuffer&& other) noexcept;
     TextBuffer(const TextBuffer&) = delete;
     TextBuffer& operator=(const TextBuffer&) = delete;
@@ -163,14 +163,16 @@ public:
 
     char* data() const noexcept { return bytes; }
     std::size_t size() const noexcept { return length; }
+    void setSecret(bool mayHoldSecrets) noexcept { isSecret = mayHoldSecrets; }
 
 private:
     char* bytes = nullptr;
     std::size_t length = 0;
+    bool isSecret = false;
 };
 
-// Reads a whole file, byte for byte, and gives the number of bytes in length. False when it cannot be opened or read,
-// or is no regular file; never waits. Throws std::bad_alloc.
+// Reads a whole file, byte for byte, as a secret, and gives the number of bytes in length. False when it cannot be
+// opened or read, or is no regular file; never waits. Throws std::bad_alloc.
 bool readFile(const std::string& name, TextBuffer& content, std::size_t& length);
 
 // What ends a line of a text file here.

@@ -61,6 +61,8 @@ TextBuffer::TextBuffer(std::size_t size) : bytes(size < largeBuffer ? new char[s
 
 TextBuffer::~TextBuffer()
 {
+    if (isSecret)
+        wipe(bytes, length);
     if (length < largeBuffer)
         delete[] bytes;
     else if (bytes != nullptr)
@@ -71,6 +73,7 @@ TextBuffer& TextBuffer::operator=(TextBuffer&& other) noexcept
 {
     std::swap(bytes, other.bytes);
     std::swap(length, other.length);
+    std::swap(isSecret, other.isSecret);
     return *this;
 }
 

@@ -135,25 +135,10 @@ LDIF_Attributes& LDIF_Attributes::operator+=(const LDIF_Attributes& other)
     return this == &other ? *this : *this += LDIF_Attributes(other);
 }
 
-// First the attributes that are there take on what comes for them, then those that are new take their places.
 LDIF_Attributes& LDIF_Attributes::operator+=(LDIF_Attributes&& other)
 {
-    constexpr size_type shortList = 8;
-    if (other.size() < shortList || !isSorted() || !other.isSorted()) {
-        for (LDIF_Attribute& attribute : other)
-            *this += std::move(attribute);
-        return *this;
-    }
-    auto present = begin();
-    for (LDIF_Attribute& attribute : other) {
-        present = std::find_if(present, end(), [&](const LDIF_Attribute& each) { return !(each < attribute); });
-        if (present != end() && *present == attribute)
-            *present += std::move(attribute);
-    }
-    const auto inPlace = static_cast<difference_type>(size());
-    insert(end(), std::make_move_iterator(other.begin()), std::make_move_iterator(other.end()));
-    std::inplace_merge(begin(), begin() + inPlace, end());
-    erase(std::unique(begin(), end()), end());
+    for (LDIF_Attribute& attribute : other)
+        *this += std::move(attribute);
     return *this;
 }
 

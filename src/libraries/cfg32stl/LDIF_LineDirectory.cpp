@@ -20,7 +20,7 @@ std::string_view LDIF_LineDirectory::find(std::uint32_t entry, std::string_view 
 {
     if ((entry >= starts.size() || starts[entry] == 0) && !learn(entry, attributes))
         return linesFrom(attributes, name);
-    const std::uint16_t* const first = &lines[starts[entry]] + 1;
+    const std::uint16_t* const first = lines.data() + starts[entry];
     const std::uint16_t* const last = first + first[-1];
     const auto isThere = [&](const std::uint16_t* at) { return at != last && isNamed(attributes.substr(*at), name); };
     const std::uint16_t* place = first + std::min<std::size_t>(likely, first[-1]);
@@ -54,7 +54,7 @@ try {
         name = line.name;
     }
     lines[count] = static_cast<std::uint16_t>(lines.size() - count - 1);
-    starts[entry] = static_cast<std::uint32_t>(count);
+    starts[entry] = static_cast<std::uint32_t>(count + 1);
     return true;
 } catch (const std::bad_alloc&) {
     return false;
@@ -64,7 +64,9 @@ void LDIF_LineDirectory::forget(std::uint32_t entry) noexcept
 {
     if (entry >= starts.size() || starts[entry] == 0)
         return;
+    constexpr std::size_t little = 4096;
+    forgotten += lines[starts[entry] - 1] + std::size_t{1};
     starts[entry] = 0;
-    if (++forgotten > starts.size())
+    if (forgotten > lines.size() / 2 + little)
         clear();
 }

@@ -21,10 +21,10 @@ public:
 private:
     bool learn(std::uint32_t entry, std::string_view attributes) noexcept;
 
-    std::vector<std::uint32_t> starts;    // by entry: where its part of lines begins; 0 for none
-    std::vector<std::uint16_t> lines{0};  // for each entry the number of its attributes, then where each begins
-    std::size_t likely = 0;               // which attribute of the entry before had the name
-    std::size_t forgotten = 0;            // entries whose part of lines is dead
+    std::vector<std::uint32_t> starts;  // by entry: one more than where its part of lines begins; 0 for none
+    std::vector<std::uint16_t> lines;   // for each entry the number of its attributes, then where each begins
+    std::size_t likely = 0;             // which attribute of the entry before had the name
+    std::size_t forgotten = 0;          // how much of lines is dead
 };
 
 #endif

@@ -14,7 +14,9 @@ namespace {
 // A filter on its way over many entries: the value is made once, by the type of the attribute.
 class Matcher {
 public:
-    explicit Matcher(const LDIF_Filter& test) : filter(test) {}
+    explicit Matcher(const LDIF_Filter& test)
+        : filter(test), isInText(test.attr[0] != '#' && test.attr.find_first_of(":\r\n") == std::string::npos)
+    {}
 
     bool match(const LDIF_Entry& entry)
     {
@@ -27,8 +29,8 @@ public:
     // lines are those of an entry from the first of the attribute on.
     bool match(std::string_view lines)
     {
-        if (lines.empty() || filter.anyValue)
-            return !lines.empty();
+        if (lines.empty() || !isInText || filter.anyValue)
+            return !lines.empty() && isInText;
         (void)wanted();
         const std::size_t start = filter.attr.size() + 2;
         do {
@@ -61,6 +63,7 @@ private:
     }
 
     const LDIF_Filter& filter;
+    const bool isInText;  // the name may be that of a line
     std::optional<LDIF_Value> value;
     const LDIF_Syntax* syntax = nullptr;  // of value
     bool isText = false;                  // the text of value is enough

@@ -11,6 +11,12 @@ LDIF_TextStore::LDIF_TextStore(TextBuffer&& file, std::size_t fileSize)
     pieces.push_back(std::move(file));
 }
 
+void LDIF_TextStore::declassifyFile() noexcept
+{
+    if (!pieces.empty())
+        pieces.front().setSecret(false);
+}
+
 std::string_view LDIF_TextStore::add(std::string_view text)
 {
     reserve(text.size());

@@ -18,6 +18,8 @@ public:
     // The text of the file. What no entry has kept may be overwritten.
     char* file() noexcept { return pieces.empty() ? nullptr : pieces.front().data(); }
     std::size_t fileSize() const noexcept { return size; }
+    // What the file held besides the texts of entries has been overwritten.
+    void declassifyFile() noexcept;
 
     // A copy of a text, which stays where it is. Throws std::bad_alloc.
     std::string_view add(std::string_view text);

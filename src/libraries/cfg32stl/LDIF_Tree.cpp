@@ -11,6 +11,7 @@
 
 namespace {
 
+constexpr std::size_t fewMissing = 4096;                            // missing levels
 constexpr std::uint32_t mostLevels = (std::uint32_t{1} << 30) - 1;  // of a DN
 
 // Text with the line ends of a file.
@@ -159,17 +160,43 @@ bool LDIF_Tree::load(LDIF_Entry&& entry, std::string_view text)
     return becomeText(made, text, std::numeric_limits<std::size_t>::max());
 }
 
-// False when no entry has the DN. One that has stays an object until the load is over: more may come.
+// False when no entry has the DN. The attributes of one that has wait in a map until the load is over: many more may
+// come, in any order.
 bool LDIF_Tree::mergeWithPresent(LDIF_Entry& entry)
 {
     key.assign(entry.dn);
-    const Number present = find(key, key.levels());
+    const Number present = find(key);
     if (present == none)
         return false;
-    if (present != root)
-        merged.push_back(present);
-    open(present).merge(std::move(entry));
+    LDIF_Entry& target = open(present);
+    auto& attributes = merged[present];
+    const auto take = [&](LDIF_Attributes& source) {
+        for (LDIF_Attribute& attribute : source) {
+            const auto known = attributes.find(attribute.name);
+            if (known == attributes.end())
+                attributes.emplace(attribute.name, std::move(attribute));
+            else
+                known->second += std::move(attribute);
+        }
+        source.clear();
+    };
+    take(target.attributes);
+    target.comment += std::move(entry.comment);
+    take(entry.attributes);
     return true;
+}
+
+void LDIF_Tree::finishMerged()
+{
+    for (auto& [number, attributes] : merged) {
+        LDIF_Entry& entry = open(number);
+        entry.attributes.reserve(attributes.size());
+        for (auto& each : attributes)
+            entry.attributes += std::move(each.second);
+        if (number != root)
+            (void)becomeText(number, {}, std::numeric_limits<std::size_t>::max());
+    }
+    merged.clear();
 }
 
 LDIF_Tree::Number LDIF_Tree::appendNode()
@@ -279,11 +306,9 @@ try {
     }
     for (Number number = 1; number < nodes.size(); ++number)
         link(number, nodes[number].parent);
-    std::sort(merged.begin(), merged.end());
-    merged.erase(std::unique(merged.begin(), merged.end()), merged.end());
-    for (const Number number : merged)
-        (void)becomeText(number, {}, std::numeric_limits<std::size_t>::max());
-    merged = {};
+    finishMerged();
+    mostMissing = 2 * missingLevels.size() + fewMissing;
+    store.declassifyFile();
     store.dropDeadFile();
     if (store.isWasteful())
         compact();
@@ -495,7 +520,7 @@ LDIF_Entry& LDIF_Tree::open(Number entry)
 // A large entry stays an object: it would be read and printed anew with each change.
 void LDIF_Tree::close(Number entry) noexcept
 try {
-    constexpr std::size_t largeEntry = std::size_t{16} << 10;
+    constexpr std::size_t largeEntry = std::size_t{4} << 10;
     if (entry != root && nodes[entry].text == nullptr)
         (void)becomeText(entry, {}, largeEntry);
     if (store.isWasteful())
@@ -531,6 +556,8 @@ bool LDIF_Tree::becomeText(Number entry, std::string_view source, std::size_t lo
 
 void LDIF_Tree::add(LDIF_Entry&& entry)
 {
+    if (missingLevels.size() > mostMissing)
+        indexAnew();  // most of them have gone
     key.assign(entry.dn);
     const Number present = find(key, key.levels());
     if (present != none) {
@@ -591,31 +618,51 @@ void LDIF_Tree::followLocale()
     if (locale->isPresent())
         return;
     auto present = std::make_unique<LocaleCopy>();
-    {
-        const LocaleCopy::Use former(*locale);
-        for (Number number = 1; number < nodes.size(); ++number) {
-            if (nodes[number].text != nullptr && nodes[number].isLocaleBound != 0)
-                (void)open(number);
-        }
+    std::vector<Number> opened;
+    for (Number first = 1; first < nodes.size(); opened.clear()) {
+        first = openLocaleBound(first, opened);
+        for (const Number number : opened)
+            (void)becomeText(number, {}, std::numeric_limits<std::size_t>::max());
     }
     indexAnew();
     locale = std::move(present);
 }
 
+// Makes objects of some entries from that one on, which are read in the former locale. Gives where to go on.
+LDIF_Tree::Number LDIF_Tree::openLocaleBound(Number first, std::vector<Number>& opened)
+{
+    constexpr std::size_t most = 1000;  // objects take much memory
+    const LocaleCopy::Use former(*locale);
+    for (; first < nodes.size() && opened.size() < most; ++first) {
+        if (nodes[first].text == nullptr || nodes[first].isLocaleBound == 0)
+            continue;
+        opened.push_back(first);
+        (void)open(first);
+    }
+    return first;
+}
+
+// After a failure all is as it was.
 void LDIF_Tree::indexAnew()
 {
     LDIF_HashIndex index;
     std::vector<std::uint32_t> tags(nodes.size());
-    missingLevels = LDIF_HashIndex();
-    for (Number number = 1; number < nodes.size(); ++number) {
-        if (nodes[number].levels == 0)
-            continue;  // vacant
-        assignKey(number, key);
-        index.add(key.hash(), number);
-        tags[number] = static_cast<std::uint32_t>(key.hash());
-        noteMissingLevels(key, levels(nodes[number].parent));
+    LDIF_HashIndex formerMissing = std::exchange(missingLevels, LDIF_HashIndex());
+    try {
+        for (Number number = 1; number < nodes.size(); ++number) {
+            if (nodes[number].levels == 0)
+                continue;  // vacant
+            assignKey(number, key);
+            index.add(key.hash(), number);
+            tags[number] = static_cast<std::uint32_t>(key.hash());
+            noteMissingLevels(key, levels(nodes[number].parent));
+        }
+    } catch (...) {
+        missingLevels = std::move(formerMissing);
+        throw;
     }
     for (Number number = 1; number < nodes.size(); ++number)
         nodes[number].tag = tags[number];
     byDn = std::move(index);
+    mostMissing = 2 * missingLevels.size() + fewMissing;
 }

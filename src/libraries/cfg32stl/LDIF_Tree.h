@@ -11,6 +11,7 @@
 #include "platform.h"
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -138,6 +139,7 @@ private:
     void setText(Number entry, const LDIF_EntryText& text) noexcept;
     bool becomeText(Number entry, std::string_view source, std::size_t longest);
     bool mergeWithPresent(LDIF_Entry& entry);
+    void finishMerged();
     void dropEntries() noexcept;
     void compact() noexcept;
 
@@ -150,6 +152,7 @@ private:
     void link(Number entry, Number above) noexcept;
     void unlink(Number entry) noexcept;
     void indexAnew();
+    Number openLocaleBound(Number first, std::vector<Number>& opened);
     std::vector<std::string_view> gatherPieces(const LDIF_Comment& after, std::string& buffer) const;
     bool needsBlankLine() const noexcept;
 
@@ -163,7 +166,9 @@ private:
         missingLevels;  // DNs that no entry has, between an entry and its parent; perhaps more than there are
     LDIF_DnKey key;     // of the entry at hand
     mutable LDIF_LineDirectory directory;
-    std::vector<Number> merged;          // during a load: objects that more than one entry of the file has gone to
+    // During a load: the attributes of the entries whose DN has come more than once.
+    std::unordered_map<Number, std::map<cisString, LDIF_Attribute>> merged;
+    std::size_t mostMissing = 0;         // missing levels, before they are looked for anew
     std::unique_ptr<LocaleCopy> locale;  // in which the texts are read
 };
 

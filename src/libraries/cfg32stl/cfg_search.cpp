@@ -177,7 +177,7 @@ private:
         if (place == names.size())
             names.resize(place + usualNames);
         Name& known = names[place++];
-        if (known.text != name)
+        if (known.type == nullptr || known.text != name)
             known = {name, selection.selects(name), getAttrType(name)};
         return known;
     }
