@@ -201,8 +201,8 @@ ZEBLDAPCFG_API const char* cfg_dump_exception(CFG* cfg);
 
 /*
  * The configuration file that the failure concerns; else, also without a failure, the full path of the bound file, else
- * the name that is set, else the default name, else null. The first lives until the next call that clears the handle;
- * the path until the next bind that succeeds or cfg_unbind; the name until CFG_OPT_CONFIG_FILE is set or cfg_unbind; the
+ * the name that is set, else the default name, else null. The first lives until the next call that clears the handle,
+ * the path until the next bind that succeeds, the name until CFG_OPT_CONFIG_FILE is set, all until cfg_unbind; the
  * default name as getDefaultConfigFilename says.
  */
 ZEBLDAPCFG_API const char* cfg_get_file_name(CFG* cfg);
