@@ -54,7 +54,8 @@ enum { CFG_MSG_ENTRY = 0, CFG_MSG_ATTRIBUTE = 1, CFG_MSG_VALUE = 2 };
 
 /*
  * A record of a search result: a list of entries, each with a list of attributes, each with a list of values. A
- * result shares nothing with its handle and outlives it; it is released as a whole with cfg_msgfree.
+ * result shares nothing with its handle and outlives it. Each entry is one block of memory with all below it, texts
+ * included: cfg_msgfree alone releases a result, and no record or text of it may be passed to free.
  */
 typedef struct CFGMessage CFGMessage;
 struct CFGMessage {
@@ -68,7 +69,7 @@ struct CFGMessage {
 enum {
     CFG_OPT_STORED_FLAG_0 = 1000,     /* flag of the handle, at first 1: stored, and read by no call */
     CFG_OPT_STORED_FLAG_1 = 1001,     /* flag of the handle, at first 0: stored, and read by no call */
-    CFG_OPT_SHOW_SOURCE = 1002,       /* flag of the process, at first 0: short reports open with the source line */
+    CFG_OPT_SHOW_SOURCE = 1002,       /* flag of the process, at first 0: stored; no call shows an effect */
     CFG_OPT_SHOW_STACK = 1003,        /* flag of the process, at first 1: reports show the whole chain of a failure */
     CFG_OPT_DELETE_NON_LEAVES = 1004, /* flag of the handle, at first 0: cfg_delete_s takes entries with children */
     CFG_OPT_CONFIG_FILE = 1005,       /* name of the configuration file, 1 to 260 bytes, or null for the default */
@@ -152,8 +153,8 @@ ZEBLDAPCFG_API int cfg_unbind(CFG* cfg);
  * Loads the configuration file and logs in. The file is that of CFG_OPT_CONFIG_FILE, else the default file, whose
  * name the handle then keeps. A null dn with a null password is an anonymous login; otherwise both have to match
  * zeb-slapdAdminDN and zeb-slapdAdminPW of the entry cn=Configuration. Both kinds of login may do everything. method
- * is LDAP_AUTH_SIMPLE. The load may rewrite the file, when it moves lines that it cannot understand into the
- * attribute zeb-slapdInvalidLine.
+ * is LDAP_AUTH_SIMPLE. The encoded form of the password, as the file holds it, is accepted as well. The load may
+ * rewrite the file, when it moves lines that it cannot understand into the attribute zeb-slapdInvalidLine.
  *
  * 0; 49 without further details for a refused login; 21 for a password of more than 46 bytes; 32 when a login finds no
  * cn=Configuration; the status of the password codec (202, 203) when it finds a password that cannot be decoded; 86 for
@@ -199,8 +200,10 @@ ZEBLDAPCFG_API void cfg_perror(CFG* cfg, const char* text);
 ZEBLDAPCFG_API const char* cfg_dump_exception(CFG* cfg);
 
 /*
- * The configuration file that the failure concerns; else the full path of the bound file, else the name that is set,
- * else the default name, else null.
+ * The configuration file that the failure concerns; else, also without a failure, the full path of the bound file, else
+ * the name that is set, else the default name, else null. The first lives until the next call that clears the handle,
+ * the path until the next bind that succeeds, the name until CFG_OPT_CONFIG_FILE is set, all until cfg_unbind; the
+ * default name as getDefaultConfigFilename says.
  */
 ZEBLDAPCFG_API const char* cfg_get_file_name(CFG* cfg);
 
@@ -222,7 +225,10 @@ ZEBLDAPCFG_API const char* const* cfg_get_enum(CFG* cfg);
 /* The bits that a value of the attribute type concerned may set; 0 when it is no bit mask. */
 ZEBLDAPCFG_API unsigned int cfg_get_bitmask(CFG* cfg);
 
-/* The least number, or the least length in bytes, for the attribute type concerned; 0 means no limit. */
+/*
+ * The least number, or the least length in bytes, for the attribute type concerned. For a number with a maximum 0 is a
+ * limit as any other; else 0 means no limit.
+ */
 ZEBLDAPCFG_API int cfg_get_minimum(CFG* cfg);
 
 /* The greatest number, or the greatest length in bytes, for the attribute type concerned; 0 means no limit. */
@@ -246,9 +252,10 @@ ZEBLDAPCFG_API int cfg_get_is_single(CFG* cfg);
  *     cfg_msgfree. Passwords are decoded in it.
  *
  * 0, also when nothing matches; 89 for a null result or a handle that is not bound; 32 when the base entry is not
- * there; 34 for a bad base; 21 for a filter value that the attribute's syntax refuses; 90 when memory is exhausted;
- * 80 for a null base or filter; the status of the password codec for a password that cannot be decoded; what a load
- * gives (cfg_bind_s). After a failure *result is null, except after 89.
+ * there; 34 for a bad base, for a found entry whose DN has an empty value, and for a filter value of an attribute of
+ * DNs that is no DN; 21 for a filter value that another syntax refuses; 90 when memory is exhausted; 80 for a null base
+ * or filter; the status of the password codec for a password that cannot be decoded; what a load gives (cfg_bind_s).
+ * After a failure *result is null, except after 89.
  */
 ZEBLDAPCFG_API int cfg_search_s(CFG* cfg, const char* base, int scope, const char* filter, char** attrs, int attrsonly,
                                 CFGMessage** result);
@@ -298,7 +305,10 @@ ZEBLDAPCFG_API int cfg_count_values(char** values);
 /* Releases what cfg_get_values gave. Null is allowed. */
 ZEBLDAPCFG_API void cfg_value_free(char** values);
 
-/* Releases a result from this record on. Null is allowed. Always 0. */
+/*
+ * Releases a result from this entry on. Null is allowed. The record of an attribute or a value belongs to its entry:
+ * given one, the call does nothing. Always 0.
+ */
 ZEBLDAPCFG_API int cfg_msgfree(CFGMessage* message);
 
 /* Releases the state of a walk over attributes. Null is allowed. */
@@ -361,8 +371,9 @@ ZEBLDAPCFG_API int cfg_set_option(CFG* cfg, int option, const void* value);
 
 /*
  * The tree in memory as a printable outline, in ASCII, or with oem not 0 in the line-drawing characters of code page
- * 437. Null when the handle is null or not bound, or the outline cannot be made. The text lives until the next call
- * that clears the handle; until then further calls give the same text, whichever form they ask for.
+ * 437. Null when the handle is null or not bound, or the outline cannot be made, as with an entry whose DN has an empty
+ * value. The text lives until the next call that clears the handle; until then further calls give the same text,
+ * whichever form they ask for.
  */
 ZEBLDAPCFG_API const char* cfg_tree_view(CFG* cfg, int oem);
 
