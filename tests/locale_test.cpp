@@ -149,7 +149,7 @@ TEST(Locale, MayChangeWhileAFileIsLoaded)
     for (const std::string& text : {start, "charset: UTF-8\nversion: 1\n\n" + hidden}) {
         const ScopedLocale utf8;
         LDIF_File file = load(text);
-        const LDIF_DN dn(cisString(text == start ? "cn=z\u00fcrich" : "cn=\\E3\\80\\80a"));
+        const LDIF_DN dn(cisString(text == start ? "cn=z\u00fcrich" : R"(cn=\E3\80\80a)"));
         const auto find = [&] { return file.findEntries(dn, LDIF_Scope::base, LDIF_Filter("x")).size(); };
         const auto flush = [&] { return file.flush(), std::string(); };
         {

@@ -114,7 +114,7 @@ private:
     const Texts rdns{"cn=a", "cn=b", "CN=A", "o=x", "cn=Z\u00fcrich", "cn=z\u00dcrich", "2.5.4.3=q", "l=\u6771\u4eac"};
     const Texts oddRdns{"cn=a+o=b",   "o=b + cn=a",       "cn=d\\, e", "cn=\"d, e\"", "cn=#41",
                         "cn=\\20a",   "cn=\\28a",         "cn=",       "cn=(a)",      "cn=a\\00",
-                        "cn=\u3000x", "cn=\\E3\\80\\80y", "cn = a ",   "cn"};
+                        "cn=\u3000x", R"(cn=\E3\80\80y)", "cn = a ",   "cn"};
     const Texts names{"cn",
                       "CN",
                       "description",

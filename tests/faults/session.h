@@ -66,10 +66,11 @@ inline long openDescriptors()
     return std::distance(begin(all), end(all));
 }
 
-// The times tell the writers of a file apart.
+// The times tell the writers of a file apart. All count from one, so that equal ages are equal times.
 inline void setAge(const std::string& name, int hours)
 {
-    std::filesystem::last_write_time(name, std::filesystem::file_time_type::clock::now() - std::chrono::hours(hours));
+    static const auto start = std::filesystem::file_time_type::clock::now();
+    std::filesystem::last_write_time(name, start - std::chrono::hours(hours));
 }
 
 #endif
