@@ -1,10 +1,8 @@
 #include "Application.h"
 
-#include "base/Failure.h"
-#include "base/Masking.h"
-#include "cli/CommandLine.h"
-#include "terminal/PrivateProcess.h"
-#include "terminal/Signals.h"
+#include "CommandLine.h"
+#include "Failure.h"
+#include "Signals.h"
 
 #include <clocale>
 #include <cstdlib>
@@ -37,9 +35,9 @@ void occupyStandardStreams()
         ::close(file);
 }
 
-int runCommand(int argc, char** argv, Messages& messages)
+int runCommand(int argc, char** argv, Telling& telling)
 {
-    const Call call = readCommandLine(argc, argv, messages);
+    const Call call = readCommandLine(argc, argv, telling);
     showPasswords(call.has("show-passwords"));
     const int status = call.command() != nullptr ? call.command()->run(call) : 0;
     if (!std::cout.flush())
@@ -54,16 +52,15 @@ int runApplication(int argc, char** argv)
     occupyStandardStreams();
     useUtf8InPlainLocale();
     handleSignals();
-    hideMemory();
-    Messages messages;
+    Telling telling;
     Failure failure;
     try {
-        return runCommand(argc, argv, messages);
+        return runCommand(argc, argv, telling);
     } catch (const Failure& caught) {
         failure = caught;
     } catch (const std::exception& caught) {
         failure = Failure(0, caught.what());
     }
-    messages.report(failure);
+    report(failure, telling);
     return failure.exitStatus();
 }

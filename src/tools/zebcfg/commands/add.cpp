@@ -1,10 +1,6 @@
-#include "cli/Call.h"
-#include "update/LdifInput.h"
+#include "LdifInput.h"
 
 int runAdd(const Call& call)
 {
-    LdifInput input;
-    input.file = call.value("file", "-");
-    input.needsParent = !call.has("no-parent-check");
-    return applyLdif(call.target(), input);
+    return applyLdif(call, LdifRecord::add);
 }

@@ -1,9 +1,8 @@
-#include "cli/Call.h"
-#include "update/Update.h"
+#include "Update.h"
 
 int runDelete(const Call& call)
 {
-    update(call.target(), [&](Changes& file) {
+    update(call, [&](Changes& file) {
         for (const std::string& dn : call.operands())
             file.erase(dn, call.has("recursive"));
     });

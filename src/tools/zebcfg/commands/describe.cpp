@@ -1,7 +1,7 @@
-#include "base/Attributes.h"
-#include "base/Failure.h"
-#include "cli/Call.h"
-#include "formats/Json.h"
+#include "Attributes.h"
+#include "Call.h"
+#include "Failure.h"
+#include "Json.h"
 
 #include <iomanip>
 #include <iostream>
@@ -26,11 +26,9 @@ int runDescribe(const Call& call)
 {
     constexpr int nameWidth = 38;
     const auto types = wantedTypes(call);
-    if (call.isJson()) {
+    if (call.isJson())
         std::cout << toJson(types) << '\n';
-        return 0;
-    }
-    for (const AttributeType& type : types)
+    for (const AttributeType& type : call.isJson() ? std::vector<AttributeType>() : types)
         std::cout << std::left << std::setw(nameWidth) << type.name << ' ' << describeValues(type)
                   << (type.isSingle ? "; one value" : "; any number of values") << '\n';
     return 0;

@@ -1,8 +1,6 @@
-#include "base/Failure.h"
-#include "check/Check.h"
-#include "cli/Call.h"
-#include "update/Update.h"
-#include "update/Workplace.h"
+#include "Check.h"
+#include "Failure.h"
+#include "Update.h"
 
 #include <iostream>
 
@@ -25,20 +23,19 @@ void requireLoadable(const std::string& text, const std::string& name)
 
 int runRestore(const Call& call)
 {
-    const Target target = call.target();
-    const std::string& name = target.backup;
+    const std::string name = call.backupName();
     if (name.empty())
         throw Failure(0, "there is no backup to restore under --no-backup");
     const LiveFile backup(name);
     requireLoadable(backup.text(), name);
-    requireLogin(target, backup.text(), name);  // The file itself may be damaged.
-    if (::access(target.file.c_str(), F_OK) != 0) {
-        putInPlace(target, backup);
+    requireLogin(call, backup.text(), name);  // The file itself may be damaged.
+    if (::access(call.fileName().c_str(), F_OK) != 0) {
+        putInPlace(call, backup);
         return 0;
     }
-    replaceText(target, [&](const LiveFile& file) {
-        if (!target.isDryRun && !target.messages.isQuiet)
-            showDiff(target, file.text(), backup.text(), file.shownName());
+    replaceText(call, [&](const LiveFile& file) {
+        if (!call.isDryRun() && !call.isQuiet())
+            showDiff(call, file.text(), backup.text(), file.shownName());
         return backup.text();
     });
     return 0;

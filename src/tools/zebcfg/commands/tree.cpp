@@ -1,9 +1,8 @@
-#include "base/Failure.h"
-#include "base/Text.h"
-#include "cli/Call.h"
-#include "library/Dn.h"
-#include "library/Outline.h"
-#include "update/Reading.h"
+#include "Dn.h"
+#include "Failure.h"
+#include "Json.h"
+#include "Outline.h"
+#include "Reading.h"
 
 #include <iostream>
 #include <string_view>
@@ -24,22 +23,14 @@ Lines linesFor(const Call& call)
 
 int runTree(const Call& call)
 {
-    Reading reading(call.target());
+    Reading reading(call);
     std::vector<Node> nodes = outlineOf(reading.session());
     if (!call.operands().empty()) {
         const std::string dn = DnSpeller()(call.operands().front());
         nodes = below(nodes, dn);
-        if (nodes.empty()) {
-            Failure failure = reading.session().missingEntry(dn);
-            failure.file = reading.live().shownName();
-            throw failure;
-        }
+        if (nodes.empty())
+            throw Failure(LDAP_NO_SUCH_OBJECT, "there is no entry " + dn, reading.live().shownName());
     }
-    if (call.isJson()) {
-        std::cout << toJson(nodes) << '\n';
-        return 0;
-    }
-    const std::string drawing = draw(nodes, linesFor(call));
-    std::cout << (::isatty(STDOUT_FILENO) == 1 ? visibleLines(drawing) : drawing);
+    std::cout << (call.isJson() ? toJson(nodes) + '\n' : draw(nodes, linesFor(call)));
     return 0;
 }

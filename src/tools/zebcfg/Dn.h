@@ -1,0 +1,29 @@
+// DNs as texts. Their syntax is the library's; here they are only brought to one spelling and cut.
+#ifndef ZEBCFG_DN_H
+#define ZEBCFG_DN_H
+
+#include "PrivateFile.h"
+#include "Session.h"
+
+#include <string>
+
+// Asks the library for its spelling of DNs, behind an empty file where none of them exists.
+class DnSpeller {
+public:
+    DnSpeller();
+    // Throws Failure (34) for a text that is no DN.
+    std::string operator()(const std::string& dn) const;
+    // The empty text for one that is no DN.
+    std::string orNothing(const std::string& dn) const;
+
+private:
+    const MemoryFile emptyFile;
+    const Session session;
+};
+
+// Whether the library takes the text for the DN of the root: blanks and parentheses do not count.
+bool isRootDn(const std::string& dn);
+// The DN without its first RDN, for one in the library's spelling; empty for a single RDN.
+std::string parentOf(const std::string& dn);
+
+#endif

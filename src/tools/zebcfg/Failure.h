@@ -1,0 +1,46 @@
+// What ends a command: an exit status, and a line that a person can act on.
+#ifndef ZEBCFG_FAILURE_H
+#define ZEBCFG_FAILURE_H
+
+#include <exception>
+#include <string>
+
+struct Failure : std::exception {
+    Failure() = default;
+    // A code of 0 is for usage and for failures of the tool's own.
+    Failure(int resultCode, std::string message, std::string shownFile = {});
+
+    const char* what() const noexcept override { return text.c_str(); }
+    // The result code where it fits a byte, else 80; 1 without a code.
+    int exitStatus() const noexcept;
+    // "ATTRIBUTE: TEXT (CODE, EXTENDED) at FILE:LINE", without what is not known.
+    std::string line() const;
+    // What stands in the parentheses, or the empty text.
+    std::string codes() const;
+
+    int code = 0;
+    int extended = 0;  // 0 when no more is known than code says
+    std::string text;
+    std::string attribute;  // with its colon it opens the line
+    std::string entry;
+    std::string value;  // masked for a password
+    std::string file;   // as the user calls it
+    int fileLine = 0;   // 0 means none
+    std::string dump;   // the library's report, or empty
+};
+
+// Failure with the text of errno behind the message.
+Failure systemFailure(int resultCode, const std::string& message, const std::string& shownFile = {});
+
+// Passwords are shown as this, unless showPasswords(true) has been called.
+constexpr char passwordMask[] = "********";
+void showPasswords(bool areShown);
+bool arePasswordsShown();
+// The value as output and messages show it.
+std::string shownValue(const std::string& attribute, const std::string& value);
+// The same for a line of the file, also where its colon is missing, or a filter.
+std::string shownLine(const std::string& line);
+// The text with each occurrence of a word replaced. An empty word changes nothing.
+std::string replaced(std::string text, const std::string& word, const std::string& replacement);
+
+#endif
