@@ -135,8 +135,8 @@ std::wstring& w_stripLeading(std::wstring& text) noexcept
 
 std::string& stripLeading(std::string& text)
 {
-    if (text.empty() || (isPlain(text) && !isEdge(text.front())))
-        return text;
+    if (isPlain(text))
+        return text.erase(0, leadingEdges(std::string_view(text)));
     WideText wide(text);
     return replace(text, wide2multibyte(w_stripLeading(wide.units)));
 }
@@ -149,8 +149,8 @@ std::wstring& w_stripTrailing(std::wstring& text) noexcept
 
 std::string& stripTrailing(std::string& text)
 {
-    if (text.empty() || (isPlain(text) && !isEdge(text.back())))
-        return text;
+    if (isPlain(text))
+        return text.erase(lengthWithoutTrailing(std::string_view(text)));
     WideText wide(text);
     return replace(text, wide2multibyte(w_stripTrailing(wide.units)));
 }
