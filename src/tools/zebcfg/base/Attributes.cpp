@@ -108,8 +108,8 @@ std::string nearest(std::string_view word, const std::vector<std::string>& candi
     std::size_t best = std::min<std::size_t>(word.size() / 3 + 1, 3);  // as far as a slip of the fingers goes
     std::string found;
     for (const std::string& candidate : candidates) {
-        const auto [shorter, longer] = std::minmax(candidate.size(), word.size());
-        if (longer - shorter >= best)
+        const std::size_t length = candidate.size();
+        if (std::max(length, word.size()) - std::min(length, word.size()) >= best)
             continue;  // Each letter more is a step.
         const std::size_t steps = distance(word, candidate);
         if (steps < best) {
