@@ -37,7 +37,7 @@ std::string Call::fileName() const
 {
     if (has("config"))
         return value("config");
-    const std::string name = defaultFileName();
+    std::string name = defaultFileName();
     if (!name.empty())
         return name;
     Failure failure(CFG_CONNECT_ERROR,
