@@ -306,8 +306,10 @@ try {
         nodes[number].parent = nearestAncestor(key);
         noteMissingLevels(key, levels(nodes[number].parent));
     }
-    for (Number number = 1; number < nodes.size(); ++number)
-        link(number, nodes[number].parent);
+    for (Number number = 1; number < nodes.size(); ++number) {
+        if (!isVacant(number))
+            link(number, nodes[number].parent);
+    }
     finishMerged();
     mostMissing = 2 * missingLevels.size() + fewMissing;
     store.declassifyFile();
@@ -664,8 +666,8 @@ void LDIF_Tree::indexAnew()
     LDIF_HashIndex formerMissing = std::exchange(missingLevels, LDIF_HashIndex());
     try {
         for (Number number = 1; number < nodes.size(); ++number) {
-            if (nodes[number].levels == 0)
-                continue;  // vacant
+            if (isVacant(number))
+                continue;
             assignKey(number, key);
             index.add(key.hash(), number);
             tags[number] = static_cast<std::uint32_t>(key.hash());

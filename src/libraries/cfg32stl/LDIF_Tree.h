@@ -143,6 +143,8 @@ private:
     void dropEntries() noexcept;
     void compact() noexcept;
 
+    // Whether an entry other than the root has been erased, or taken back when memory ran out in a load.
+    bool isVacant(Number entry) const noexcept { return nodes[entry].levels == 0; }
     Number find(LDIF_DnKey& wanted, std::size_t level) const;
     bool isDn(Number entry, LDIF_DnKey& wanted, std::size_t level) const;
     void assignKey(Number entry, LDIF_DnKey& wanted) const;
