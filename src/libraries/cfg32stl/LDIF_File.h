@@ -74,8 +74,6 @@ public:
     long getModTime() const noexcept { return static_cast<long>(fileStat.st_mtime); }  // seconds
 
 private:
-    void modifyEntry(const LDIF_DN& dn, LDAPMod** mods);
-    void removeEntry(const LDIF_DN& dn, bool deleteNonLeaves);
     Authentication checkLogin(const char* dn, const char* password);
     LDIF_Tree readText() const;
     void readTree(LDIF_Tree&& emptyTree, bool& needsRewrite);
