@@ -89,13 +89,4 @@ private:
     Authentication authentication = noAccess;
 };
 
-// What a failed operation on an entry of a file knows. The report of a DN that cannot be printed does without it.
-inline auto fieldsOf(const LDIF_DN& dn, const std::string& fileName)
-{
-    return [&](LDIF_Exception& failure) {
-        failure.entryDn = printable(dn);
-        failure.configFile = fileName;
-    };
-}
-
 #endif

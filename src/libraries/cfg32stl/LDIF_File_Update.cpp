@@ -69,6 +69,15 @@ private:
     const char* type;
 };
 
+// What a failed update knows. The report of a DN that cannot be printed does without it.
+auto fieldsOf(const LDIF_DN& dn, const std::string& fileName)
+{
+    return [&](LDIF_Exception& failure) {
+        failure.entryDn = printable(dn);
+        failure.configFile = fileName;
+    };
+}
+
 LDIF_Exception notFound(SourcePos pos = SourcePos::here())
 {
     return {LDAP_NO_SUCH_OBJECT, LDAP_NO_SUCH_OBJECT, "Entry not found", pos};

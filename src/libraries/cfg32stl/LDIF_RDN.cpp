@@ -35,7 +35,7 @@ void parsing(const char* part, Text text, Body body, SourcePos pos = SourcePos::
 try {
     body();
 } catch (...) {
-    wrapAndThrow((std::string("System error parsing ") + part + ": " + text()).c_str(), pos);
+    throw wrapCurrent((std::string("System error parsing ") + part + ": " + text()).c_str(), pos);
 }
 
 // The text from here on, when it is asked for.
