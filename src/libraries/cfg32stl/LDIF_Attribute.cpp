@@ -31,11 +31,7 @@ void LDIF_Attribute::appendTo(std::string& out) const
 
 LDIF_Attribute& LDIF_Attribute::operator+=(const LDIF_Attribute& other)
 {
-    if (*this == other) {
-        comment += other.comment;
-        values += other.values;
-    }
-    return *this;
+    return *this += LDIF_Attribute(other);
 }
 
 LDIF_Attribute& LDIF_Attribute::operator+=(LDIF_Attribute&& other)
@@ -72,25 +68,13 @@ void LDIF_Attributes::appendTo(std::string& out) const
         attribute.appendTo(out);
 }
 
-// Names beyond ASCII have their places by the locale, which may have changed since the list was sorted.
-bool LDIF_Attributes::isSorted() const
-{
-    const std::size_t present = caseFolding();
-    if (sortedUnder != present)
-        sortedUnder = std::is_sorted(begin(), end()) ? present : 0;
-    return sortedUnder == present;
-}
-
-// The first attribute that does not sort before name. Names mostly come in ascending order, so the end comes first.
+// The first attribute that does not sort before name. Names mostly come in ascending order, so the end comes first. One
+// beyond ASCII has its place by the locale, which may have changed since: it is looked for in the whole list.
 LDIF_Attributes::iterator LDIF_Attributes::placeOf(const std::string& name)
 {
-    if (!isPlain(name) && !isSorted()) {
-        const auto present = std::find(begin(), end(), name);
-        if (present != end())
-            return present;
-    }
-    if (empty() || back().compare(name) < 0)
-        return end();
+    const auto present = isPlain(name) ? end() : std::find(begin(), end(), name);
+    if (present != end() || empty() || back().compare(name) < 0)
+        return present;
     return std::lower_bound(begin(), end(), name, [](const LDIF_Attribute& attribute, const std::string& wanted) {
         return attribute.compare(wanted) < 0;
     });

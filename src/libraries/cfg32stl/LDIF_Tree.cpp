@@ -11,7 +11,6 @@
 
 namespace {
 
-constexpr std::size_t fewMissing = 4096;                            // missing levels
 constexpr std::uint32_t mostLevels = (std::uint32_t{1} << 30) - 1;  // of a DN
 
 constexpr std::uint32_t entriesAhead = 16;
@@ -100,7 +99,6 @@ LDIF_Tree::LDIF_Tree(TextBuffer&& file, std::size_t size)
     constexpr std::size_t usualSize = 128;  // of an entry, or more
     nodes.reserve(size / usualSize + 1);
     nodes.push_back({});
-    nodes[root].firstChild = nodes[root].lastChild = none;
 }
 
 bool LDIF_Tree::load(const LDIF_EntryText& entry, bool isFileText)
@@ -111,7 +109,7 @@ bool LDIF_Tree::load(const LDIF_EntryText& entry, bool isFileText)
         key.assignSimple(entry.dn());
     if (find(key) != none)
         return false;
-    place(append(entry, isFileText));
+    place(append([&](Number number) { setText(number, isFileText ? kept(entry) : copied(entry)); }));
     return true;
 }
 
@@ -119,7 +117,7 @@ bool LDIF_Tree::load(LDIF_Entry&& entry, std::string_view text)
 {
     if (mergeWithPresent(entry))
         return false;
-    const Number made = append(std::move(entry));
+    const Number made = append([&](Number number) { objects.emplace(number, Object{std::move(entry), {}}); });
     place(made);
     return becomeText(made, text, std::numeric_limits<std::size_t>::max());
 }
@@ -156,61 +154,40 @@ void LDIF_Tree::finishMerged()
         LDIF_Entry& entry = open(number);
         entry.attributes.reserve(attributes.size());
         for (auto& each : attributes)
-            entry.attributes += std::move(each.second);
+            entry.attributes.push_back(std::move(each.second));
         if (number != root)
             (void)becomeText(number, {}, std::numeric_limits<std::size_t>::max());
     }
     merged.clear();
 }
 
+// A node for the entry of the key, which fill gives its text or object.
+template <typename Fill>
+LDIF_Tree::Number LDIF_Tree::append(Fill fill)
+{
+    const Number number = appendNode();
+    try {
+        fill(number);
+    } catch (...) {
+        takeBack(number);
+        throw;
+    }
+    return number;
+}
+
 LDIF_Tree::Number LDIF_Tree::appendNode()
 {
-    Node node = {};
-    node.firstChild = node.lastChild = none;
+    if (key.levels() > mostLevels || (firstVacant == none && nodes.size() >= none))
+        throw std::length_error("too many entries or levels");
+    if (firstVacant == none) {
+        nodes.push_back({});
+        vacate(static_cast<Number>(nodes.size() - 1));
+    }
+    byDn.add(key.hash(), firstVacant);
+    Node& node = nodes[firstVacant];
     node.tag = static_cast<std::uint32_t>(key.hash());
     node.levels = static_cast<std::uint32_t>(key.levels()) & mostLevels;
-    if (firstVacant != none) {
-        byDn.add(key.hash(), firstVacant);
-        const Number number = std::exchange(firstVacant, nodes[firstVacant].next);
-        nodes[number] = node;
-        return number;
-    }
-    if (nodes.size() >= none || key.levels() > mostLevels)
-        throw std::length_error("too many entries or levels");
-    const auto number = static_cast<Number>(nodes.size());
-    nodes.push_back(node);
-    try {
-        byDn.add(key.hash(), number);
-    } catch (...) {
-        nodes.pop_back();
-        throw;
-    }
-    return number;
-}
-
-// The key is that of the entry.
-LDIF_Tree::Number LDIF_Tree::append(const LDIF_EntryText& entry, bool isFileText)
-{
-    const Number number = appendNode();
-    try {
-        setText(number, isFileText ? kept(entry) : copied(entry));
-        return number;
-    } catch (...) {
-        takeBack(number);
-        throw;
-    }
-}
-
-LDIF_Tree::Number LDIF_Tree::append(LDIF_Entry&& entry)
-{
-    const Number number = appendNode();
-    try {
-        objects.emplace(number, Object{std::move(entry), {}});
-    } catch (...) {
-        takeBack(number);
-        throw;
-    }
-    return number;
+    return std::exchange(firstVacant, node.next);
 }
 
 // A text that stands in the store already.
@@ -226,18 +203,23 @@ LDIF_EntryText LDIF_Tree::copied(LDIF_EntryText entry)
     return entry;
 }
 
+void LDIF_Tree::vacate(Number entry) noexcept
+{
+    nodes[entry] = {};
+    nodes[entry].next = std::exchange(firstVacant, entry);
+}
+
 // Removes what nothing is linked to.
 void LDIF_Tree::takeBack(Number entry) noexcept
 {
-    Node& node = nodes[entry];
+    const Node& node = nodes[entry];
     byDn.remove(node.tag, entry);
     if (node.text != nullptr)
         store.release({node.text, node.size});
     else
         objects.erase(entry);
     directory.forget(entry);
-    node = {};
-    node.next = std::exchange(firstVacant, entry);
+    vacate(entry);
 }
 
 void LDIF_Tree::setText(Number entry, const LDIF_EntryText& text) noexcept
@@ -253,27 +235,25 @@ void LDIF_Tree::setText(Number entry, const LDIF_EntryText& text) noexcept
 // During a load: where the entry hangs, if that is settled already. An entry right above it is nearest.
 void LDIF_Tree::place(Number entry)
 {
-    Node& node = nodes[entry];
-    const Number above = key.levels() == 1 ? root : find(key, key.levels() - 1);
-    node.isUnsettled = above == none ? 1 : 0;
-    node.parent = above;
+    nodes[entry].parent = key.levels() == 1 ? root : find(key, key.levels() - 1);
 }
 
 void LDIF_Tree::finish()
 try {
     for (Number number = 1; number < nodes.size(); ++number) {
-        if (nodes[number].isUnsettled == 0)
+        if (nodes[number].parent != none)
             continue;
         if (number + entriesAhead < nodes.size())
             fetch(text(number + entriesAhead).dn().data());
         assignKey(number, key);
         nodes[number].parent = nearestAncestor(key);
-        noteMissingLevels(key, levels(nodes[number].parent));
+        noteMissingLevels(levels(nodes[number].parent));
     }
-    for (Number number = 1; number < nodes.size(); ++number)
-        link(number, nodes[number].parent);
+    for (Number number = 1; number < nodes.size(); ++number) {
+        if (!isVacant(number))
+            link(number, nodes[number].parent);
+    }
     finishMerged();
-    mostMissing = 2 * missingLevels.size() + fewMissing;
     store.declassifyFile();
     store.dropDeadFile();
     if (store.isWasteful())
@@ -286,7 +266,7 @@ try {
 void LDIF_Tree::dropEntries() noexcept
 {
     nodes.resize(1);
-    nodes[root].firstChild = nodes[root].lastChild = none;
+    nodes[root] = {};
     firstVacant = none;
     objects.clear();
     directory.clear();
@@ -342,12 +322,17 @@ LDIF_Tree::Number LDIF_Tree::nearestAncestor(LDIF_DnKey& wanted) const
     return above;
 }
 
-void LDIF_Tree::noteMissingLevels(const LDIF_DnKey& descendant, std::size_t ancestorLevels)
+bool LDIF_Tree::isMissing(std::size_t hash) const
 {
-    for (std::size_t level = ancestorLevels + 1; level < descendant.levels(); ++level) {
-        const std::size_t hash = descendant.hash(level);
-        if (missingLevels.find(hash, [](std::size_t) { return true; }) == LDIF_HashIndex::npos)
-            missingLevels.add(hash, 0);
+    return missingLevels.find(hash, [](std::size_t) { return true; }) != LDIF_HashIndex::npos;
+}
+
+// The key is that of the descendant.
+void LDIF_Tree::noteMissingLevels(std::size_t ancestorLevels)
+{
+    for (std::size_t level = ancestorLevels + 1; level < key.levels(); ++level) {
+        if (!isMissing(key.hash(level)))
+            missingLevels.add(key.hash(level), 0);
     }
 }
 
@@ -355,14 +340,15 @@ void LDIF_Tree::noteMissingLevels(const LDIF_DnKey& descendant, std::size_t ance
 std::vector<LDIF_Tree::Number> LDIF_Tree::childrenBelow(Number ancestor, Number entry)
 {
     std::vector<Number> found;
-    if (missingLevels.find(key.hash(), [](std::size_t) { return true; }) == LDIF_HashIndex::npos)
-        return found;
     LDIF_DnKey each;
+    const std::size_t level = key.levels();
+    if (!isMissing(key.hash()))
+        return found;
     for (Number child = firstChild(ancestor); child != none; child = nextSibling(child)) {
-        if (levels(child) <= levels(entry))
+        if (levels(child) <= level)
             continue;
         assignKey(child, each);
-        if (each.hash(levels(entry)) == key.hash() && isDn(entry, each, levels(entry)))
+        if (each.hash(level) == key.hash() && isDn(entry, each, level))
             found.push_back(child);
     }
     return found;
@@ -550,8 +536,6 @@ bool LDIF_Tree::becomeText(Number entry, std::string_view source, std::size_t lo
 
 void LDIF_Tree::add(LDIF_Entry&& entry)
 {
-    if (missingLevels.size() > mostMissing)
-        indexAnew();  // most of them have gone
     key.assign(entry.dn);
     const Number present = find(key, key.levels());
     if (present != none) {
@@ -559,17 +543,13 @@ void LDIF_Tree::add(LDIF_Entry&& entry)
         opened->merge(std::move(entry));
         return;
     }
-    const Number made = append(std::move(entry));
+    const Number above = nearestAncestor(key);
+    noteMissingLevels(levels(above));
     std::vector<Number> below;
-    Number above = none;
-    try {
-        above = nearestAncestor(key);
-        noteMissingLevels(key, levels(above));
-        below = childrenBelow(above, made);
-    } catch (...) {
-        takeBack(made);
-        throw;
-    }
+    const Number made = append([&](Number number) {
+        objects.emplace(number, Object{std::move(entry), {}});
+        below = childrenBelow(above, number);
+    });
     link(made, above);
     for (const Number each : below) {
         unlink(each);
@@ -638,27 +618,19 @@ LDIF_Tree::Number LDIF_Tree::openLocaleBound(Number first, std::vector<Number>& 
     return first;
 }
 
-// After a failure all is as it was.
 void LDIF_Tree::indexAnew()
 {
     LDIF_HashIndex index;
     std::vector<std::uint32_t> tags(nodes.size());
-    LDIF_HashIndex formerMissing = std::exchange(missingLevels, LDIF_HashIndex());
-    try {
-        for (Number number = 1; number < nodes.size(); ++number) {
-            if (nodes[number].levels == 0)
-                continue;  // vacant
-            assignKey(number, key);
-            index.add(key.hash(), number);
-            tags[number] = static_cast<std::uint32_t>(key.hash());
-            noteMissingLevels(key, levels(nodes[number].parent));
-        }
-    } catch (...) {
-        missingLevels = std::move(formerMissing);
-        throw;
+    for (Number number = 1; number < nodes.size(); ++number) {
+        if (isVacant(number))
+            continue;
+        assignKey(number, key);
+        index.add(key.hash(), number);
+        tags[number] = static_cast<std::uint32_t>(key.hash());
+        noteMissingLevels(levels(nodes[number].parent));
     }
     for (Number number = 1; number < nodes.size(); ++number)
         nodes[number].tag = tags[number];
     byDn = std::move(index);
-    mostMissing = 2 * missingLevels.size() + fewMissing;
 }
