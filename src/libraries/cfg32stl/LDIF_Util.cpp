@@ -30,8 +30,10 @@ bool isEdge(wchar_t unit) noexcept
 template <typename Text>
 std::size_t leadingEdges(const Text& text) noexcept
 {
-    const auto isInside = [](auto unit) { return !isEdge(unit); };
-    return static_cast<std::size_t>(std::find_if(text.begin(), text.end(), isInside) - text.begin());
+    std::size_t first = 0;
+    while (first < text.size() && isEdge(text[first]))
+        ++first;
+    return first;
 }
 
 // How many units it leaves from the front when it trims the end.
