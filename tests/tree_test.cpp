@@ -1,4 +1,5 @@
 // The tree held against the plain steps: how entries hang, and what becomes of their texts.
+#include "LDIF_Search.h"
 #include "plainTree.h"
 #include "support.h"
 
@@ -40,9 +41,25 @@ bool eraseFrom(LDIF_Tree& tree, const LDIF_DN& dn)
 LDIF_Entry someEntry(const LDIF_DN& dn, int step)
 {
     LDIF_Entry entry(dn);
+    if (step % 3 == 0)
+        entry += LDIF_Attribute("V", "before the others");
     entry += LDIF_Attribute("x", step % 50 == 0 ? "a\nline end" : std::to_string(step));
     entry += LDIF_Attribute("y", std::string(static_cast<std::size_t>(step) % 7 * 300, 'y'));
     return entry;
+}
+
+// What a search finds is what matches entry by entry, also where lines have been found before.
+void expectSameMatches(const LDIF_Tree& tree)
+{
+    for (const char* const text : {"v", "x", "y=yyy", "z", "xx", "X=line"}) {
+        const LDIF_Filter filter(text);
+        std::vector<LDIF_Tree::Number> matches;
+        for (auto entry = LDIF_Tree::root; entry != LDIF_Tree::none; entry = tree.nextBelow(entry, LDIF_Tree::root)) {
+            if (filter.match(tree.entry(entry)))
+                matches.push_back(entry);
+        }
+        EXPECT_EQ(findMatches(tree, LDIF_Tree::root, LDIF_Scope::subtree, filter), matches) << text;
+    }
 }
 
 }  // namespace
@@ -67,6 +84,8 @@ TEST(Tree, IsTheSameAsByThePlainSteps)
             const LDIF_DN wanted = randomDn(random);
             ASSERT_EQ(file.tree.find(wanted) != LDIF_Tree::none, plain.tree.find(wanted) != nullptr) << wanted;
             ASSERT_EQ(file.str(), plain.str()) << "seed " << seed << " step " << step;
+            if (step % 20 == 0)
+                expectSameMatches(file.tree);
         }
     }
 }

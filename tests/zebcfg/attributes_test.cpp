@@ -1,5 +1,5 @@
 // What the tool tells of the attributes is what the library enforces and reports.
-#include "Attributes.h"
+#include "base/Attributes.h"
 #include "support.h"
 
 #include <gtest/gtest.h>

@@ -44,7 +44,7 @@ finish_step() {
         same "$result" "$work/zebslapd.conf" "the resulting file of: $command"
         [ ! -e "$work/zebslapd.conf.bak" ] || same "$directory/before/zebslapd.conf" "$work/zebslapd.conf.bak" "the backup"
     elif [ -n "$changed" ]; then
-        diff "$directory/before/zebslapd.conf" "$work/zebslapd.conf" | grep '^[<>]' >"$directory/lines" || true
+        diff "$directory/before/zebslapd.conf" "$work/zebslapd.conf" | grep -a '^[<>]' >"$directory/lines" || true
         same "$changed" "$directory/lines" "the changed lines of: $command"
     else
         cmp "$directory/before/zebslapd.conf" "$work/zebslapd.conf" 2>/dev/null || [ ! -e "$work/zebslapd.conf" ] || say "the file is changed by: $command"

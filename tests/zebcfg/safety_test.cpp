@@ -1,6 +1,7 @@
 // What the tool promises whatever happens: the file is the old or the new one, and nothing is left beside it.
 #include "Process.h"
 
+#include <array>
 #include <chrono>
 #include <map>
 #include <set>
@@ -9,10 +10,15 @@
 #include <sys/inotify.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/time.h>
+#include <sys/xattr.h>
 
 namespace {
 
 using namespace std::chrono_literals;
+
+// Quick changes would have to wait, so that the time of the file does not run ahead.
+constexpr timeval longAgo[] = {{1000000000, 0}, {1000000000, 0}};
 
 constexpr char frontEnd[] = "cn=Front End,cn=Configuration";
 
@@ -41,6 +47,7 @@ void interrupt(const ConfigDirectory& directory, int signal, int times, const st
     ::chmod(directory.file.c_str(), 0640);
     long longest = 0;  // of three undisturbed runs, in microseconds
     for (int port = 1; port < 4; ++port) {
+        ASSERT_EQ(::utimes(directory.file.c_str(), longAgo), 0);
         const auto begin = std::chrono::steady_clock::now();
         ASSERT_EQ(run(directory.file, setPort(port)), 0);
         const auto duration = std::chrono::steady_clock::now() - begin;
@@ -51,6 +58,7 @@ void interrupt(const ConfigDirectory& directory, int signal, int times, const st
     std::map<bool, int> outcomes;
     for (int port = 4; port < times + 4; ++port) {
         const std::string before = readText(directory.file);
+        ASSERT_EQ(::utimes(directory.file.c_str(), longAgo), 0);
         const pid_t child = start(directory.file, setPort(port));
         std::this_thread::sleep_for(std::chrono::microseconds(moment(random)));
         ::kill(child, signal);
@@ -82,6 +90,141 @@ TEST(Safety, ASignalLeavesNothingBesideTheFile)
     interrupt(directory, SIGTERM, 100, [&] { ASSERT_EQ(directory.names(), fileAndBackup); });
 }
 
+// The file and its backup after one change, and a further change that the refusals meet.
+class Generations : public testing::Test {
+protected:
+    Generations()
+    {
+        EXPECT_EQ(run(directory.file, setPort(1)), 0);
+        backup = readText(directory.backup);
+        live = readText(directory.file);
+        next = withPort(live, 2);
+    }
+
+    int refused(const std::string& refusal)
+    {
+        return finish(start(directory.file, setPort(2), [&] {
+            ::setenv("LD_PRELOAD", ZEBCFG_REFUSALS, 1);
+            ::setenv("ASAN_OPTIONS", "verify_asan_link_order=0", 1);
+            ::setenv("REFUSAL", refusal.c_str(), 1);
+        }));
+    }
+
+    // Puts everything back as it was before the change.
+    void reset() const
+    {
+        for (const std::string& name : directory.names())
+            std::filesystem::remove(directory / name);
+        writeText(directory.file, live);
+        writeText(directory.backup, backup);
+        ASSERT_EQ(::utimes(directory.file.c_str(), longAgo), 0);
+    }
+
+    void expect(const std::string& wantedFile, const std::string& wantedBackup, const std::string& label) const
+    {
+        EXPECT_EQ(readText(directory.file), wantedFile) << label;
+        EXPECT_EQ(readText(directory.backup), wantedBackup) << label;
+    }
+
+    const ConfigDirectory directory;
+    std::string backup;
+    std::string live;
+    std::string next;
+};
+
+// Each call of a kind is refused in turn, until there are no more.
+TEST_F(Generations, ARefusedStepUndoesThoseBeforeIt)
+{
+    int refusals = 0;
+    for (const std::string name : {"rename", "renameat2", "link", "fsync", "fchmod", "fchown", "ftruncate"}) {
+        int status = 1;
+        for (int call = 1; call < 10; ++call) {
+            const std::string label = name + ':' + std::to_string(call);
+            reset();
+            status = refused(label);
+            refusals += static_cast<int>(status == 50 || status == 80);
+            expect(status == 0 ? next : live, status == 0 ? live : backup, label);
+            EXPECT_EQ(directory.names(), fileAndBackup) << label;
+        }
+        EXPECT_EQ(status, 0) << name << ": the last call number is beyond all";
+    }
+    EXPECT_GT(refusals, 8) << "of some fifteen calls";
+}
+
+TEST_F(Generations, AfterAKillAllStandWholeAndTheNextUpdateTidiesUp)
+{
+    int status = 1;
+    int call = 1;
+    for (; status != 0; ++call) {
+        const std::string label = "kill:" + std::to_string(call);
+        ASSERT_LT(call, 100);
+        reset();
+        status = refused(label);
+        const bool isNew = readText(directory.file) == next;
+        if (std::filesystem::exists(directory.file + ".lock")) {
+            EXPECT_EQ(modeOf(directory.file + ".lock"), 0644U) << label;
+        }
+        const std::string before = directory / ".zebslapd.conf.bak.zebcfg-old";
+        if (isNew)
+            EXPECT_EQ(readText(directory.backup), live) << label;
+        else if (readText(directory.backup) == live)
+            EXPECT_EQ(readText(before), backup) << label;
+        else
+            expect(live, backup, label);
+        ASSERT_EQ(run(directory.file, setPort(isNew ? 2 : 1)), 0) << label << ": nothing is left to change";
+        expect(isNew ? next : live, isNew ? live : backup, label);
+        EXPECT_EQ(directory.names(), fileAndBackup) << label;
+    }
+    EXPECT_GT(call, 15) << "so many calls a change has at least";
+}
+
+TEST(Safety, ALockThatRootHasLeftDoesNotKeepTheOwnerOut)
+{
+    constexpr uid_t nobody = 65534;
+    const ConfigDirectory directory;
+    const std::string lock = directory.file + ".lock";
+    if (::chown(directory.path.c_str(), nobody, nobody) != 0 || ::chown(directory.file.c_str(), nobody, nobody) != 0)
+        GTEST_SKIP() << "only root can be two users";
+    writeText(lock, "zebcfg lock\nprocess 1 of root since 2026-01-31 12:00:00\n");
+    const auto become = [] { ASSERT_TRUE(::setgid(nobody) == 0 && ::setuid(nobody) == 0); };
+    EXPECT_EQ(finish(start(directory.file, setPort(2), become)), 0);
+    EXPECT_EQ(directory.names(), fileAndBackup);
+}
+
+// The kernel gives the files below /proc/PID of a process that may not be dumped to root.
+TEST(Safety, TheMemoryIsHiddenFromTheSameUser)
+{
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "AddressSanitizer has to see the memory";
+#endif
+    constexpr uid_t nobody = 65534;
+    const ConfigDirectory directory;
+    if (::chown(directory.path.c_str(), nobody, nobody) != 0 || ::chown(directory.file.c_str(), nobody, nobody) != 0)
+        GTEST_SKIP() << "only root can be two users";
+    writeText(directory / "editor", "stat -c %u /proc/$PPID/environ >'" + directory / "owner" + "'\n");
+    const std::string editor = "VISUAL=sh " + directory / "editor";
+    EXPECT_EQ(finish(start(directory.file, {"edit"},
+                           [&] {
+                               ASSERT_TRUE(::setgid(nobody) == 0 && ::setuid(nobody) == 0);
+                               ::putenv(const_cast<char*>(editor.c_str()));
+                           })),
+              0);
+    EXPECT_EQ(readText(directory / "owner"), "0\n");
+}
+
+TEST(Safety, ExtendedAttributesAreKept)
+{
+    const ConfigDirectory directory;
+    const std::string value = "a value";
+    if (::setxattr(directory.file.c_str(), "user.note", value.data(), value.size(), 0) != 0)
+        GTEST_SKIP() << "the file system has no extended attributes";
+    ASSERT_EQ(run(directory.file, setPort(2)), 0);
+    std::array<char, 100> kept = {};
+    EXPECT_EQ(::getxattr(directory.file.c_str(), "user.note", kept.data(), kept.size()),
+              static_cast<ssize_t>(value.size()));
+    EXPECT_STREQ(kept.data(), value.c_str());
+}
+
 // A limit on the size of files stands for a disk that is full at each byte of the new text in turn.
 TEST(Safety, AFullDiskLeavesTheOldFile)
 {
@@ -107,7 +250,7 @@ TEST(Safety, AFullDiskLeavesTheOldFile)
 
 TEST(Safety, TwoWritersLoseNoUpdate)
 {
-    constexpr int updates = 30;
+    constexpr int updates = 6;  // a second each
     const ConfigDirectory directory;
     const auto write = [&](const std::string& name) {
         for (int i = 0; i < updates; ++i)

@@ -1,6 +1,9 @@
 // The tool on a terminal: prompts, colour, line drawing and the editor.
 #include "Process.h"
 
+#include <iterator>
+
+#include <sys/stat.h>
 #include <termios.h>
 
 namespace {
@@ -102,6 +105,62 @@ TEST_F(Edit, EditsAgainAfterAFinding)
     EXPECT_NE(terminal.output.find("+zeb-slapdPort: 70000"), std::string::npos) << terminal.output;
     EXPECT_NE(readText(directory.file).find("zeb-slapdPort: 391"), std::string::npos);
     EXPECT_EQ(readText(directory.backup), before);
+}
+
+TEST_F(Edit, BeginsAgainAtTheLineOfTheFinding)
+{
+    const std::string editor = directory / "vi";
+    writeText(editor, "#!/bin/sh\necho \"$*\" >>'" + directory / "words" + "'\nfor file; do :; done\nsh '" +
+                          directory / "editor" + "' \"$file\"\n");
+    ::chmod(editor.c_str(), 0700);
+    setting = "VISUAL=" + editor;
+    Terminal terminal(directory.file, {"edit", "cn=Configuration"}, {setting.c_str()});
+    terminal.answer("(s)how them? ", "e\n");
+    EXPECT_EQ(terminal.finish(), 0) << terminal.output;
+    const std::string words = readText(directory / "words");
+    EXPECT_EQ(words.find('+'), words.find('\n') + 1) << words;
+    EXPECT_NE(words.find("+7 "), std::string::npos) << words;
+}
+
+TEST_F(Edit, AsksBeforeItDeletesAnEntry)
+{
+    for (const char* const answer : {"n\n", "y\n"}) {
+        Terminal terminal(directory.file, {"edit", "cn=Front End,cn=Configuration"}, {"VISUAL=truncate -s 0"});
+        terminal.answer("(n)o: ", answer);
+        if (*answer == 'n')
+            terminal.answer("(s)how them? ", "d\n");
+        EXPECT_EQ(terminal.finish(), *answer == 'n' ? 1 : 0) << terminal.output;
+        EXPECT_EQ(readText(directory.file).find("Front End") == std::string::npos, *answer == 'y');
+    }
+}
+
+// The editor ends the tool, and goes on for a while.
+TEST_F(Edit, WorkInMemoryIsRemovedOnceNobodyUsesIt)
+{
+    const std::string runtime = directory / "runtime";
+    std::filesystem::create_directories(runtime + "/zebcfg-mine");
+    const auto edit = [&](const std::string& editor) {
+        return finish(start(directory.file, {"edit"}, [&] {
+            ::setenv("XDG_RUNTIME_DIR", runtime.c_str(), 1);
+            ::setenv("VISUAL", editor.c_str(), 1);
+        }));
+    };
+    const auto folders = [&] {
+        return std::distance(std::filesystem::directory_iterator(runtime), std::filesystem::directory_iterator());
+    };
+    for (const char* const signal : {"KILL", "TERM"}) {
+        const std::string done = directory / "done-" + signal;
+        writeText(directory / "editor",
+                  std::string("touch \"$1.swap\"; kill -") + signal + " $PPID; sleep 1; touch '" + done + "'\n");
+        EXPECT_NE(edit("sh " + directory / "editor"), 0);
+        EXPECT_EQ(edit("true"), 0);
+        EXPECT_EQ(folders(), 2) << signal << ": the editor still works in it";
+        for (int i = 0; i < 500 && !std::filesystem::exists(done); ++i)
+            ::usleep(10000);
+        ::usleep(100000);
+        EXPECT_EQ(edit("true"), 0);
+        EXPECT_EQ(folders(), 1) << signal << ": another's folder stays";
+    }
 }
 
 TEST_F(Edit, DropsTheChanges)

@@ -1,5 +1,7 @@
 #include "LDIF_HashIndex.h"
 
+#include <algorithm>
+
 namespace {
 
 constexpr std::size_t smallest = 16;
@@ -30,19 +32,12 @@ void LDIF_HashIndex::put(const Slot& slot)
     slots[at] = slot;
 }
 
-void LDIF_HashIndex::erase(std::size_t position)
+void LDIF_HashIndex::erase(std::size_t position) noexcept
 {
-    const auto gone = static_cast<std::uint32_t>(position + 1);
-    std::vector<Slot> old(slots.size());
-    old.swap(slots);
-    for (Slot slot : old) {
-        if (slot.next == 0 || slot.next == gone)
-            continue;
-        if (slot.next > gone)
-            --slot.next;
-        put(slot);
-    }
-    --count;
+    const auto isGone = [&](const Slot& slot) { return slot.next == position + 1; };
+    remove(std::find_if(slots.begin(), slots.end(), isGone)->tag, position);
+    for (Slot& slot : slots)
+        slot.next -= slot.next > position ? 1 : 0;
 }
 
 // Closes the gap: a slot moves there unless it would stand before the first one of its hash.

@@ -16,7 +16,7 @@ public:
     void reserve(std::size_t positions);
     void add(std::size_t hash, std::size_t position);
     // Removes a position, and lets those behind it move up by one, as the list does.
-    void erase(std::size_t position);
+    void erase(std::size_t position) noexcept;
     // Removes a position that was added under that hash, and leaves all others as they are.
     void remove(std::size_t hash, std::size_t position) noexcept;
 

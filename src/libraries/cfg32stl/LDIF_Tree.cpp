@@ -11,8 +11,18 @@
 
 namespace {
 
-constexpr std::uint32_t entriesAhead = 8;
 constexpr std::uint32_t mostLevels = (std::uint32_t{1} << 30) - 1;  // of a DN
+
+constexpr std::uint32_t entriesAhead = 16;
+
+// Lets a line come that will be needed soon: the memory of a large tree is slow to come. Entries mostly have the
+// numbers in the order in which they are looked at.
+void fetch(const char* line) noexcept
+{
+    constexpr std::size_t usualSize = 48;
+    __builtin_prefetch(line);
+    __builtin_prefetch(line + usualSize);
+}
 
 // Text with the line ends of a file.
 std::string inFileForm(std::string text)
@@ -40,14 +50,18 @@ LDIF_EntryText printed(const LDIF_Entry& entry, std::string& buffer)
     return text;
 }
 
-// The least number of bytes that its values take when they are printed.
-std::size_t sizeOfValues(const LDIF_Entry& entry)
+// Whether its values alone take more bytes than that when they are printed.
+bool isLonger(const LDIF_Entry& entry, std::size_t longest)
 {
     std::size_t size = 0;
-    for (const LDIF_Attribute& attribute : entry.attributes)
-        for (const LDIF_Value& value : attribute.values)
+    for (const LDIF_Attribute& attribute : entry.attributes) {
+        for (const LDIF_Value& value : attribute.values) {
             size += attribute.name.size() + value.stringValue.size() + lineEnd.size() + 2;
-    return size;
+            if (size > longest)
+                return true;
+        }
+    }
+    return false;
 }
 
 bool hasOddName(const LDIF_Entry& entry)
@@ -74,57 +88,6 @@ try {
 } catch (const LDIF_Exception&) {
     return false;
 }
-
-// The pieces of a text. What stands side by side is one piece; what is printed stands in a buffer that moves as it
-// grows, so that its places are known only in the end.
-class Pieces {
-public:
-    explicit Pieces(std::string& text) : buffer(text) { buffer.clear(); }
-
-    void add(std::string_view piece)
-    {
-        if (!found.empty() && found.back().data() != nullptr &&
-            found.back().data() + found.back().size() == piece.data())
-            found.back() = {found.back().data(), found.back().size() + piece.size()};
-        else
-            found.push_back(piece);
-    }
-    void print(const LDIF_Entry& entry)
-    {
-        const std::size_t start = buffer.size();
-        buffer.reserve(std::max(buffer.capacity(), start + sizeOfValues(entry)));
-        entry.appendTo(buffer);
-        endPrinted(start);
-    }
-    void print(const std::string& text)
-    {
-        const std::size_t start = buffer.size();
-        buffer += text;
-        endPrinted(start);
-    }
-    std::vector<std::string_view> take()
-    {
-        std::size_t start = 0;
-        for (std::string_view& piece : found) {
-            if (piece.data() != nullptr)
-                continue;
-            piece = {buffer.data() + start, piece.size()};
-            start += piece.size();
-        }
-        return std::move(found);
-    }
-
-private:
-    void endPrinted(std::size_t start)
-    {
-        if (lineEnd.size() > 1)
-            buffer.replace(start, buffer.size() - start, inFileForm(buffer.substr(start)));
-        found.emplace_back(nullptr, buffer.size() - start);
-    }
-
-    std::string& buffer;
-    std::vector<std::string_view> found;
-};
 
 }  // namespace
 
@@ -154,7 +117,7 @@ bool LDIF_Tree::load(LDIF_Entry&& entry, std::string_view text)
 {
     if (mergeWithPresent(entry))
         return false;
-    const Number made = append([&](Number number) { objects.emplace(number, std::move(entry)); });
+    const Number made = append([&](Number number) { objects.emplace(number, Object{std::move(entry), {}}); });
     place(made);
     return becomeText(made, text, std::numeric_limits<std::size_t>::max());
 }
@@ -280,7 +243,8 @@ try {
     for (Number number = 1; number < nodes.size(); ++number) {
         if (nodes[number].parent != none)
             continue;
-        fetchDn(number + entriesAhead);
+        if (number + entriesAhead < nodes.size())
+            fetch(text(number + entriesAhead).dn().data());
         assignKey(number, key);
         nodes[number].parent = nearestAncestor(key);
     }
@@ -343,7 +307,7 @@ const LDIF_Entry* LDIF_Tree::object(Number entry) const noexcept
 {
     if (entry == root)
         return &rootObject;
-    return nodes[entry].text == nullptr ? &objects.find(entry)->second : nullptr;
+    return nodes[entry].text == nullptr ? &objects.find(entry)->second.entry : nullptr;
 }
 
 LDIF_EntryText LDIF_Tree::text(Number entry) const noexcept
@@ -354,18 +318,11 @@ LDIF_EntryText LDIF_Tree::text(Number entry) const noexcept
 
 std::string_view LDIF_Tree::linesFrom(Number entry, std::string_view name) const noexcept
 {
-    fetchDn(entry + entriesAhead, directory.guess(entry + entriesAhead));
+    const Number ahead = entry + entriesAhead;
+    const std::size_t start = directory.start(ahead);
+    if (start != LDIF_LineDirectory::nowhere)
+        fetch(text(ahead).attributes().data() + start);
     return directory.find(entry, text(entry).attributes(), name);
-}
-
-// Lets the memory come that stands so far after the DN of an entry, which is needed soon: most entries that come soon
-// have the next numbers, and the memory of a large tree is slow to come. That halves a search.
-void LDIF_Tree::fetchDn(Number entry, std::size_t distance) const noexcept
-{
-    if (entry >= nodes.size() || nodes[entry].text == nullptr)
-        return;
-    const Node& node = nodes[entry];
-    __builtin_prefetch(node.text + node.dnStart + (distance == 0 ? 0 : node.dnSize + distance));
 }
 
 LDIF_Entry LDIF_Tree::entry(Number number) const
@@ -398,18 +355,38 @@ std::vector<std::string_view> LDIF_Tree::pieces(const LDIF_Comment& after, std::
     return gatherPieces(after, buffer);
 }
 
-std::vector<std::string_view> LDIF_Tree::gatherPieces(const LDIF_Comment& after, std::string& buffer) const
+std::vector<std::string_view> LDIF_Tree::gatherPieces(const LDIF_Comment& after, std::string& buffer)
 {
-    Pieces made(buffer);
-    made.print(rootObject.str() + (needsBlankLine() ? "\n" : ""));
+    buffer = inFileForm(rootObject.str() + (needsBlankLine() ? "\n" : ""));
+    const std::size_t head = buffer.size();
+    buffer += inFileForm(after.str());
+    std::vector<std::string_view> found{{buffer.data(), head}};
     for (Number each = nextBelow(root, root); each != none; each = nextBelow(each, root)) {
-        if (nodes[each].text != nullptr)
-            made.add({nodes[each].text, nodes[each].size});
+        const std::string_view piece =
+            nodes[each].text != nullptr ? text(each).text : std::string_view(printedObject(each));
+        std::string_view& last = found.back();
+        if (last.data() + last.size() == piece.data())
+            last = {last.data(), last.size() + piece.size()};
         else
-            made.print(objects.at(each));
+            found.push_back(piece);
     }
-    made.print(after.str());
-    return made.take();
+    found.emplace_back(buffer.data() + head, buffer.size() - head);
+    return found;
+}
+
+const std::string& LDIF_Tree::printedObject(Number entry)
+{
+    auto& [object, printed] = objects.at(entry);
+    if (!printed.empty())
+        return printed;
+    try {
+        object.appendTo(printed);
+        printed = inFileForm(std::move(printed));
+        return printed;
+    } catch (...) {
+        printed.clear();
+        throw;
+    }
 }
 
 // The blank lines after the root's attributes are comment lines of the first entry, if the file had any.
@@ -429,9 +406,12 @@ LDIF_Entry& LDIF_Tree::open(Number entry)
     if (entry == root)
         return rootObject;
     Node& node = nodes[entry];
-    if (node.text == nullptr)
-        return objects.at(entry);
-    LDIF_Entry& made = objects.emplace(entry, LDIF_Entry(text(entry).text)).first->second;
+    if (node.text == nullptr) {
+        Object& known = objects.at(entry);
+        known.printed.clear();
+        return known.entry;
+    }
+    LDIF_Entry& made = objects.emplace(entry, Object{LDIF_Entry(text(entry).text), {}}).first->second.entry;
     store.release({node.text, node.size});
     directory.forget(entry);
     node.text = nullptr;
@@ -453,8 +433,8 @@ try {
 // Whether it has become that part of the text of the file.
 bool LDIF_Tree::becomeText(Number entry, std::string_view source, std::size_t longest)
 {
-    const LDIF_Entry& known = objects.at(entry);
-    if (sizeOfValues(known) > longest)
+    const LDIF_Entry& known = objects.at(entry).entry;
+    if (isLonger(known, longest))
         return false;
     std::string buffer;
     LDIF_EntryText text;
@@ -487,7 +467,7 @@ void LDIF_Tree::add(LDIF_Entry&& entry)
     const Number above = nearestAncestor(key);
     std::vector<Number> below;
     const Number made = append([&](Number number) {
-        objects.emplace(number, std::move(entry));
+        objects.emplace(number, Object{std::move(entry), {}});
         below = childrenBelow(above, number);
     });
     link(made, above);

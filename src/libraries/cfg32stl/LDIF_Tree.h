@@ -79,8 +79,8 @@ public:
     // The string form of its DN, or the empty text for one that cannot be printed.
     std::string dnText(Number number) const;
 
-    // The text of the whole tree and the lines after it as a file holds it, in pieces that live until the tree changes;
-    // what is not text is printed to buffer. Throws LDIF_Exception for an entry that cannot be printed.
+    // The text of the whole tree and the lines after it as a file holds it, in pieces that live until the tree or
+    // buffer changes. Throws LDIF_Exception for an entry that cannot be printed.
     std::vector<std::string_view> pieces(const LDIF_Comment& after, std::string& buffer);
 
     // --- Changing ---
@@ -127,6 +127,11 @@ private:
         std::uint32_t hasGaps : 1;  // some child has or had a DN of more than one level more
     };
 
+    struct Object {
+        LDIF_Entry entry;
+        std::string printed;  // its text in the file, or empty until that is asked for
+    };
+
     template <typename Fill>
     Number append(Fill fill);
     Number appendNode();
@@ -149,20 +154,20 @@ private:
     Number find(LDIF_DnKey& wanted, std::size_t level) const;
     bool isDn(Number entry, LDIF_DnKey& wanted, std::size_t level) const;
     void assignKey(Number entry, LDIF_DnKey& wanted) const;
-    void fetchDn(Number entry, std::size_t distance = 0) const noexcept;
     Number nearestAncestor(LDIF_DnKey& wanted) const;
     std::vector<Number> childrenBelow(Number ancestor, Number entry);
     void link(Number entry, Number above) noexcept;
     void unlink(Number entry) noexcept;
     void indexAnew();
     Number openLocaleBound(Number first, std::vector<Number>& opened);
-    std::vector<std::string_view> gatherPieces(const LDIF_Comment& after, std::string& buffer) const;
+    std::vector<std::string_view> gatherPieces(const LDIF_Comment& after, std::string& buffer);
+    const std::string& printedObject(Number entry);
     bool needsBlankLine() const noexcept;
 
     std::vector<Node> nodes;
     Number firstVacant = none;  // an erased entry, whose next is another one
     LDIF_Entry rootObject;
-    std::unordered_map<Number, LDIF_Entry> objects;
+    std::unordered_map<Number, Object> objects;
     LDIF_TextStore store;
     LDIF_HashIndex byDn;  // the entries but the root
     LDIF_DnKey key;       // of the entry at hand

@@ -39,7 +39,7 @@ bool LDIF_Tree::isDn(Number entry, LDIF_DnKey& wanted, std::size_t level) const
 void LDIF_Tree::assignKey(Number entry, LDIF_DnKey& wanted) const
 {
     if (nodes[entry].text == nullptr)
-        wanted.assign(objects.at(entry).dn);
+        wanted.assign(objects.at(entry).entry.dn);
     else
         wanted.assign(text(entry).dn());
 }
@@ -88,6 +88,8 @@ void LDIF_Tree::followLocale()
         for (const Number number : opened)
             (void)becomeText(number, {}, std::numeric_limits<std::size_t>::max());
     }
+    for (auto& each : objects)
+        each.second.printed.clear();
     indexAnew();
     locale = std::move(present);
 }

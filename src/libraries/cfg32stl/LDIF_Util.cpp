@@ -151,8 +151,7 @@ std::wstring& w_stripLeading(std::wstring& text) noexcept
 
 std::string& stripLeading(std::string& text)
 {
-    const bool isStripped = text.empty() || (isPlain(text) && !isEdge(text.front()));
-    return isStripped ? text : stripAsWide(text, w_stripLeading);
+    return isPlain(text) ? text.erase(0, leadingEdges(text)) : stripAsWide(text, w_stripLeading);
 }
 
 std::wstring& w_stripTrailing(std::wstring& text) noexcept
@@ -163,8 +162,7 @@ std::wstring& w_stripTrailing(std::wstring& text) noexcept
 
 std::string& stripTrailing(std::string& text)
 {
-    const bool isStripped = text.empty() || (isPlain(text) && !isEdge(text.back()));
-    return isStripped ? text : stripAsWide(text, w_stripTrailing);
+    return isPlain(text) ? text.erase(lengthWithoutTrailing(text)) : stripAsWide(text, w_stripTrailing);
 }
 
 bool w_hexPair(const std::wstring& text, std::size_t pos, char& byte) noexcept

@@ -1,8 +1,10 @@
 #include "Application.h"
 
-#include "CommandLine.h"
-#include "Failure.h"
-#include "Signals.h"
+#include "base/Failure.h"
+#include "base/Masking.h"
+#include "cli/CommandLine.h"
+#include "terminal/PrivateProcess.h"
+#include "terminal/Signals.h"
 
 #include <clocale>
 #include <cstdlib>
@@ -35,9 +37,9 @@ void occupyStandardStreams()
         ::close(file);
 }
 
-int runCommand(int argc, char** argv, Telling& telling)
+int runCommand(int argc, char** argv, Messages& messages)
 {
-    const Call call = readCommandLine(argc, argv, telling);
+    const Call call = readCommandLine(argc, argv, messages);
     showPasswords(call.has("show-passwords"));
     const int status = call.command() != nullptr ? call.command()->run(call) : 0;
     if (!std::cout.flush())
@@ -52,15 +54,16 @@ int runApplication(int argc, char** argv)
     occupyStandardStreams();
     useUtf8InPlainLocale();
     handleSignals();
-    Telling telling;
+    hideMemory();
+    Messages messages;
     Failure failure;
     try {
-        return runCommand(argc, argv, telling);
+        return runCommand(argc, argv, messages);
     } catch (const Failure& caught) {
         failure = caught;
     } catch (const std::exception& caught) {
         failure = Failure(0, caught.what());
     }
-    report(failure, telling);
+    messages.report(failure);
     return failure.exitStatus();
 }

@@ -1,6 +1,10 @@
-#include "LdifInput.h"
+#include "cli/Call.h"
+#include "update/LdifInput.h"
 
 int runAdd(const Call& call)
 {
-    return applyLdif(call, LdifRecord::add);
+    LdifInput input;
+    input.file = call.value("file", "-");
+    input.needsParent = !call.has("no-parent-check");
+    return applyLdif(call.target(), input);
 }

@@ -1,9 +1,13 @@
 // What a shell asks when the user wants a word completed: zebcfg __complete WORD... gives the words that the last one
 // may become, one a line. Failures give none.
-#include "Attributes.h"
-#include "Failure.h"
-#include "Outline.h"
-#include "Reading.h"
+#include "base/Attributes.h"
+#include "base/Failure.h"
+#include "base/Text.h"
+#include "cli/Call.h"
+#include "files/LiveFile.h"
+#include "files/MemoryFile.h"
+#include "library/Outline.h"
+#include "library/Session.h"
 
 #include <algorithm>
 #include <iostream>
@@ -79,8 +83,7 @@ Line understand(const std::vector<std::string>& words, std::vector<Option>& opti
 
 std::vector<std::string> dnsOf(const std::string& file)
 {
-    const char* const defaultName = getDefaultConfigFilename();
-    const std::string name = !file.empty() || defaultName == nullptr ? file : defaultName;
+    const std::string name = file.empty() ? defaultFileName() : file;
     const MemoryFile copy(LiveFile(name).text());
     const Session session(copy.name(), name);
     std::vector<std::string> dns;
@@ -159,6 +162,14 @@ bool begins(const std::string& candidate, const std::string& word)
     return candidate.size() >= word.size() && isSameName(candidate.substr(0, word.size()), word);
 }
 
+// The candidate as the user writes DNs: without blanks after the commas where the word has none.
+std::string writtenLike(const std::string& candidate, const std::string& word)
+{
+    const auto comma = word.find(',');
+    const bool isDense = comma != std::string::npos && comma + 1 < word.size() && word[comma + 1] != ' ';
+    return isDense ? replaced(candidate, ", ", ",") : candidate;
+}
+
 }  // namespace
 
 int runComplete(const Call& call)
@@ -167,8 +178,9 @@ int runComplete(const Call& call)
     const std::string last = words.empty() ? "" : words.back();
     try {
         for (const std::string& candidate : completionsOf(words)) {
-            if (candidate == "__files" || begins(candidate, last))
-                std::cout << candidate << '\n';
+            const std::string written = writtenLike(candidate, last);
+            if (candidate == "__files" || begins(written, last))
+                std::cout << written << '\n';
         }
     } catch (const Failure&) {
         return 1;  // A file that does not load has no DNs to offer.

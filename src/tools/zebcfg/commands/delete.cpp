@@ -1,8 +1,9 @@
-#include "Update.h"
+#include "cli/Call.h"
+#include "update/Update.h"
 
 int runDelete(const Call& call)
 {
-    update(call, [&](Changes& file) {
+    update(call.target(), [&](Changes& file) {
         for (const std::string& dn : call.operands())
             file.erase(dn, call.has("recursive"));
     });

@@ -1,7 +1,7 @@
-#include "Attributes.h"
-#include "Call.h"
-#include "Failure.h"
-#include "Json.h"
+#include "base/Attributes.h"
+#include "base/Failure.h"
+#include "cli/Call.h"
+#include "formats/Json.h"
 
 #include <iomanip>
 #include <iostream>
@@ -26,9 +26,11 @@ int runDescribe(const Call& call)
 {
     constexpr int nameWidth = 38;
     const auto types = wantedTypes(call);
-    if (call.isJson())
+    if (call.isJson()) {
         std::cout << toJson(types) << '\n';
-    for (const AttributeType& type : call.isJson() ? std::vector<AttributeType>() : types)
+        return 0;
+    }
+    for (const AttributeType& type : types)
         std::cout << std::left << std::setw(nameWidth) << type.name << ' ' << describeValues(type)
                   << (type.isSingle ? "; one value" : "; any number of values") << '\n';
     return 0;

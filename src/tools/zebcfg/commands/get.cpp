@@ -1,13 +1,18 @@
-#include "Attributes.h"
-#include "Failure.h"
-#include "Json.h"
-#include "Reading.h"
+#include "base/Attributes.h"
+#include "base/Failure.h"
+#include "base/Masking.h"
+#include "base/Text.h"
+#include "cli/Call.h"
+#include "formats/Json.h"
+#include "update/Reading.h"
 
 #include <iostream>
 
+#include <unistd.h>
+
 int runGet(const Call& call)
 {
-    Reading reading(call);
+    Reading reading(call.target());
     const std::string& name = call.operands()[1];
     std::vector<std::string> values = reading.session().values(call.operands()[0], name);
     if (values.empty()) {
@@ -18,9 +23,12 @@ int runGet(const Call& call)
     }
     for (std::string& value : values)
         value = shownValue(name, value);
-    if (call.isJson())
+    if (call.isJson()) {
         std::cout << toJson(values) << '\n';
-    for (const std::string& value : call.isJson() ? std::vector<std::string>() : values)
-        std::cout << value << '\n';
+        return 0;
+    }
+    const bool isTerminal = ::isatty(STDOUT_FILENO) == 1;
+    for (const std::string& value : values)
+        std::cout << (isTerminal ? visible(value) : value) << '\n';
     return 0;
 }

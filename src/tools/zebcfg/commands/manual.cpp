@@ -1,7 +1,8 @@
 // Writes the manual page: the file named, with lists out of the tables of commands and options in their places.
-#include "Call.h"
-#include "Failure.h"
-#include "PrivateFile.h"
+#include "base/Failure.h"
+#include "base/Text.h"
+#include "cli/Call.h"
+#include "files/Descriptor.h"
 
 #include <iostream>
 

@@ -1,6 +1,8 @@
-#include "Check.h"
-#include "Failure.h"
-#include "Update.h"
+#include "base/Failure.h"
+#include "check/Check.h"
+#include "cli/Call.h"
+#include "update/Update.h"
+#include "update/Workplace.h"
 
 #include <iostream>
 
@@ -23,19 +25,20 @@ void requireLoadable(const std::string& text, const std::string& name)
 
 int runRestore(const Call& call)
 {
-    const std::string name = call.backupName();
+    const Target target = call.target();
+    const std::string& name = target.backup;
     if (name.empty())
         throw Failure(0, "there is no backup to restore under --no-backup");
     const LiveFile backup(name);
     requireLoadable(backup.text(), name);
-    requireLogin(call, backup.text(), name);  // The file itself may be damaged.
-    if (::access(call.fileName().c_str(), F_OK) != 0) {
-        putInPlace(call, backup);
+    requireLogin(target, backup.text(), name);  // The file itself may be damaged.
+    if (::access(target.file.c_str(), F_OK) != 0) {
+        putInPlace(target, backup);
         return 0;
     }
-    replaceText(call, [&](const LiveFile& file) {
-        if (!call.isDryRun() && !call.isQuiet())
-            showDiff(call, file.text(), backup.text(), file.shownName());
+    replaceText(target, [&](const LiveFile& file) {
+        if (!target.isDryRun && !target.messages.isQuiet)
+            showDiff(target, file.text(), backup.text(), file.shownName());
         return backup.text();
     });
     return 0;

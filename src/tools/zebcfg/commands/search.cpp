@@ -1,8 +1,11 @@
-#include "Failure.h"
-#include "Filter.h"
-#include "Json.h"
-#include "Ldif.h"
-#include "Reading.h"
+#include "base/Encoding.h"
+#include "base/Failure.h"
+#include "base/Filter.h"
+#include "base/Masking.h"
+#include "cli/Call.h"
+#include "formats/Json.h"
+#include "formats/Ldif.h"
+#include "update/Reading.h"
 
 #include <algorithm>
 #include <charconv>
@@ -18,7 +21,7 @@ int scopeOf(const std::string& word)
         return LDAP_SCOPE_BASE;
     if (word == "one")
         return LDAP_SCOPE_ONELEVEL;
-    return LDAP_SCOPE_SUBTREE;
+    return LDAP_SCOPE_SUBTREE;  // also for the children, and the base is left out
 }
 
 // The length of lines that -o ldif_wrap=N asks for; 0 for any length.
@@ -52,6 +55,30 @@ struct Request {
     std::vector<std::string> names;
 };
 
+void removeBase(std::vector<Entry>& entries, const std::vector<Entry>& base)
+{
+    entries.erase(std::remove_if(entries.begin(), entries.end(),
+                                 [&](const Entry& entry) { return !base.empty() && entry.dn == base.front().dn; }),
+                  entries.end());
+}
+
+// Removes what LDIF cannot carry. True when there was anything.
+bool removeUnwritable(const Call& call, std::vector<Entry>& entries)
+{
+    bool isAny = false;
+    for (Entry& entry : entries) {
+        auto& attributes = entry.attributes;
+        const auto end = std::stable_partition(attributes.begin(), attributes.end(),
+                                               [](const Attribute& attribute) { return isLdifName(attribute.name); });
+        for (auto attribute = end; attribute != attributes.end(); ++attribute)
+            call.messages().warn("LDIF cannot carry the attribute \"" + shownLine(attribute->name) + "\" of " +
+                                 entry.dn + ", which is left out");
+        isAny = isAny || end != attributes.end();
+        attributes.erase(end, attributes.end());
+    }
+    return isAny;
+}
+
 void writeLdif(const Call& call, const Request& request, const std::vector<Entry>& entries)
 {
     const std::size_t wrap = wrapOf(call.value("option"));
@@ -59,8 +86,8 @@ void writeLdif(const Call& call, const Request& request, const std::vector<Entry
     if (plainness < 3)
         std::cout << "version: 1\n\n";
     if (plainness < 2)
-        std::cout << "# base <" << call.value("base") << "> with scope " << call.value("scope", "sub")
-                  << "\n# filter: (" << request.shownFilter() << ")\n\n";
+        std::cout << "# base <" << toUtf8(call.value("base")) << "> with scope " << call.value("scope", "sub")
+                  << "\n# filter: (" << toUtf8(request.shownFilter()) << ")\n\n";
     for (const Entry& entry : entries)
         std::cout << toLdif(entry, call.has("names-only"), wrap);
     if (plainness < 2)
@@ -73,9 +100,11 @@ int runSearch(const Call& call)
 {
     const Request request(call.operands());
     const int scope = scopeOf(call.value("scope", "sub"));
-    Reading reading(call);
+    Reading reading(call.target());
     const auto names = request.wants("*") ? std::vector<std::string>() : request.names;
     auto entries = reading.session().search(call.value("base"), scope, request.filter, names);
+    if (call.value("scope") == "children")
+        removeBase(entries, reading.session().search(call.value("base"), LDAP_SCOPE_BASE, request.filter, {"1.1"}));
     for (Entry& entry : entries) {
         if (request.wants("1.1"))
             entry.attributes.clear();
@@ -84,9 +113,11 @@ int runSearch(const Call& call)
                 attribute.values.clear();
         }
     }
-    if (call.isJson())
+    if (call.isJson()) {
         std::cout << toJson(entries) << '\n';
-    else
-        writeLdif(call, request, entries);
-    return 0;
+        return 0;
+    }
+    const bool isIncomplete = removeUnwritable(call, entries);
+    writeLdif(call, request, entries);
+    return isIncomplete ? LDAP_UNDEFINED_TYPE : 0;
 }

@@ -1,8 +1,9 @@
-#include "Dn.h"
-#include "Failure.h"
-#include "Json.h"
-#include "Outline.h"
-#include "Reading.h"
+#include "base/Failure.h"
+#include "base/Text.h"
+#include "cli/Call.h"
+#include "library/Dn.h"
+#include "library/Outline.h"
+#include "update/Reading.h"
 
 #include <iostream>
 #include <string_view>
@@ -23,14 +24,22 @@ Lines linesFor(const Call& call)
 
 int runTree(const Call& call)
 {
-    Reading reading(call);
+    Reading reading(call.target());
     std::vector<Node> nodes = outlineOf(reading.session());
     if (!call.operands().empty()) {
         const std::string dn = DnSpeller()(call.operands().front());
         nodes = below(nodes, dn);
-        if (nodes.empty())
-            throw Failure(LDAP_NO_SUCH_OBJECT, "there is no entry " + dn, reading.live().shownName());
+        if (nodes.empty()) {
+            Failure failure = reading.session().missingEntry(dn);
+            failure.file = reading.live().shownName();
+            throw failure;
+        }
     }
-    std::cout << (call.isJson() ? toJson(nodes) + '\n' : draw(nodes, linesFor(call)));
+    if (call.isJson()) {
+        std::cout << toJson(nodes) << '\n';
+        return 0;
+    }
+    const std::string drawing = draw(nodes, linesFor(call));
+    std::cout << (::isatty(STDOUT_FILENO) == 1 ? visibleLines(drawing) : drawing);
     return 0;
 }

@@ -1,9 +1,9 @@
-#include "Assignment.h"
-#include "Update.h"
+#include "cli/Assignment.h"
+#include "update/Update.h"
 
 int runUnset(const Call& call)
 {
     const auto changes = changesOf(call, LDAP_MOD_DELETE, NeedsValue::no);
-    update(call, [&](Changes& file) { file.modify(call.operands().front(), changes); });
+    update(call.target(), [&](Changes& file) { file.modify(call.operands().front(), changes); });
     return 0;
 }

@@ -1,0 +1,130 @@
+#include "base/Attributes.h"
+
+#include <algorithm>
+#include <cctype>
+#include <numeric>
+
+namespace {
+
+char lower(char character)
+{
+    return static_cast<char>(std::tolower(static_cast<unsigned char>(character)));
+}
+
+bool isBefore(std::string_view left, std::string_view right)
+{
+    return std::lexicographical_compare(left.begin(), left.end(), right.begin(), right.end(),
+                                        [](char a, char b) { return lower(a) < lower(b); });
+}
+
+std::vector<AttributeType> readRows()
+{
+    std::vector<AttributeType> rows = {
+#include "attributeRows.inc"
+    };
+    std::sort(rows.begin(), rows.end(),
+              [](const AttributeType& left, const AttributeType& right) { return isBefore(left.name, right.name); });
+    return rows;
+}
+
+std::string describeLength(const AttributeType& type, const std::string& noun)
+{
+    if (type.minimum == 0 && type.maximum == 0)
+        return noun;
+    const std::string most = std::to_string(type.maximum) + " bytes";
+    return type.minimum == 0 ? noun + " of at most " + most
+                             : noun + " of " + std::to_string(type.minimum) + " to " + most;
+}
+
+// The number of letters that have to be put in, taken out or exchanged to make one word of the other.
+std::size_t distance(std::string_view left, std::string_view right)
+{
+    std::vector<std::size_t> row(right.size() + 1);
+    std::iota(row.begin(), row.end(), std::size_t{0});
+    for (const char letter : left) {
+        std::size_t diagonal = row[0]++;
+        for (std::size_t j = 0; j < right.size(); ++j) {
+            const std::size_t exchanged = diagonal + (lower(letter) == lower(right[j]) ? 0 : 1);
+            diagonal = row[j + 1];
+            row[j + 1] = std::min({exchanged, row[j] + 1, diagonal + 1});
+        }
+    }
+    return row.back();
+}
+
+}  // namespace
+
+const std::vector<AttributeType>& attributeTypes()
+{
+    static const std::vector<AttributeType> rows = readRows();
+    return rows;
+}
+
+bool isSameName(std::string_view left, std::string_view right)
+{
+    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                      [](char a, char b) { return lower(a) == lower(b); });
+}
+
+const AttributeType* findAttributeType(std::string_view name)
+{
+    const auto& rows = attributeTypes();
+    const auto found =
+        std::lower_bound(rows.begin(), rows.end(), name,
+                         [](const AttributeType& row, std::string_view wanted) { return isBefore(row.name, wanted); });
+    return found != rows.end() && isSameName(found->name, name) ? &*found : nullptr;
+}
+
+bool isPassword(std::string_view name)
+{
+    const AttributeType* const type = findAttributeType(name);
+    return type != nullptr && type->syntax == Syntax::password;
+}
+
+std::string describeValues(const AttributeType& type)
+{
+    switch (type.syntax) {
+    case Syntax::number:
+        return type.minimum == type.maximum
+                   ? "the number " + std::to_string(type.minimum)
+                   : "a number from " + std::to_string(type.minimum) + " to " + std::to_string(type.maximum);
+    case Syntax::word:
+        return "one of " +
+               std::accumulate(std::next(type.words.begin()), type.words.end(), type.words.front(),
+                               [](const std::string& list, const std::string& word) { return list + ", " + word; });
+    case Syntax::bits:
+        return "a number made of bits of " + std::to_string(type.bits);
+    case Syntax::dn:
+        return "a DN";
+    case Syntax::password:
+        return describeLength(type, "a password");
+    default:
+        return describeLength(type, "a text");
+    }
+}
+
+std::string nearest(std::string_view word, const std::vector<std::string>& candidates)
+{
+    std::size_t best = std::min<std::size_t>(word.size() / 3 + 1, 3);  // as far as a slip of the fingers goes
+    std::string found;
+    for (const std::string& candidate : candidates) {
+        const std::size_t length = candidate.size();
+        if (std::max(length, word.size()) - std::min(length, word.size()) >= best)
+            continue;  // Each letter more is a step.
+        const std::size_t steps = distance(word, candidate);
+        if (steps < best) {
+            best = steps;
+            found = candidate;
+        }
+    }
+    return found;
+}
+
+std::string attributeHint(std::string_view name)
+{
+    std::vector<std::string> names;
+    for (const AttributeType& type : attributeTypes())
+        names.push_back(type.name);
+    const std::string found = findAttributeType(name) == nullptr ? nearest(name, names) : "";
+    return found.empty() ? "" : " (did you mean " + found + "?)";
+}

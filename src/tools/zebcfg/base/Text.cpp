@@ -1,0 +1,58 @@
+#include "base/Text.h"
+
+#include <sstream>
+
+namespace {
+
+// The length of the control character at a place, 0 for any other: C0 without the tab, DEL, C1 and the byte order mark,
+// in UTF-8.
+std::size_t controlAt(const std::string& text, std::size_t place)
+{
+    const auto byte = static_cast<unsigned char>(text[place]);
+    const auto next = static_cast<unsigned char>(place + 1 < text.size() ? text[place + 1] : '\0');
+    if ((byte < 0x20 && byte != '\t') || byte == 0x7f)
+        return 1;
+    if (byte == 0xc2 && next >= 0x80 && next < 0xa0)
+        return 2;
+    return text.compare(place, sizeof byteOrderMark - 1, byteOrderMark) == 0 ? sizeof byteOrderMark - 1 : 0;
+}
+
+}  // namespace
+
+std::string replaced(std::string text, const std::string& word, const std::string& replacement)
+{
+    for (auto at = word.empty() ? std::string::npos : text.find(word); at != std::string::npos;
+         at = text.find(word, at + replacement.size()))
+        text.replace(at, word.size(), replacement);
+    return text;
+}
+
+bool hasByteOrderMark(const std::string& text)
+{
+    return text.rfind(byteOrderMark, 0) == 0;
+}
+
+std::string visible(const std::string& text)
+{
+    constexpr char digits[] = "0123456789abcdef";
+    std::string shown;
+    for (std::size_t i = 0; i < text.size();) {
+        std::size_t count = controlAt(text, i);
+        if (count == 0)
+            shown += text[i++];
+        for (; count > 0; --count, ++i) {
+            const auto byte = static_cast<unsigned char>(text[i]);
+            shown.append("\\x").append(1, digits[byte >> 4]).append(1, digits[byte & 15]);
+        }
+    }
+    return shown;
+}
+
+std::string visibleLines(const std::string& text)
+{
+    std::istringstream in(text);
+    std::string shown;
+    for (std::string line; std::getline(in, line);)
+        shown += visible(line) + '\n';
+    return shown;
+}

@@ -1,0 +1,19 @@
+// Small work on texts.
+#ifndef ZEBCFG_TEXT_H
+#define ZEBCFG_TEXT_H
+
+#include <string>
+
+// The text with each occurrence of a word replaced. An empty word changes nothing.
+std::string replaced(std::string text, const std::string& word, const std::string& replacement);
+
+// One line in which every control character, the byte order mark too, is written as \x1b and the like. Tabs are left.
+std::string visible(const std::string& text);
+// The same for each line of a text that ends with a line end.
+std::string visibleLines(const std::string& text);
+
+// Some editors write one in front of UTF-8, where it is part of the first name.
+constexpr char byteOrderMark[] = "\xEF\xBB\xBF";
+bool hasByteOrderMark(const std::string& text);
+
+#endif

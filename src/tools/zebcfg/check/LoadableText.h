@@ -1,0 +1,27 @@
+// A configuration text made to load, and to be written, by taking out one after the other the lines that prevent it.
+#ifndef ZEBCFG_LOADABLETEXT_H
+#define ZEBCFG_LOADABLETEXT_H
+
+#include "base/Failure.h"
+#include "formats/ConfigText.h"
+
+#include <string>
+#include <vector>
+
+class LoadableText {
+public:
+    LoadableText(const std::string& original, const std::string& shownName);
+
+    // With the same number of lines as the original, whose numbers stay true.
+    const std::string& text() const noexcept { return current; }
+    // What ended the loads, with the first line of the text at fault. Ends with the last one that can be mended so.
+    const std::vector<Failure>& failures() const noexcept { return found; }
+
+private:
+    bool takeOut(Failure failure);
+
+    std::string current;
+    std::vector<Failure> found;
+};
+
+#endif

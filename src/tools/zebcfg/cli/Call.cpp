@@ -1,0 +1,102 @@
+#include "cli/Call.h"
+
+#include "base/Failure.h"
+#include "files/Input.h"
+#include "terminal/Password.h"
+
+#include <charconv>
+#include <cstdlib>
+#include <utility>
+
+#include <unistd.h>
+#include <zebldapcfg.h>
+
+Call::Call(const Command* chosen, std::map<std::string, std::vector<std::string>> given,
+           std::vector<std::string> operandsGiven)
+    : chosenCommand(chosen), options(std::move(given)), words(std::move(operandsGiven))
+{}
+
+std::string Call::operand(std::size_t place) const
+{
+    return place < words.size() ? words[place] : std::string();
+}
+
+std::size_t Call::count(const std::string& key) const
+{
+    const auto found = options.find(key);
+    return found != options.end() ? found->second.size() : 0;
+}
+
+std::string Call::value(const std::string& key, const std::string& otherwise) const
+{
+    const auto found = options.find(key);
+    return found != options.end() && !found->second.empty() ? found->second.back() : otherwise;
+}
+
+std::string Call::fileName() const
+{
+    if (has("config"))
+        return value("config");
+    std::string name = defaultFileName();
+    if (!name.empty())
+        return name;
+    Failure failure(CFG_CONNECT_ERROR,
+                    "no configuration file is named with -F, and there is no default: the install "
+                    "location is looked for in " ZEBCFG_REGISTRY "/SOFTWARE/ZEB/LDAP/Client/LDAPHome");
+    failure.extended = CFG_ERR_CONFIG_FILENAME;
+    throw failure;
+}
+
+std::string Call::backupName() const
+{
+    if (has("no-backup"))
+        return {};
+    return has("backup") ? value("backup") : fileName() + ".bak";
+}
+
+Target Call::target() const
+{
+    return {fileName(), backupName(), login(), has("dry-run"), has("force"), hasColor(STDOUT_FILENO),
+            wait(),     messages()};
+}
+
+std::optional<Login> Call::login() const
+{
+    const int sources = int{has("password")} + int{has("ask-password")} + int{has("password-file")};
+    if (sources > 1)
+        throw Failure(0, "of -w, -W and -y only one can be used");
+    if (has("bind-dn") != (sources == 1))
+        throw Failure(0, has("bind-dn") ? "-D needs a password: -W, -y or -w" : "a password needs a login: -D");
+    if (!has("bind-dn"))
+        return std::nullopt;
+    if (has("password"))
+        messages().warn("the password of -w can be seen by others on this machine; use -W or -y");
+    std::string password = value("password");
+    if (has("ask-password"))
+        password = askPassword("Password for " + value("bind-dn") + ": ");
+    else if (has("password-file"))
+        password = readPasswordFile(value("password-file"));
+    return Login{value("bind-dn"), password};
+}
+
+std::chrono::seconds Call::wait() const
+{
+    const std::string text = value("wait", "60");
+    int count = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, count);
+    if (error != std::errc() || stop != end || count < 0)
+        throw Failure(0, "--wait takes a whole number of seconds");
+    return std::chrono::seconds(count);
+}
+
+bool Call::hasColor(int descriptor) const
+{
+    const std::string when = value("color", "auto");
+    if (when != "auto")
+        return when == "always";
+    const char* const no = std::getenv("NO_COLOR");
+    const char* const terminal = std::getenv("TERM");
+    return (no == nullptr || *no == '\0') && ::isatty(descriptor) == 1 && terminal != nullptr &&
+           std::string(terminal) != "dumb";
+}

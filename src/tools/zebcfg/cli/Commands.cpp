@@ -1,0 +1,158 @@
+#include "cli/Command.h"
+
+#include <algorithm>
+
+const std::vector<Option>& globalOptions()
+{
+    static const std::vector<Option> options = {
+        {"-F,--config", "FILE", "the configuration file", Kind::file},
+        {"-B,--backup", "FILE", "where the old file goes (default: FILE.bak)", Kind::file},
+        {"--no-backup", nullptr, "keep no backup"},
+        {"-D,--bind-dn", "DN", "log in as the administrator DN", Kind::dn},
+        {"-w,--password", "PASSWORD", "the login's password; others can see it on the command line"},
+        {"-W,--ask-password", nullptr, "ask for the login's password"},
+        {"-y,--password-file", "FILE", "read the login's password from a file", Kind::file},
+        {"-n,--dry-run", nullptr, "check the change, show it as a diff, and change nothing"},
+        {"--force", nullptr, "make a change that is refused only for what it may break"},
+        {"--wait", "SECONDS", "wait so long for another update of the file (default: 60)"},
+        {"-v,--verbose", nullptr, "print more; after a failure, the library's report"},
+        {"-q,--quiet", nullptr, "print failures only"},
+        {"-j,--json", nullptr, "write JSON"},
+        {"--color", "WHEN", "colour: auto, always or never", Kind::other, {"auto", "always", "never"}},
+        {"--show-passwords", nullptr, "show passwords instead of ********"},
+        {"-V,--version", nullptr, "show the version"},
+        {"-h,--help", nullptr, "show this help"},
+    };
+    return options;
+}
+
+const std::vector<Command>& commands()
+{
+    static const Option noParentCheck = {"--no-parent-check", nullptr, "add an entry also where its parent is missing"};
+    static const std::vector<Command> table = {
+        {"search",
+         "search entries, and write them as LDIF",
+         {{"-b,--base", "DN", "the entry to begin at (default: the root)", Kind::dn},
+          {"-s,--scope",
+           "SCOPE",
+           "base, one, sub, or children: all below the base (default: sub)",
+           Kind::other,
+           {"base", "one", "sub", "children"}},
+          {"-A,--names-only", nullptr, "write names of attributes, without values"},
+          {"-L,--plain", nullptr, "LDIF with less around it: -LL without comments, -LLL without version too"},
+          {"-o,--option", "ldif_wrap=N", "fold lines at N characters (default: no)"}},
+         {{"FILTER", Kind::other, false, false}, {"ATTRIBUTE", Kind::attribute, false, true}},
+         "zebcfg search -LLL -b cn=Configuration -s base '(objectclass=*)' zeb-slapdPort",
+         runSearch},
+        {"get",
+         "show the values of one attribute, one a line",
+         {},
+         {{"DN", Kind::dn, true, false}, {"ATTRIBUTE", Kind::attribute, true, false}},
+         "zebcfg get cn=Configuration zeb-slapdPort",
+         runGet},
+        {"set",
+         "give attributes of an entry new values",
+         {{"--add", nullptr, "add the values to those that are there"}},
+         {{"DN", Kind::dn, true, false}, {"ATTRIBUTE=VALUE", Kind::assignment, true, true}},
+         "zebcfg set cn=Configuration zeb-slapdPort=1389 zeb-slapdSizeLimit=1000",
+         runSet},
+        {"unset",
+         "remove values, or all values, of attributes",
+         {},
+         {{"DN", Kind::dn, true, false}, {"ATTRIBUTE[=VALUE]", Kind::assignment, true, true}},
+         "zebcfg unset 'cn=Front End, cn=Configuration' zeb-slapdSetenv=TMPDIR=/var/lib/zebslapd/tmp",
+         runUnset},
+        {"add",
+         "add entries, or apply changes, from LDIF",
+         {{"-f,--file", "FILE", "read LDIF from a file (default: standard input)", Kind::file}, noParentCheck},
+         {},
+         "zebcfg add -f entries.ldif",
+         runAdd},
+        {"modify",
+         "apply changes from LDIF, as one step",
+         {{"-f,--file", "FILE", "read LDIF from a file (default: standard input)", Kind::file},
+          {"-a,--add", nullptr, "take a record without a changetype for an entry to add"},
+          {"-c,--continue", nullptr, "leave out records that fail, and go on"},
+          {"-S,--skipped", "FILE", "with -c: write the records that are left out to a file", Kind::file},
+          noParentCheck},
+         {},
+         "zebcfg modify -f changes.ldif",
+         runModify},
+        {"delete",
+         "delete entries",
+         {{"-r,--recursive", nullptr, "with all entries below them"}},
+         {{"DN", Kind::dn, true, true}},
+         "zebcfg delete -r 'cn=Archive, cn=RDBM, cn=Backends, cn=Configuration'",
+         runDelete},
+        {"tree",
+         "draw the tree of the entries",
+         {{"--ascii", nullptr, "draw with plain characters"}},
+         {{"DN", Kind::dn, false, false}},
+         "zebcfg tree 'cn=Front End, cn=Configuration'",
+         runTree},
+        {"passwd",
+         "give an entry a new password (default: zeb-slapdAdminPW), which is asked for twice",
+         {{"-y,--new-password-file", "FILE", "read it from a file, without one line end after it", Kind::file}},
+         {{"DN", Kind::dn, true, false}, {"ATTRIBUTE", Kind::attribute, false, false}},
+         "zebcfg passwd cn=Configuration zeb-slapdAdminPW",
+         runPasswd},
+        {"check",
+         "report what is wrong with a configuration file, without changing it",
+         {},
+         {{"FILE", Kind::file, false, false}},
+         "zebcfg check zebslapd.conf",
+         runCheck},
+        {"edit",
+         "edit the file, or one entry, and install what loads",
+         {},
+         {{"DN", Kind::dn, false, false}},
+         "EDITOR=nano zebcfg edit 'cn=SSL, cn=Configuration'",
+         runEdit},
+        {"restore", "exchange the file and its backup", {}, {}, "zebcfg -n restore", runRestore},
+        {"describe",
+         "show what values the known attributes take",
+         {},
+         {{"ATTRIBUTE", Kind::attribute, false, false}},
+         "zebcfg describe zeb-slapdPort",
+         runDescribe},
+        {"help",
+         "show the help of zebcfg, or of one command",
+         {},
+         {{"COMMAND", Kind::command, false, false}},
+         "zebcfg help search",
+         nullptr},  // CommandLine shows it.
+        {"__manual", "write the manual page", {}, {{"TEMPLATE", Kind::file, true, false}}, "", runManual},
+        {"__complete",
+         "give the words that the last one may become",
+         {},
+         {{"WORD", Kind::other, false, true}},
+         "",
+         runComplete},
+    };
+    return table;
+}
+
+bool isHidden(const Command& command)
+{
+    return std::string(command.name).rfind("__", 0) == 0;
+}
+
+const Command* findCommand(const std::string& name)
+{
+    const auto& table = commands();
+    const auto found =
+        std::find_if(table.begin(), table.end(), [&](const Command& command) { return command.name == name; });
+    return found != table.end() ? &*found : nullptr;
+}
+
+std::string longName(const Option& option)
+{
+    const std::string names = option.names;
+    return names.substr(names.find_last_of(',') + 1);  // npos + 1 is 0: the whole name
+}
+
+std::string keyOf(const Option& option)
+{
+    const std::string name = longName(option);
+    return name.substr(name.find_first_not_of('-'));
+}

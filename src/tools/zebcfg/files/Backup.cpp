@@ -1,0 +1,95 @@
+#include "files/Backup.h"
+
+#include "base/Failure.h"
+#include "files/Descriptor.h"
+#include "files/FileName.h"
+
+#include <utility>
+
+#include <ldap.h>
+#include <unistd.h>
+
+namespace {
+
+bool isThere(const std::string& name)
+{
+    return ::access(name.c_str(), F_OK) == 0;
+}
+
+}  // namespace
+
+Backup::Backup(std::string backupName) : name(std::move(backupName)) {}
+
+Backup::~Backup()
+{
+    if (!isAdvanced)
+        return;
+    if (!isSetAside) {
+        (void)::unlink(name.c_str());
+        return;
+    }
+    try {
+        putBack();
+    } catch (const Failure&) {
+        return;  // It stands under its other name, and the next update tries again.
+    }
+}
+
+std::string Backup::asideName() const
+{
+    const std::string directory = directoryOf(name);
+    return directory + '.' + name.substr(directory.size()) + ".zebcfg-old";
+}
+
+// Two names of one file are left alone by a rename.
+void Backup::putBack() const
+{
+    if (::rename(asideName().c_str(), name.c_str()) != 0)
+        throw systemFailure(LDAP_INSUFFICIENT_ACCESS, "cannot put " + asideName() + " back in the place of " + name);
+    (void)::unlink(asideName().c_str());
+}
+
+// A backup that holds the live text belongs to a change that was not made.
+void Backup::recover(const std::string& liveText) const
+{
+    if (name.empty())
+        return;
+    (void)::unlink(siblingOf(name).c_str());
+    if (!isThere(asideName()))
+        return;
+    if (!isThere(name) || readFile(name, name) == liveText)
+        putBack();
+    else
+        (void)::unlink(asideName().c_str());
+}
+
+// A copy, for a link would be changed together with the file by programs that write in place.
+void Backup::prepare(const LiveFile& file)
+{
+    if (name.empty())
+        return;
+    copy.emplace(siblingOf(name), Model{file.path(), file.status()});
+    copy->write(file.text());
+    copy->sync();
+}
+
+// Where there are no links, the backup's name is free for a moment.
+void Backup::advance()
+{
+    if (name.empty())
+        return;
+    isSetAside = isThere(name);
+    if (isSetAside && ::link(name.c_str(), asideName().c_str()) != 0 &&
+        ::rename(name.c_str(), asideName().c_str()) != 0)
+        throw systemFailure(LDAP_INSUFFICIENT_ACCESS, "cannot set the backup " + name + " aside");
+    isAdvanced = true;
+    copy->moveTo(name);
+    syncDirectoryOf(name);
+}
+
+void Backup::finish() noexcept
+{
+    if (isSetAside)
+        (void)::unlink(asideName().c_str());
+    isAdvanced = false;
+}

@@ -1,0 +1,41 @@
+// The backup of the live file, and the backup before it while they change places.
+#ifndef ZEBCFG_BACKUP_H
+#define ZEBCFG_BACKUP_H
+
+#include "files/LiveFile.h"
+#include "files/PrivateFile.h"
+
+#include <optional>
+#include <string>
+
+// One step from a generation to the next. The caller holds the lock. Without finish() the end puts back the backup that
+// stood there. At every moment that one stands whole, under the backup's name or, set aside, under asideName(). Calls
+// throw Failure.
+class Backup {
+public:
+    // An empty name keeps nothing.
+    explicit Backup(std::string backupName);
+    Backup(const Backup&) = delete;
+    Backup& operator=(const Backup&) = delete;
+    ~Backup();
+
+    // Completes or undoes the step in which an earlier process was killed.
+    void recover(const std::string& liveText) const;
+    // Writes the text of the file to a private copy.
+    void prepare(const LiveFile& file);
+    // Sets the backup aside, and puts the copy in its place.
+    void advance();
+    // The backup that is set aside goes.
+    void finish() noexcept;
+
+private:
+    std::string asideName() const;
+    void putBack() const;
+
+    const std::string name;
+    std::optional<PrivateFile> copy;
+    bool isAdvanced = false;
+    bool isSetAside = false;
+};
+
+#endif

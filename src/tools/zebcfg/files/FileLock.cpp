@@ -1,0 +1,163 @@
+#include "files/FileLock.h"
+
+#include "base/Failure.h"
+#include "files/Descriptor.h"
+#include "files/FileName.h"
+#include "terminal/Signals.h"
+
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <ctime>
+#include <thread>
+
+#include <fcntl.h>
+#include <ldap.h>
+#include <pwd.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+// The first line of a lock file.
+constexpr char mark[] = "zebcfg lock\n";
+
+// "process 4711 of root since 2026-01-31 12:00:00"
+std::string thisProcess()
+{
+    const std::time_t now = std::time(nullptr);
+    std::array<char, 32> when = {};
+    std::tm parts = {};
+    (void)std::strftime(when.data(), when.size(), "%Y-%m-%d %H:%M:%S", ::localtime_r(&now, &parts));
+    const passwd* const user = ::getpwuid(::geteuid());
+    return "process " + std::to_string(::getpid()) + " of " +
+           (user != nullptr ? user->pw_name : std::to_string(::geteuid())) + " since " + when.data();
+}
+
+// Whether the name still stands for the file that was opened.
+bool standsFor(const std::string& name, int file)
+{
+    struct stat own = {};
+    struct stat there = {};
+    return ::fstat(file, &own) == 0 && ::lstat(name.c_str(), &there) == 0 && own.st_dev == there.st_dev &&
+           own.st_ino == there.st_ino;
+}
+
+// Other users may read it: a message names the holder to whoever waits.
+bool describeHolder(int file)
+{
+    const std::string text = mark + thisProcess() + '\n';
+    return ::write(file, text.data(), text.size()) == static_cast<ssize_t>(text.size()) && ::fchmod(file, 0644) == 0;
+}
+
+bool lockNow(int file)
+{
+    return ::flock(file, LOCK_EX | LOCK_NB) == 0;
+}
+
+// Not every file system knows the flag.
+void renameToFree(const std::string& from, const std::string& to)
+{
+    if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) != 0 && errno != EEXIST &&
+        ::link(from.c_str(), to.c_str()) == 0)
+        (void)::unlink(from.c_str());
+}
+
+}  // namespace
+
+FileLock::FileLock(const std::string& path, std::chrono::seconds wait,
+                   const std::function<bool(const std::string&)>& isDue,
+                   const std::function<void(const std::string&)>& note)
+    : name(path + ".lock"), fresh(siblingOf(name))
+{
+    using namespace std::chrono_literals;
+    const auto begin = std::chrono::steady_clock::now();
+    for (bool isNoted = false;; std::this_thread::sleep_for(20ms)) {
+        if (!isDue(path))
+            continue;
+        if (tryLock()) {
+            if (isDue(path))
+                return;
+            release();
+            continue;
+        }
+        const auto waited = std::chrono::steady_clock::now() - begin;
+        if (waited > wait)
+            throw Failure(LDAP_BUSY,
+                          "the file is being updated by " + holder + ", which holds " + name + "; try again later");
+        if (waited > 1s && !isNoted) {
+            note("waiting for " + holder + ", which holds " + name);
+            isNoted = true;
+        }
+    }
+}
+
+// A lock counts only while the name stands for the file that is locked. It is made under another name, so that it is
+// never seen without its text.
+bool FileLock::tryLock()
+{
+    const BlockedSignals blocked;
+    holder = "another zebcfg";
+    if (!removeLeftover(name) || !removeLeftover(fresh))
+        return false;
+    file = ::open(fresh.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+    if (file < 0 && errno == EEXIST)
+        return false;
+    if (file < 0)
+        throw systemFailure(LDAP_INSUFFICIENT_ACCESS, "cannot make the lock file " + name);
+    if (lockNow(file)) {
+        if (!describeHolder(file)) {
+            const Failure failure = systemFailure(LDAP_OTHER, "cannot write the lock file " + name);
+            (void)::unlink(fresh.c_str());
+            ::close(file);
+            throw failure;
+        }
+        renameToFree(fresh, name);
+        if (standsFor(name, file)) {
+            removeOnSignals(name);
+            return true;
+        }
+        if (standsFor(fresh, file))
+            (void)::unlink(fresh.c_str());
+    }
+    ::close(file);
+    return false;
+}
+
+// Removes a lock that no process holds any more. False while one does.
+bool FileLock::removeLeftover(const std::string& path)
+{
+    const Descriptor there(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_NOCTTY | O_CLOEXEC));
+    if (!there.isOpen() && errno == ENOENT)
+        return true;
+    if (!there.isOpen() && errno != ELOOP)
+        throw systemFailure(LDAP_INSUFFICIENT_ACCESS, "cannot read the lock file " + path);
+    struct stat status = {};
+    const bool isRegular = there.isOpen() && ::fstat(there.get(), &status) == 0 && S_ISREG(status.st_mode);
+    const std::string text = isRegular ? readAll(there.get(), path) : "";
+    const bool isMarked = text.rfind(mark, 0) == 0;
+    if (path == name && !isMarked)
+        throw Failure(LDAP_BUSY, path + " is no lock of zebcfg; remove it if nothing else needs it");
+    if (isMarked)
+        holder = text.substr(sizeof mark - 1, text.find('\n', sizeof mark - 1) - (sizeof mark - 1));
+    if (!isRegular || !lockNow(there.get()))
+        return false;
+    if (standsFor(path, there.get()) && ::unlink(path.c_str()) != 0)
+        throw systemFailure(LDAP_INSUFFICIENT_ACCESS, "cannot remove the lock file " + path + ", left by " + holder);
+    return true;
+}
+
+void FileLock::release() noexcept
+{
+    const BlockedSignals blocked;
+    if (standsFor(name, file))
+        (void)::unlink(name.c_str());
+    keepOnSignals(name);
+    ::close(file);
+}
+
+FileLock::~FileLock()
+{
+    release();
+}

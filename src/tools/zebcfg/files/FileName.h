@@ -1,0 +1,15 @@
+// Names of files and of those beside them.
+#ifndef ZEBCFG_FILENAME_H
+#define ZEBCFG_FILENAME_H
+
+#include <string>
+
+// The name behind symbolic links, also for a file that is missing.
+std::string resolvedName(const std::string& name);
+std::string directoryOf(const std::string& name);  // with its slash; empty for a plain name
+// A name in the same directory for what is to take the place of name.
+std::string siblingOf(const std::string& name);
+// Makes what happened in the directory of a file last.
+void syncDirectoryOf(const std::string& name);
+
+#endif

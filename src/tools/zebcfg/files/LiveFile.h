@@ -1,0 +1,35 @@
+// The configuration file as it stands on disk.
+#ifndef ZEBCFG_LIVEFILE_H
+#define ZEBCFG_LIVEFILE_H
+
+#include <string>
+
+#include <sys/stat.h>
+
+// The file as it was when it was read. Symbolic links are followed once, here.
+class LiveFile {
+public:
+    // Throws Failure (91) for a file that is missing, no regular file, or cannot be read.
+    explicit LiveFile(const std::string& name);
+
+    const std::string& shownName() const noexcept { return shown; }  // as the user calls it
+    const std::string& path() const noexcept { return resolved; }
+    const struct stat& status() const noexcept { return read; }
+    const std::string& text() const noexcept { return content; }
+
+    // Whether the name still stands for the file that was read, unchanged.
+    bool isCurrent() const;
+    // What keeps the file from being used, in words, or the empty text: a modification time of 0, or a text that is
+    // empty or cut off beside a whole backup.
+    std::string damage(const std::string& backupName) const;
+    // Throws Failure (91) for a file that is damaged, or begins with a byte order mark.
+    void requireUsable(const std::string& backupName) const;
+
+private:
+    std::string shown;
+    std::string resolved;
+    struct stat read = {};
+    std::string content;
+};
+
+#endif

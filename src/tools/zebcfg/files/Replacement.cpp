@@ -1,0 +1,77 @@
+#include "files/Replacement.h"
+
+#include "base/Failure.h"
+#include "files/FileName.h"
+#include "terminal/Signals.h"
+
+#include <ctime>
+
+#include <ldap.h>
+
+namespace {
+
+// Programs notice a change by the modification time in whole seconds, so each is later than the one before. The lock is
+// taken when that is at most 2 seconds ahead of the clock. A file that lies further ahead was not made so by the tool.
+bool isDue(const std::string& path)
+{
+    constexpr std::time_t ahead = 2;
+    struct stat status = {};
+    const std::time_t now = std::time(nullptr);
+    return ::stat(path.c_str(), &status) != 0 || status.st_mtime + 1 <= now + ahead || status.st_mtime > now + ahead;
+}
+
+}  // namespace
+
+void requireReplaceable(const LiveFile& file, const Handling& handling)
+{
+    const std::string& name = handling.backup;
+    struct stat status = {};
+    const bool isThere = !name.empty() && ::lstat(name.c_str(), &status) == 0;
+    if (!name.empty() && resolvedName(name) == file.path())
+        throw Failure(0, "the backup has the name of the file itself", file.shownName());
+    if (isThere && !S_ISREG(status.st_mode))
+        throw Failure(0, "the backup would replace " + name + ", which is no regular file; name another with -B",
+                      file.shownName());
+    if (file.status().st_nlink > 1 && !handling.isForced)
+        throw Failure(LDAP_UNWILLING_TO_PERFORM,
+                      "the file has " + std::to_string(file.status().st_nlink) +
+                          " names (hard links), of which the others would keep the old text; --force replaces it all "
+                          "the same",
+                      file.shownName());
+}
+
+Replacement::Replacement(const std::string& name, const Handling& wanted)
+    : handling(wanted), lock(resolvedName(name), wanted.wait, &isDue, wanted.note), file(name), backup(wanted.backup),
+      working(siblingOf(file.path()), {file.path(), file.status()})
+{
+    requireReplaceable(file, handling);
+    backup.recover(file.text());
+    working.write(file.text());
+}
+
+void Replacement::install()
+{
+    working.makeLaterThan(file.status());
+    working.sync();
+    backup.prepare(file);
+    if (!file.isCurrent())
+        throw Failure(LDAP_BUSY, "another program has changed the file in the meantime; try again", file.shownName());
+    const BlockedSignals blocked;
+    backup.advance();
+    working.moveTo(file.path());
+    syncDirectoryOf(file.path());
+    backup.finish();
+    for (const std::string& attribute : working.lostAttributes())
+        handling.note("the extended attribute " + attribute + " of the file could not be kept");
+}
+
+void createLike(const LiveFile& model, const std::string& name, const Handling& handling)
+{
+    const std::string path = resolvedName(name);
+    const FileLock lock(path, handling.wait, &isDue, handling.note);
+    PrivateFile copy(siblingOf(path), {model.path(), model.status()});
+    copy.write(model.text());
+    copy.sync();
+    copy.moveTo(path);
+    syncDirectoryOf(path);
+}

@@ -1,0 +1,129 @@
+#include "formats/Diff.h"
+
+#include "base/Masking.h"
+#include "base/Text.h"
+
+#include <iterator>
+#include <sstream>
+#include <vector>
+
+#include <dtl/dtl.hpp>
+
+namespace {
+
+constexpr char red[] = "\033[31m";
+constexpr char green[] = "\033[32m";
+constexpr char cyan[] = "\033[36m";
+constexpr char bold[] = "\033[1m";
+constexpr char plain[] = "\033[0m";
+
+// A line, and how it may be shown.
+struct Line {
+    std::string text;
+    std::string shown;
+};
+
+bool operator==(const Line& left, const Line& right)
+{
+    return left.text == right.text;
+}
+
+bool continuesLine(const std::string& line)
+{
+    return !line.empty() && (line.front() == ' ' || line.front() == '\t');
+}
+
+// A line may be broken anywhere, also within the name: what counts is the whole. It may also stand for itself, for some
+// lines are continued by none. lead: the bytes in front that are no part of the whole, which has the rest at begin.
+std::string shownPart(const std::string& line, std::size_t lead, std::size_t begin, std::size_t secret)
+{
+    if (secret == std::string::npos || secret >= begin + line.size() - lead)
+        return shownLine(line);
+    return line.substr(0, lead + (secret > begin ? secret - begin : 0)) + passwordMask;
+}
+
+std::vector<Line> linesOf(const std::string& text)
+{
+    std::vector<Line> lines;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);)
+        lines.push_back({line, {}});
+    for (auto first = lines.begin(); first != lines.end();) {
+        std::string whole = first->text;
+        auto end = std::next(first);
+        for (; end != lines.end() && continuesLine(end->text); ++end)
+            whole += end->text.substr(1);
+        const std::size_t secret = secretOf(whole);
+        std::size_t begin = 0;
+        for (std::size_t lead = 0; first != end; ++first, lead = 1) {
+            first->shown = visible(shownPart(first->text, lead, begin, secret));
+            begin += first->text.size() - lead;
+        }
+    }
+    if (!text.empty() && text.back() != '\n') {
+        lines.back().text += '\n';
+        lines.back().shown += "\n\\ No newline at end of file";
+    }
+    return lines;
+}
+
+// Writes lines with a mark in front and, on a terminal, in a colour.
+class Writer {
+public:
+    explicit Writer(bool colored) : isColored(colored) {}
+
+    void line(const char* color, const std::string& text)
+    {
+        out += isColored && *color != '\0' ? color + text + plain : text;
+        out += '\n';
+    }
+
+    std::string out;
+
+private:
+    const bool isColored;
+};
+
+std::string rangeOf(long long begin, long long count)
+{
+    return std::to_string(begin) + (count == 1 ? "" : ',' + std::to_string(count));
+}
+
+char markOf(dtl::edit_t type)
+{
+    if (type == dtl::SES_DELETE)
+        return '-';
+    return type == dtl::SES_ADD ? '+' : ' ';
+}
+
+const char* colorOf(dtl::edit_t type)
+{
+    if (type == dtl::SES_DELETE)
+        return red;
+    return type == dtl::SES_ADD ? green : "";
+}
+
+}  // namespace
+
+std::string unifiedDiff(const std::string& before, const std::string& after, const std::string& shownName,
+                        bool isColored)
+{
+    if (before == after)
+        return {};
+    dtl::Diff<Line, std::vector<Line>> diff(linesOf(before), linesOf(after));
+    diff.onHuge();
+    diff.compose();
+    diff.composeUnifiedHunks();
+    Writer writer(isColored);
+    writer.line(bold, "--- " + shownName);
+    writer.line(bold, "+++ " + shownName + " (new)");
+    for (const auto& hunk : diff.getUniHunks()) {
+        writer.line(cyan, "@@ -" + rangeOf(hunk.b == 0 ? 0 : hunk.a, hunk.b) + " +" +
+                              rangeOf(hunk.d == 0 ? 0 : hunk.c, hunk.d) + " @@");
+        for (const auto* lines : {&hunk.common[0], &hunk.change, &hunk.common[1]}) {
+            for (const auto& [line, info] : *lines)
+                writer.line(colorOf(info.type), markOf(info.type) + line.shown);
+        }
+    }
+    return writer.out;
+}

@@ -1,0 +1,37 @@
+#include "formats/Messages.h"
+
+#include "base/Attributes.h"
+#include "base/Failure.h"
+#include "base/Masking.h"
+#include "base/Text.h"
+#include "formats/Json.h"
+
+#include <iostream>
+
+void Messages::report(const Failure& failure) const
+{
+    std::cout.flush();
+    if (isJson)
+        std::cerr << toJson(failure, isVerbose) << '\n';
+    else
+        std::cerr << "zebcfg: " << failure.line() << '\n' << (isVerbose ? visibleLines(failure.dump) : "");
+}
+
+void Messages::say(const std::string& text) const
+{
+    if (!isQuiet)
+        warn(text);
+}
+
+void Messages::warn(const std::string& text) const
+{
+    std::cout.flush();
+    std::cerr << (isJson ? noteToJson(text) : "zebcfg: " + visible(text)) << '\n';
+}
+
+void Messages::hintAtName(const std::string& name) const
+{
+    const std::string hint = attributeHint(name);
+    if (!hint.empty())
+        say(shownLine(name) + " is no attribute that the server knows" + hint);
+}

@@ -1,0 +1,257 @@
+#include "library/Changes.h"
+
+#include "base/Attributes.h"
+#include "base/Failure.h"
+#include "base/Masking.h"
+#include "files/Descriptor.h"
+
+#include <algorithm>
+
+#include <langinfo.h>
+
+namespace {
+
+Failure attributeFailure(int code, const std::string& dn, const std::string& name, const std::string& text)
+{
+    Failure failure(code, text);
+    failure.attribute = name;
+    failure.entry = dn;
+    return failure;
+}
+
+// About the last value of the attribute.
+Failure valueFailure(int code, const std::string& dn, const Attribute& attribute, const std::string& text)
+{
+    Failure failure = attributeFailure(code, dn, attribute.name, text);
+    failure.value = shownValue(attribute.name, attribute.values.back());
+    return failure;
+}
+
+// A name reaches from the begin of a line to the first colon, the line must be neither comment nor dn line, and what a
+// search would strip or take for its test could not be found again.
+bool isReadableName(const std::string& name)
+{
+    const std::string stripped = " \t\v\f()";
+    return !name.empty() && name.find_first_of(":=\r\n") == std::string::npos && name.front() != '#' &&
+           stripped.find(name.front()) == std::string::npos && stripped.find(name.back()) == std::string::npos &&
+           !isSameName(name, "dn");
+}
+
+// Adds the line of the input to a failure of the body.
+template <typename Body>
+void atLineOf(const Change& change, Body body)
+try {
+    body();
+} catch (Failure& failure) {
+    failure.inputLine = lineOf(change, failure.value);
+    throw;
+}
+
+// A value that the file cannot hold would come back as another one, or as several.
+bool isReadableValue(const std::string& value)
+{
+    return value.find_first_of("\r\n") == std::string::npos;
+}
+
+}  // namespace
+
+Changes::Changes(std::string copyPath, std::string shown, std::optional<Login> wanted, bool force)
+    : path(std::move(copyPath)), shownName(std::move(shown)), login(std::move(wanted)), isForced(force)
+{
+    open();
+    // What the library changes at its first write is no part of the changes that are compared later.
+    opened->flush();
+    open();
+    if (!opened->search("", LDAP_SCOPE_BASE, "charset=*").empty())
+        return;
+    opened->modify("", {{LDAP_MOD_ADD, {"charset", {::nl_langinfo(CODESET)}}}});
+    if (opened->search("", LDAP_SCOPE_BASE, "version=*").empty())
+        opened->modify("", {{LDAP_MOD_ADD, {"version", {"1"}}}});
+}
+
+void Changes::open()
+{
+    opened = std::make_unique<Session>(path, shownName, login);
+}
+
+void Changes::step(const std::function<void()>& body)
+{
+    const std::string before = readFile(path, shownName);
+    try {
+        body();
+    } catch (const Failure&) {
+        overwriteFile(path, before);
+        open();
+        throw;
+    }
+}
+
+void Changes::requireNameAndValues(const std::string& dn, const Attribute& attribute)
+{
+    const std::string& name = attribute.name;
+    if (!isReadableName(name))
+        throw attributeFailure(LDAP_UNDEFINED_TYPE, dn, name, "this name of an attribute could not be read back");
+    if (isRootDn(dn) && !isSameName(name, "charset") && !isSameName(name, "version"))
+        throw attributeFailure(LDAP_OBJECT_CLASS_VIOLATION, dn, name,
+                               "the root has the attributes charset and version only");
+    for (const std::string& value : attribute.values) {
+        if (!isReadableValue(value))
+            throw valueFailure(LDAP_INVALID_SYNTAX, dn, {name, {value}},
+                               "a value with a line end cannot be read back from the file");
+        if (!isForced && holdsMask(value))
+            throw valueFailure(LDAP_CONSTRAINT_VIOLATION, dn, {name, {value}},
+                               std::string(passwordMask) + " stands for a password that was not shown; search "
+                                                           "with --show-passwords");
+    }
+    usedNames.push_back(name);
+}
+
+void Changes::requireEachOnce(const std::string& dn, const Attribute& attribute) const
+{
+    if (opened->values(dn, attribute.name).size() != attribute.values.size())
+        throw attributeFailure(LDAP_TYPE_OR_VALUE_EXISTS, dn, attribute.name, "a value is given twice");
+}
+
+void Changes::add(const std::string& dn, const std::vector<Change>& attributes, bool needsParent)
+{
+    step([&] {
+        if (opened->exists(dn))
+            throw Failure(LDAP_ALREADY_EXISTS, "the entry " + dn + " exists already");
+        const std::string parent = parentOf(spelled(dn));
+        if (needsParent && !parent.empty() && !opened->exists(parent))
+            throw Failure(LDAP_NO_SUCH_OBJECT,
+                          "the parent " + parent + " does not exist" +
+                              nearestNote(parent, [this](const std::string& above) { return opened->exists(above); }) +
+                              " (--no-parent-check adds the entry all the same)");
+        for (const Change& change : attributes)
+            atLineOf(change, [&] { requireNameAndValues(dn, change.attribute); });
+        addEntry(dn, attributes);
+        for (const Change& change : attributes) {
+            atLineOf(change, [&] {
+                requireEachOnce(dn, change.attribute);
+                requireSingle(dn, change);
+            });
+        }
+    });
+}
+
+// The failure names the attribute that the library refuses.
+void Changes::addEntry(const std::string& dn, const std::vector<Change>& attributes)
+{
+    Entry entry{dn, {}};
+    for (const Change& change : attributes)
+        entry.attributes.push_back(change.attribute);
+    try {
+        opened->add(entry);
+    } catch (Failure& failure) {
+        for (const Change& change : attributes) {
+            if (isSameName(change.attribute.name, failure.attribute))
+                failure.inputLine = lineOf(change, failure.value);
+        }
+        throw;
+    }
+}
+
+void Changes::modify(const std::string& dn, const std::vector<Change>& changes)
+{
+    step([&] {
+        if (!opened->exists(dn))
+            throw opened->missingEntry(spelled(dn));
+        const auto loginBefore = loginAttributes(dn);
+        for (const Change& change : changes) {
+            atLineOf(change, [&] {
+                requireNameAndValues(dn, change.attribute);
+                applyChange(dn, change);
+            });
+        }
+        for (auto change = changes.rbegin(); change != changes.rend(); ++change)
+            atLineOf(*change, [&] { requireSingle(dn, *change); });
+        requireLogin(dn, loginBefore);
+    });
+}
+
+void Changes::applyChange(const std::string& dn, const Change& change)
+{
+    if (change.operation == LDAP_MOD_REPLACE)
+        return replaceValues(dn, change);
+    const Attribute& attribute = change.attribute;
+    const bool isAdded = change.operation == LDAP_MOD_ADD;
+    if (attribute.values.empty() && isAdded)
+        throw attributeFailure(0, dn, attribute.name, "there is no value to add");
+    if (attribute.values.empty())
+        opened->modify(dn, {change});
+    for (const std::string& value : attribute.values) {
+        if (opened->holds(dn, attribute.name, value) == isAdded)
+            throw valueFailure(
+                isAdded ? LDAP_TYPE_OR_VALUE_EXISTS : LDAP_NO_SUCH_ATTRIBUTE, dn, {attribute.name, {value}},
+                '"' + shownValue(attribute.name, value) + (isAdded ? "\" is there already" : "\" is not there"));
+        opened->modify(dn, {{change.operation, {attribute.name, {value}}}});
+    }
+}
+
+void Changes::replaceValues(const std::string& dn, const Change& change)
+{
+    const Attribute& attribute = change.attribute;
+    const bool isThere = !opened->search(dn, LDAP_SCOPE_BASE, attribute.name + "=*", {"objectclass"}).empty();
+    if (isThere || !attribute.values.empty())
+        opened->modify(dn, {change});
+    requireEachOnce(dn, attribute);
+}
+
+// A file that has several values already keeps them.
+void Changes::requireSingle(const std::string& dn, const Change& change) const
+{
+    const AttributeType* const type = findAttributeType(change.attribute.name);
+    if (isForced || type == nullptr || !type->isSingle || change.operation == LDAP_MOD_DELETE ||
+        change.attribute.values.empty())
+        return;
+    const std::size_t count = opened->values(dn, type->name).size();
+    if (count < 2)
+        return;
+    Failure failure = valueFailure(LDAP_CONSTRAINT_VIOLATION, dn, change.attribute,
+                                   "takes one value, and would have " + std::to_string(count) + "; --force allows it");
+    failure.extended = CFG_ERR_SINGLE_VALUED;
+    throw failure;
+}
+
+// What the login stands on, as far as the entry has it.
+std::vector<std::string> Changes::loginAttributes(const std::string& dn) const
+{
+    std::vector<std::string> found;
+    if (!isSameName(spelled.orNothing(dn), configurationDn))
+        return found;
+    for (const char* const name : {"objectclass", "zeb-slapdAdminDN", "zeb-slapdAdminPW"}) {
+        if (opened->has(dn, name))
+            found.emplace_back(name);
+    }
+    return found;
+}
+
+void Changes::requireLogin(const std::string& dn, const std::vector<std::string>& before) const
+{
+    if (isForced)
+        return;
+    for (const std::string& name : before) {
+        if (!opened->has(dn, name))
+            throw attributeFailure(LDAP_OBJECT_CLASS_VIOLATION, dn, name,
+                                   "without it nobody can log in; --force removes it");
+    }
+}
+
+void Changes::erase(const std::string& dn, bool withChildren)
+{
+    if (isRootDn(dn))
+        throw Failure(LDAP_UNWILLING_TO_PERFORM, "the root cannot be deleted");
+    if (!isForced && !loginAttributes(dn).empty())
+        throw Failure(LDAP_OBJECT_CLASS_VIOLATION, "without cn=Configuration nobody can log in; --force deletes it");
+    step([&] { opened->erase(dn, withChildren); });
+}
+
+void Changes::apply(const LdifRecord& record, bool needsParent)
+{
+    if (record.type == LdifRecord::erase)
+        return erase(record.dn, false);
+    if (record.type == LdifRecord::modify)
+        return modify(record.dn, record.changes);
+    add(record.dn, record.changes, needsParent);
+}

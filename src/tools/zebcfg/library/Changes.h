@@ -1,0 +1,54 @@
+// Updates under the rules that LDAP clients expect, where the library itself is lenient.
+#ifndef ZEBCFG_CHANGES_H
+#define ZEBCFG_CHANGES_H
+
+#include "formats/Ldif.h"
+#include "library/Dn.h"
+#include "library/Session.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+// Works on a copy of the configuration file. Each call is one step: when it throws Failure, the copy is as before.
+class Changes {
+public:
+    // shown: what messages call the copy. force allows what is only refused for what it may break: a
+    // second value of an attribute that takes one (19), and the end of the login (65).
+    Changes(std::string copyPath, std::string shown, std::optional<Login> wanted, bool force);
+
+    // 68 for an entry that exists, 32 without a parent, 20 for a value that is given twice.
+    void add(const std::string& dn, const std::vector<Change>& attributes, bool needsParent);
+    // 32 for a missing entry, 20 for a value that is there, 16 for one that is not, 65 for the head.
+    void modify(const std::string& dn, const std::vector<Change>& changes);
+    void erase(const std::string& dn, bool withChildren);
+    void apply(const LdifRecord& record, bool needsParent);
+
+    const Session& session() const noexcept { return *opened; }
+    // The names of attributes that have been used.
+    const std::vector<std::string>& names() const noexcept { return usedNames; }
+
+private:
+    void open();
+    void step(const std::function<void()>& body);
+    void requireNameAndValues(const std::string& dn, const Attribute& attribute);
+    void addEntry(const std::string& dn, const std::vector<Change>& attributes);
+    void applyChange(const std::string& dn, const Change& change);
+    void replaceValues(const std::string& dn, const Change& change);
+    void requireEachOnce(const std::string& dn, const Attribute& attribute) const;
+    void requireSingle(const std::string& dn, const Change& change) const;
+    std::vector<std::string> loginAttributes(const std::string& dn) const;
+    void requireLogin(const std::string& dn, const std::vector<std::string>& before) const;
+
+    const std::string path;
+    const std::string shownName;
+    const std::optional<Login> login;
+    const bool isForced;
+    std::unique_ptr<Session> opened;
+    const DnSpeller spelled;
+    std::vector<std::string> usedNames;
+};
+
+#endif

@@ -1,0 +1,8 @@
+// What other processes may see of this one.
+#ifndef ZEBCFG_PRIVATEPROCESS_H
+#define ZEBCFG_PRIVATEPROCESS_H
+
+// Keeps the memory, which holds passwords, from core files and from other processes of the same user.
+void hideMemory();
+
+#endif

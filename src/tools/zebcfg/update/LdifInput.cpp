@@ -1,0 +1,122 @@
+#include "update/LdifInput.h"
+
+#include "base/Attributes.h"
+#include "base/Failure.h"
+#include "files/Descriptor.h"
+#include "files/FileName.h"
+#include "files/Input.h"
+#include "library/Dn.h"
+#include "update/Update.h"
+
+#include <algorithm>
+#include <optional>
+#include <vector>
+
+#include <fcntl.h>
+
+namespace {
+
+// Reads and applies records up to the end.
+class Run {
+public:
+    Run(const Messages& how, const LdifInput& what)
+        : messages(how), input(what), shownName(shownInput(what.file)), reader(readInput(what.file), shownName)
+    {}
+
+    void apply(Changes& changes)
+    {
+        for (LdifRecord record; readRecord(record);) {
+            for (const Change& change : record.changes)
+                messages.hintAtName(change.attribute.name);
+            try {
+                changes.apply(record, input.needsParent);
+            } catch (Failure& failure) {
+                failure.file = shownName;
+                failure.fileLine = failure.inputLine != 0 ? failure.inputLine : record.line;
+                skip(failure, record.text);
+                continue;
+            }
+            record.text.clear();
+            applied.push_back(std::move(record));
+            record = {};
+        }
+    }
+
+    // The last record about the entry, and in it the last line of the attribute with that value.
+    void addPlace(Failure& failure) const
+    {
+        const DnSpeller spelled;
+        const auto record = std::find_if(applied.rbegin(), applied.rend(), [&](const LdifRecord& candidate) {
+            return isSameName(spelled.orNothing(candidate.dn), spelled.orNothing(failure.entry));
+        });
+        if (record == applied.rend())
+            return;
+        failure.file = shownName;
+        failure.fileLine = record->line;
+        for (const Change& change : record->changes) {
+            if (isSameName(change.attribute.name, failure.attribute))
+                failure.fileLine = lineOf(change, failure.value);
+        }
+    }
+
+    int exitStatus() const { return firstFailure ? firstFailure->exitStatus() : 0; }
+    const std::string& skipped() const { return skippedText; }
+
+private:
+    // False at the end. A record that is no LDIF is left out like one that fails.
+    bool readRecord(LdifRecord& record)
+    {
+        for (;;) {
+            try {
+                return reader.next(record, input.type);
+            } catch (Failure& failure) {
+                skip(failure, reader.record());
+            }
+        }
+    }
+
+    // Goes on only where that is wanted.
+    void skip(Failure& failure, const std::string& text)
+    {
+        if (!input.goesOn)
+            throw Failure(failure);
+        messages.report(failure);
+        skippedText += "# " + failure.line() + '\n' + text + '\n';
+        if (!firstFailure)
+            firstFailure = failure;
+    }
+
+    const Messages& messages;
+    const LdifInput& input;
+    const std::string shownName;
+    LdifReader reader;
+    std::vector<LdifRecord> applied;
+    std::optional<Failure> firstFailure;
+    std::string skippedText;
+};
+
+// Makes the file for the records that are left out, which may hold passwords: what cannot be written is reported before
+// the configuration is changed.
+void makeSkippedFile(const std::string& name, const std::string& configuration)
+{
+    if (resolvedName(name) == resolvedName(configuration))
+        throw Failure(0, "the records that are left out cannot go into the configuration file", name);
+    const Descriptor made(::open(name.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
+    if (!made.isOpen())
+        throw systemFailure(0, "cannot write " + name);
+}
+
+}  // namespace
+
+int applyLdif(const Target& target, const LdifInput& input)
+{
+    Run run(target.messages, input);
+    const bool keepsSkipped = !input.skippedFile.empty();
+    if (keepsSkipped)
+        makeSkippedFile(input.skippedFile, target.file);
+    update(
+        target, [&](Changes& changes) { run.apply(changes); }, [&](Failure& failure) { run.addPlace(failure); });
+    if (keepsSkipped)
+        overwriteFile(input.skippedFile, run.skipped());
+    return run.exitStatus();
+}

@@ -1,0 +1,22 @@
+// Changes that come as LDIF.
+#ifndef ZEBCFG_LDIFINPUT_H
+#define ZEBCFG_LDIFINPUT_H
+
+#include "formats/Ldif.h"
+#include "update/Target.h"
+
+#include <string>
+
+// Where the records come from, and how they are taken.
+struct LdifInput {
+    std::string file = "-";                   // "-" for standard input
+    LdifRecord::Type type = LdifRecord::add;  // of a record without a changetype
+    bool needsParent = true;                  // an entry to add
+    bool goesOn = false;                      // records that fail are reported and left out
+    std::string skippedFile;                  // where those go; empty for nowhere
+};
+
+// Applies the records as one update. Gives the exit status: that of the first record left out. Throws Failure.
+int applyLdif(const Target& target, const LdifInput& input);
+
+#endif

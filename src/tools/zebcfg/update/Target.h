@@ -1,0 +1,23 @@
+// The configuration file that a command works on, and how.
+#ifndef ZEBCFG_TARGET_H
+#define ZEBCFG_TARGET_H
+
+#include "formats/Messages.h"
+#include "library/Session.h"
+
+#include <chrono>
+#include <optional>
+#include <string>
+
+struct Target {
+    std::string file;    // as the user calls it
+    std::string backup;  // where the old file goes; empty for nowhere
+    std::optional<Login> login;
+    bool isDryRun = false;
+    bool isForced = false;
+    bool hasColor = false;      // for diffs on standard output
+    std::chrono::seconds wait;  // for another update
+    Messages messages;
+};
+
+#endif

@@ -1,0 +1,82 @@
+#include "update/Workplace.h"
+
+#include "base/Failure.h"
+#include "files/Descriptor.h"
+#include "files/MemoryFile.h"
+#include "formats/Diff.h"
+#include "formats/Json.h"
+
+#include <iostream>
+
+namespace {
+
+// A private copy beside the file, which takes its place.
+class Installation : public Workplace {
+public:
+    explicit Installation(const Target& wanted) : target(wanted), replacement(wanted.file, handlingOf(wanted)) {}
+
+    const LiveFile& file() const override { return replacement.live(); }
+    std::string name() const override { return replacement.copy().openName(); }
+    void requireRoom() override { replacement.copy().requireRoomFor(file().text().size()); }
+
+    void finish() override
+    {
+        const bool isChanged = readFile(name(), file().shownName()) != file().text();
+        if (isChanged)
+            replacement.install();
+        if (target.messages.isVerbose)
+            target.messages.say(file().shownName() + (isChanged ? " is replaced" + backupNote() : " is as it was"));
+    }
+
+private:
+    std::string backupNote() const
+    {
+        return target.backup.empty() ? "" : ", and " + target.backup + " keeps the old text";
+    }
+
+    const Target& target;
+    Replacement replacement;
+};
+
+// A copy in memory, which nothing becomes of but a diff.
+class Rehearsal : public Workplace {
+public:
+    explicit Rehearsal(const Target& wanted) : target(wanted), live(wanted.file), copy(live.text())
+    {
+        requireReplaceable(live, handlingOf(wanted));
+    }
+
+    const LiveFile& file() const override { return live; }
+    std::string name() const override { return copy.name(); }
+    void requireRoom() override {}
+    void finish() override { showDiff(target, live.text(), readFile(name(), live.shownName()), live.shownName()); }
+
+private:
+    const Target& target;
+    const LiveFile live;
+    const MemoryFile copy;
+};
+
+}  // namespace
+
+Handling handlingOf(const Target& target)
+{
+    return {target.backup, target.wait, target.isForced,
+            [messages = target.messages](const std::string& text) { messages.warn(text); }};
+}
+
+std::unique_ptr<Workplace> openWorkplace(const Target& target)
+{
+    if (target.isDryRun)
+        return std::make_unique<Rehearsal>(target);
+    return std::make_unique<Installation>(target);
+}
+
+void showDiff(const Target& target, const std::string& before, const std::string& after, const std::string& shownName)
+{
+    const bool isJson = target.messages.isJson;
+    const std::string diff = unifiedDiff(before, after, shownName, target.hasColor && !isJson);
+    std::cout << (isJson ? diffToJson(diff) + '\n' : diff);
+    if (!std::cout.flush())
+        throw systemFailure(0, "cannot write the output, and nothing is changed");
+}
