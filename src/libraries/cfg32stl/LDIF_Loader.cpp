@@ -193,14 +193,7 @@ void LDIF_Loader::openEntry(const LDIF_Line& line)
     closeEntry();
     addDefault("charset", "ISO-8859-1", seenCharset);
     addDefault("version", "1", seenVersion);
-    current.emplace();
-    current->name = cisString(line.name);
-    try {
-        current->dn = cisString(line.value);
-    } catch (...) {
-        current.reset();
-        throw;
-    }
+    current.emplace(line, LDIF_Comment());
     std::swap(current->comment, waiting);
 }
 

@@ -10,12 +10,6 @@
 
 namespace {
 
-[[noreturn]] void throwNotImplemented(int extErr, const std::string& text, const _AttrType* attrType,
-                                      const std::string& value, SourcePos pos)
-{
-    throw syntaxFailure(CFG_NOT_SUPPORTED, extErr, text, value, attrType, pos);
-}
-
 // The shortest and the longest text of a type, 0 for no limit. A maximum below the minimum counts as no limit.
 std::pair<std::size_t, std::size_t> lengthsOf(const _AttrType& type)
 {
@@ -44,14 +38,14 @@ LDIF_Exception syntaxFailure(int ldapErr, int extErr, const std::string& text, c
 
 void BinarySyntaxNotImplemented(const char* syntax, const _AttrType* attrType, const std::string& value, SourcePos pos)
 {
-    throwNotImplemented(CFG_ERR_NO_BINARY_FORM, std::string("Binary representation undefined for syntax: ") + syntax,
-                        attrType, value, pos);
+    throw syntaxFailure(CFG_NOT_SUPPORTED, CFG_ERR_NO_BINARY_FORM,
+                        std::string("Binary representation undefined for syntax: ") + syntax, value, attrType, pos);
 }
 
 void StringSyntaxNotImplemented(const char* syntax, const _AttrType* attrType, const std::string& value, SourcePos pos)
 {
-    throwNotImplemented(CFG_ERR_NO_STRING_FORM, std::string("String representation undefined for syntax: ") + syntax,
-                        attrType, value, pos);
+    throw syntaxFailure(CFG_NOT_SUPPORTED, CFG_ERR_NO_STRING_FORM,
+                        std::string("String representation undefined for syntax: ") + syntax, value, attrType, pos);
 }
 
 int cesCompare(const LDIF_Value& left, const LDIF_Value& right)

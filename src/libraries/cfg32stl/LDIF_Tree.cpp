@@ -1,10 +1,5 @@
 #include "LDIF_Tree.h"
 
-#include "LDIF_Exception.h"
-#include "LDIF_Syntax.h"
-#include "LDIF_Util.h"
-
-#include <algorithm>
 #include <limits>
 #include <stdexcept>
 #include <utility>
@@ -22,71 +17,6 @@ void fetch(const char* line) noexcept
     constexpr std::size_t usualSize = 48;
     __builtin_prefetch(line);
     __builtin_prefetch(line + usualSize);
-}
-
-// Text with the line ends of a file.
-std::string inFileForm(std::string text)
-{
-    if (lineEnd.size() == 1)
-        return text;
-    std::string changed;
-    changed.reserve(text.size() + text.size() / 16);
-    for (const char byte : text)
-        byte == '\n' ? changed += lineEnd : changed += byte;
-    return changed;
-}
-
-// Prints an entry to buffer.
-LDIF_EntryText printed(const LDIF_Entry& entry, std::string& buffer)
-{
-    buffer = inFileForm(entry.comment.str());
-    buffer.append(entry.name).append(": ");
-    LDIF_EntryText text;
-    text.dnStart = buffer.size();
-    entry.dn.appendTo(buffer);
-    text.dnSize = buffer.size() - text.dnStart;
-    buffer.append(lineEnd).append(inFileForm(entry.attributes.str())).append(lineEnd);
-    text.text = buffer;
-    return text;
-}
-
-// Whether its values alone take more bytes than that when they are printed.
-bool isLonger(const LDIF_Entry& entry, std::size_t longest)
-{
-    std::size_t size = 0;
-    for (const LDIF_Attribute& attribute : entry.attributes) {
-        for (const LDIF_Value& value : attribute.values) {
-            size += attribute.name.size() + value.stringValue.size() + lineEnd.size() + 2;
-            if (size > longest)
-                return true;
-        }
-    }
-    return false;
-}
-
-bool hasOddName(const LDIF_Entry& entry)
-{
-    return std::any_of(entry.attributes.begin(), entry.attributes.end(),
-                       [](const LDIF_Attribute& attribute) { return !isPlain(attribute.name); });
-}
-
-// Whether an attribute has a DN with escapes or quotes.
-bool hasOddDn(const LDIF_Attribute& attribute)
-{
-    const auto isOdd = [](const LDIF_Value& value) {
-        return !value.stringValue.empty() && !isSimpleDn(value.stringValue);
-    };
-    return &syntaxOf(*attribute.values.attrType) == &syntax::dn &&
-           std::any_of(attribute.values.begin(), attribute.values.end(), isOdd);
-}
-
-// Whether reading the text gives the entry again.
-bool readsBack(const LDIF_EntryText& text, const LDIF_Entry& entry)
-try {
-    return text.text.size() <= std::numeric_limits<std::uint32_t>::max() && !hasOddName(entry) &&
-           LDIF_Entry(text.text).isSameAs(entry);
-} catch (const LDIF_Exception&) {
-    return false;
 }
 
 }  // namespace
@@ -109,7 +39,7 @@ bool LDIF_Tree::load(const LDIF_EntryText& entry, bool isFileText)
         key.assignSimple(entry.dn());
     if (find(key) != none)
         return false;
-    place(append([&](Number number) { setText(number, isFileText ? kept(entry) : copied(entry)); }));
+    place(append([&](Number number) { setText(number, entry, isFileText); }));
     return true;
 }
 
@@ -190,19 +120,6 @@ LDIF_Tree::Number LDIF_Tree::appendNode()
     return std::exchange(firstVacant, node.next);
 }
 
-// A text that stands in the store already.
-LDIF_EntryText LDIF_Tree::kept(const LDIF_EntryText& entry) noexcept
-{
-    store.keep(entry.text);
-    return entry;
-}
-
-LDIF_EntryText LDIF_Tree::copied(LDIF_EntryText entry)
-{
-    entry.text = store.add(entry.text);
-    return entry;
-}
-
 void LDIF_Tree::vacate(Number entry) noexcept
 {
     nodes[entry] = {};
@@ -222,10 +139,13 @@ void LDIF_Tree::takeBack(Number entry) noexcept
     vacate(entry);
 }
 
-void LDIF_Tree::setText(Number entry, const LDIF_EntryText& text) noexcept
+// isFileText: it stands in the text of the file already.
+void LDIF_Tree::setText(Number entry, const LDIF_EntryText& text, bool isFileText)
 {
     Node& node = nodes[entry];
-    node.text = text.text.data();
+    if (isFileText)
+        store.keep(text.text);
+    node.text = isFileText ? text.text.data() : store.add(text.text).data();
     node.size = static_cast<std::uint32_t>(text.text.size());
     node.dnStart = static_cast<std::uint32_t>(text.dnStart);
     node.dnSize = static_cast<std::uint32_t>(text.dnSize);
@@ -273,85 +193,6 @@ void LDIF_Tree::dropEntries() noexcept
     byDn = LDIF_HashIndex();
     missingLevels = LDIF_HashIndex();
     merged.clear();
-}
-
-LDIF_Tree::Number LDIF_Tree::find(const LDIF_DN& dn)
-{
-    key.assign(dn);
-    return find(key, key.levels());
-}
-
-LDIF_Tree::Number LDIF_Tree::find(LDIF_DnKey& wanted, std::size_t level) const
-{
-    if (level == 0)
-        return root;
-    const auto isWanted = [&](std::size_t number) { return isDn(static_cast<Number>(number), wanted, level); };
-    const std::size_t found = byDn.find(wanted.hash(level), isWanted);
-    return found == LDIF_HashIndex::npos ? none : static_cast<Number>(found);
-}
-
-// Whether the entry has the DN that lies that many levels below the root.
-bool LDIF_Tree::isDn(Number entry, LDIF_DnKey& wanted, std::size_t level) const
-{
-    const Node& node = nodes[entry];
-    if (node.levels != level)
-        return false;
-    const std::string_view wantedText = wanted.simpleText(level);
-    if (node.text != nullptr && !wantedText.empty()) {
-        const std::string_view text(node.text + node.dnStart, node.dnSize);
-        const bool isSameText = text.size() == wantedText.size() && compareFolded(text, wantedText) == 0;
-        if (isSameText || node.isLocaleBound == 0 || isSimpleDn(text))
-            return isSameText;
-    }
-    return dn(entry).startsEqual(wanted.dn(), level);
-}
-
-void LDIF_Tree::assignKey(Number entry, LDIF_DnKey& wanted) const
-{
-    if (nodes[entry].text == nullptr)
-        wanted.assign(objects.at(entry).entry.dn);
-    else
-        wanted.assign(text(entry).dn());
-}
-
-LDIF_Tree::Number LDIF_Tree::nearestAncestor(LDIF_DnKey& wanted) const
-{
-    Number above = none;
-    for (std::size_t level = wanted.levels() - 1; above == none; --level)
-        above = find(wanted, level);
-    return above;
-}
-
-bool LDIF_Tree::isMissing(std::size_t hash) const
-{
-    return missingLevels.find(hash, [](std::size_t) { return true; }) != LDIF_HashIndex::npos;
-}
-
-// The key is that of the descendant.
-void LDIF_Tree::noteMissingLevels(std::size_t ancestorLevels)
-{
-    for (std::size_t level = ancestorLevels + 1; level < key.levels(); ++level) {
-        if (!isMissing(key.hash(level)))
-            missingLevels.add(key.hash(level), 0);
-    }
-}
-
-// The children of an entry that belong below another one, whose key is at hand.
-std::vector<LDIF_Tree::Number> LDIF_Tree::childrenBelow(Number ancestor, Number entry)
-{
-    std::vector<Number> found;
-    LDIF_DnKey each;
-    const std::size_t level = key.levels();
-    if (!isMissing(key.hash()))
-        return found;
-    for (Number child = firstChild(ancestor); child != none; child = nextSibling(child)) {
-        if (levels(child) <= level)
-            continue;
-        assignKey(child, each);
-        if (each.hash(level) == key.hash() && isDn(entry, each, level))
-            found.push_back(child);
-    }
-    return found;
 }
 
 void LDIF_Tree::link(Number entry, Number above) noexcept
@@ -422,118 +263,6 @@ LDIF_DN LDIF_Tree::dn(Number number) const
     return known != nullptr ? known->dn : LDIF_DN(cisString(std::string(text(number).dn())));
 }
 
-// Texts that lie apart are moved together, so that the next write costs less.
-std::vector<std::string_view> LDIF_Tree::pieces(const LDIF_Comment& after, std::string& buffer)
-{
-    constexpr std::size_t few = 64;
-    constexpr std::size_t most = 8;  // of so many entries one may stand apart
-    std::vector<std::string_view> found = gatherPieces(after, buffer);
-    if (found.size() <= few + nodes.size() / most + objects.size())
-        return found;
-    compact();
-    return gatherPieces(after, buffer);
-}
-
-std::vector<std::string_view> LDIF_Tree::gatherPieces(const LDIF_Comment& after, std::string& buffer)
-{
-    buffer = inFileForm(rootObject.str() + (needsBlankLine() ? "\n" : ""));
-    const std::size_t head = buffer.size();
-    buffer += inFileForm(after.str());
-    std::vector<std::string_view> found{{buffer.data(), head}};
-    for (Number each = nextBelow(root, root); each != none; each = nextBelow(each, root)) {
-        const std::string_view piece =
-            nodes[each].text != nullptr ? text(each).text : std::string_view(printedObject(each));
-        std::string_view& last = found.back();
-        if (last.data() + last.size() == piece.data())
-            last = {last.data(), last.size() + piece.size()};
-        else
-            found.push_back(piece);
-    }
-    found.emplace_back(buffer.data() + head, buffer.size() - head);
-    return found;
-}
-
-const std::string& LDIF_Tree::printedObject(Number entry)
-{
-    auto& [object, printed] = objects.at(entry);
-    if (!printed.empty())
-        return printed;
-    try {
-        object.appendTo(printed);
-        printed = inFileForm(std::move(printed));
-        return printed;
-    } catch (...) {
-        printed.clear();
-        throw;
-    }
-}
-
-// The blank lines after the root's attributes are comment lines of the first entry, if the file had any.
-bool LDIF_Tree::needsBlankLine() const noexcept
-{
-    const Number first = firstChild(root);
-    if (first == none)
-        return false;
-    if (nodes[first].text != nullptr)
-        return text(first).text.substr(0, lineEnd.size()) != lineEnd;
-    const auto& lines = object(first)->comment.lines;
-    return lines.empty() || lines.front().type != LDIF_Line::blankLine;
-}
-
-LDIF_Entry& LDIF_Tree::open(Number entry)
-{
-    if (entry == root)
-        return rootObject;
-    Node& node = nodes[entry];
-    if (node.text == nullptr) {
-        Object& known = objects.at(entry);
-        known.printed.clear();
-        return known.entry;
-    }
-    LDIF_Entry& made = objects.emplace(entry, Object{LDIF_Entry(text(entry).text), {}}).first->second.entry;
-    store.release({node.text, node.size});
-    directory.forget(entry);
-    node.text = nullptr;
-    return made;
-}
-
-// A large entry stays an object: it would be read and printed anew with each change.
-void LDIF_Tree::close(Number entry) noexcept
-try {
-    constexpr std::size_t largeEntry = std::size_t{4} << 10;
-    if (entry != root && nodes[entry].text == nullptr)
-        (void)becomeText(entry, {}, largeEntry);
-    if (store.isWasteful())
-        compact();
-} catch (...) {
-    return;  // It stays an object, which is the same to all others.
-}
-
-// Whether it has become that part of the text of the file.
-bool LDIF_Tree::becomeText(Number entry, std::string_view source, std::size_t longest)
-{
-    const LDIF_Entry& known = objects.at(entry).entry;
-    if (isLonger(known, longest))
-        return false;
-    std::string buffer;
-    LDIF_EntryText text;
-    try {
-        text = printed(known, buffer);
-    } catch (const LDIF_Exception&) {
-        return false;  // It has no text.
-    }
-    if (!readsBack(text, known))
-        return false;
-    text.isLocaleBound = !isPlain(text.text) || !isSimpleDn(text.dn()) ||
-                         std::any_of(known.attributes.begin(), known.attributes.end(), hasOddDn);
-    const bool isSource = text.text == source;
-    if (isSource)
-        text.text = source;
-    setText(entry, isSource ? kept(text) : copied(text));
-    objects.erase(entry);
-    return isSource;
-}
-
 void LDIF_Tree::add(LDIF_Entry&& entry)
 {
     key.assign(entry.dn);
@@ -570,67 +299,4 @@ void LDIF_Tree::erase(Number entry) noexcept
     }
     if (store.isWasteful())
         compact();
-}
-
-// Moves all texts side by side, in the order in which they are written.
-void LDIF_Tree::compact() noexcept
-try {
-    LDIF_TextStore living;
-    living.reserve(store.used());
-    for (Number each = nextBelow(root, root); each != none; each = nextBelow(each, root)) {
-        Node& node = nodes[each];
-        if (node.text != nullptr)
-            node.text = living.add({node.text, node.size}).data();
-    }
-    store = std::move(living);
-} catch (...) {
-    return;  // Until there is memory for it, the store stays as it is.
-}
-
-void LDIF_Tree::followLocale()
-{
-    if (locale->isPresent())
-        return;
-    auto present = std::make_unique<LocaleCopy>();
-    std::vector<Number> opened;
-    for (Number first = 1; first < nodes.size(); opened.clear()) {
-        first = openLocaleBound(first, opened);
-        for (const Number number : opened)
-            (void)becomeText(number, {}, std::numeric_limits<std::size_t>::max());
-    }
-    for (auto& each : objects)
-        each.second.printed.clear();
-    indexAnew();
-    locale = std::move(present);
-}
-
-// Makes objects of some entries from that one on, which are read in the former locale. Gives where to go on.
-LDIF_Tree::Number LDIF_Tree::openLocaleBound(Number first, std::vector<Number>& opened)
-{
-    constexpr std::size_t most = 1000;  // objects take much memory
-    const LocaleCopy::Use former(*locale);
-    for (; first < nodes.size() && opened.size() < most; ++first) {
-        if (nodes[first].text == nullptr || nodes[first].isLocaleBound == 0)
-            continue;
-        opened.push_back(first);
-        (void)open(first);
-    }
-    return first;
-}
-
-void LDIF_Tree::indexAnew()
-{
-    LDIF_HashIndex index;
-    std::vector<std::uint32_t> tags(nodes.size());
-    for (Number number = 1; number < nodes.size(); ++number) {
-        if (isVacant(number))
-            continue;
-        assignKey(number, key);
-        index.add(key.hash(), number);
-        tags[number] = static_cast<std::uint32_t>(key.hash());
-        noteMissingLevels(levels(nodes[number].parent));
-    }
-    for (Number number = 1; number < nodes.size(); ++number)
-        nodes[number].tag = tags[number];
-    byDn = std::move(index);
 }

@@ -137,11 +137,9 @@ private:
     void vacate(Number entry) noexcept;
     LDIF_Entry& open(Number entry);
     void close(Number entry) noexcept;
-    LDIF_EntryText kept(const LDIF_EntryText& entry) noexcept;
-    LDIF_EntryText copied(LDIF_EntryText entry);
     void takeBack(Number entry) noexcept;
     void place(Number entry);
-    void setText(Number entry, const LDIF_EntryText& text) noexcept;
+    void setText(Number entry, const LDIF_EntryText& text, bool isFileText);
     bool becomeText(Number entry, std::string_view source, std::size_t longest);
     bool mergeWithPresent(LDIF_Entry& entry);
     void finishMerged();

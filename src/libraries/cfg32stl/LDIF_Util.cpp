@@ -30,8 +30,10 @@ bool isEdge(wchar_t unit) noexcept
 template <typename Text>
 std::size_t leadingEdges(const Text& text) noexcept
 {
-    const auto isInside = [](auto unit) { return !isEdge(unit); };
-    return static_cast<std::size_t>(std::find_if(text.begin(), text.end(), isInside) - text.begin());
+    std::size_t first = 0;
+    while (first < text.size() && isEdge(text[first]))
+        ++first;
+    return first;
 }
 
 // How many units it leaves from the front when it trims the end.
@@ -149,9 +151,7 @@ std::wstring& w_stripLeading(std::wstring& text) noexcept
 
 std::string& stripLeading(std::string& text)
 {
-    if (isPlain(text))
-        return text.erase(0, leadingEdges(std::string_view(text)));
-    return stripAsWide(text, w_stripLeading);
+    return isPlain(text) ? text.erase(0, leadingEdges(text)) : stripAsWide(text, w_stripLeading);
 }
 
 std::wstring& w_stripTrailing(std::wstring& text) noexcept
@@ -162,9 +162,7 @@ std::wstring& w_stripTrailing(std::wstring& text) noexcept
 
 std::string& stripTrailing(std::string& text)
 {
-    if (isPlain(text))
-        return text.erase(lengthWithoutTrailing(std::string_view(text)));
-    return stripAsWide(text, w_stripTrailing);
+    return isPlain(text) ? text.erase(lengthWithoutTrailing(text)) : stripAsWide(text, w_stripTrailing);
 }
 
 bool w_hexPair(const std::wstring& text, std::size_t pos, char& byte) noexcept
