@@ -14,18 +14,15 @@
 
 namespace {
 
-enum class NumberError { none, range, syntax };
-
-// [ "-" / "+" ] 1*DIGIT, with white space and parentheses around it
-NumberError readNumber(std::string trimmed, std::int32_t& number)
+// [ "-" / "+" ] 1*DIGIT, with white space and parentheses around it. Gives invalid_argument or result_out_of_range for
+// any other text.
+std::errc readNumber(std::string trimmed, std::int32_t& number)
 {
     std::string_view text = stripTrailing(stripLeading(trimmed));
     if (text.substr(0, 1) == "+" && text.substr(1, 1) != "-")
         text.remove_prefix(1);
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (error == std::errc::invalid_argument || end != text.data() + text.size())
-        return NumberError::syntax;
-    return error == std::errc() ? NumberError::none : NumberError::range;
+    return end != text.data() + text.size() ? std::errc::invalid_argument : error;
 }
 
 bool isWithinLimits(std::int32_t number, const _AttrType* type)
@@ -126,14 +123,12 @@ int intCompare(const LDIF_Value& left, const LDIF_Value& right)
 void intFromStr(LDIF_Value& value, const std::string& text)
 {
     std::int32_t number = 0;
-    NumberError error = readNumber(text, number);
-    if (error == NumberError::none && !isWithinLimits(number, value.attrType))
-        error = NumberError::range;
-    if (error == NumberError::range)
-        throw rangeFailure(value, text);
-    if (error == NumberError::syntax)
+    const std::errc error = readNumber(text, number);
+    if (error == std::errc::invalid_argument)
         throw syntaxFailure(LDAP_INVALID_SYNTAX, CFG_ERR_INT_SYNTAX, "Value is not valid integer syntax", text,
                             value.attrType);
+    if (error != std::errc() || !isWithinLimits(number, value.attrType))
+        throw rangeFailure(value, text);
     store(value, number);
 }
 
