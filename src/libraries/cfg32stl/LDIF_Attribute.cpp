@@ -68,11 +68,19 @@ void LDIF_Attributes::appendTo(std::string& out) const
         attribute.appendTo(out);
 }
 
-// The first attribute that does not sort before name. Names mostly come in ascending order, so the end comes first. One
-// beyond ASCII has its place by the locale, which may have changed since: it is looked for in the whole list.
+// Names beyond ASCII have their places by the locale, which may have changed since the list was sorted.
+bool LDIF_Attributes::isSorted() const
+{
+    const std::size_t present = caseFolding();
+    if (sortedUnder != present)
+        sortedUnder = std::is_sorted(begin(), end()) ? present : 0;
+    return sortedUnder == present;
+}
+
+// The first attribute that does not sort before name. Names mostly come in ascending order, so the end comes first.
 LDIF_Attributes::iterator LDIF_Attributes::placeOf(const std::string& name)
 {
-    const auto present = isPlain(name) ? end() : std::find(begin(), end(), name);
+    const auto present = isPlain(name) || isSorted() ? end() : std::find(begin(), end(), name);
     if (present != end() || empty() || back().compare(name) < 0)
         return present;
     return std::lower_bound(begin(), end(), name, [](const LDIF_Attribute& attribute, const std::string& wanted) {

@@ -7,6 +7,7 @@
 #include "LDIF_Values.h"
 #include "cisString.h"
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -71,7 +72,10 @@ public:
     const LDIF_Attribute* find(const cisString& name) const { return const_cast<LDIF_Attributes*>(this)->find(name); }
 
 private:
+    bool isSorted() const;
     iterator placeOf(const std::string& name);
+
+    mutable std::size_t sortedUnder = 0;  // the folding of the locale; 0 where it is not known
 };
 
 #endif
