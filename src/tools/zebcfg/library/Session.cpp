@@ -84,14 +84,13 @@ bool isTextFailure(int code)
 
 std::string escapedForFilter(const std::string& value)
 {
-    constexpr char digits[] = "0123456789abcdef";
     std::string escaped;
     for (const char character : value) {
         const auto byte = static_cast<unsigned char>(character);
         if (std::isalnum(byte) != 0 && byte < 0x80)
             escaped += character;
         else
-            escaped.append(1, '\\').append(1, digits[byte >> 4]).append(1, digits[byte & 15]);
+            escaped += '\\' + hexOf(byte);
     }
     return escaped;
 }
