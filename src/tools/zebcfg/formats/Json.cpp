@@ -104,7 +104,7 @@ std::string toJson(const std::vector<Entry>& entries)
     for (const Entry& entry : entries) {
         JsonObject attributes = JsonObject::object();
         for (const Attribute& attribute : entry.attributes) {
-            JsonObject& values = attributes[attribute.name] = JsonObject::array();
+            JsonObject& values = attributes[shownLine(attribute.name)] = JsonObject::array();
             for (const std::string& value : attribute.values)
                 values.push_back(shownValue(attribute.name, value));
         }

@@ -82,11 +82,11 @@ std::string toLdif(const Entry& entry, bool namesOnly, std::size_t wrap)
     appendLine(text, LDIF_PUT_VALUE, "dn", entry.dn, wrap);
     for (const Attribute& attribute : entry.attributes) {
         if (namesOnly) {
-            appendLine(text, LDIF_PUT_NOVALUE, attribute.name, "", wrap);
+            appendLine(text, LDIF_PUT_NOVALUE, shownLine(attribute.name), "", wrap);
             continue;
         }
         for (const std::string& value : attribute.values)
-            appendLine(text, LDIF_PUT_VALUE, attribute.name, shownValue(attribute.name, value), wrap);
+            appendLine(text, LDIF_PUT_VALUE, shownLine(attribute.name), shownValue(attribute.name, value), wrap);
     }
     return text + '\n';
 }
@@ -155,7 +155,7 @@ public:
         Attribute attribute{std::string(name.bv_val, name.bv_len), {}};
         attribute.values.emplace_back(value.bv_val != nullptr ? std::string(value.bv_val, value.bv_len) : "");
         if (attribute.values.front().find('\0') != std::string::npos)
-            throw failure(LDAP_INVALID_SYNTAX, attribute.name + ": the value holds a NUL byte");
+            throw failure(LDAP_INVALID_SYNTAX, shownLine(attribute.name) + ": the value holds a NUL byte");
         return inLocale(attribute);
     }
 
@@ -257,7 +257,7 @@ private:
     {
         if (current.values.front() != "1")
             throw stream.failure(LDAP_UNWILLING_TO_PERFORM,
-                                 "version 1 of LDIF can be read, not " + current.values.front());
+                                 "version 1 of LDIF can be read, not " + shownLine(current.values.front()));
         advance();
     }
 
@@ -280,7 +280,7 @@ private:
         else if (isSameName(type, "delete"))
             record.type = LdifRecord::erase;
         else
-            throw stream.failure(0, "there is no changetype " + type);
+            throw stream.failure(0, "there is no changetype " + shownLine(type));
         advance();
     }
 
@@ -306,8 +306,8 @@ private:
                 record.changes.emplace_back(Change{operation(), {current.values.front(), {}}, stream.lineNumber()});
             for (advance(); line != nullptr && !isSeparator(); advance()) {
                 if (!isSameName(current.name, change.attribute.name))
-                    throw stream.failure(0, current.name + " stands where values of " + change.attribute.name +
-                                                " or a line \"-\" are expected");
+                    throw stream.failure(0, shownLine(current.name) + " stands where values of " +
+                                                shownLine(change.attribute.name) + " or a line \"-\" are expected");
                 addValue(change);
             }
             if (line != nullptr)

@@ -14,7 +14,7 @@ namespace {
 Failure attributeFailure(int code, const std::string& dn, const std::string& name, const std::string& text)
 {
     Failure failure(code, text);
-    failure.attribute = name;
+    failure.attribute = shownLine(name);
     failure.entry = dn;
     return failure;
 }
