@@ -209,7 +209,7 @@ private:
             return;
         }
         for (const char* const name : {"zeb-slapdAdminDN", "zeb-slapdAdminPW"}) {
-            if (session.search(configurationDn, LDAP_SCOPE_BASE, std::string(name) + "=*", {"objectclass"}).empty())
+            if (!session.has(configurationDn, name))
                 findings.push_back(
                     Finding(Severity::warning, line->first, std::string(name) + ": cn=Configuration has none")
                         .coded(LDAP_NO_SUCH_ATTRIBUTE)

@@ -166,7 +166,7 @@ void Changes::modify(const std::string& dn, const std::vector<Change>& changes)
         }
         for (auto change = changes.rbegin(); change != changes.rend(); ++change)
             atLineOf(*change, [&] { requireSingle(dn, *change); });
-        requireLogin(dn, loginBefore);
+        requireLogin(dn, loginBefore, changes);
     });
 }
 
@@ -227,14 +227,21 @@ std::vector<std::string> Changes::loginAttributes(const std::string& dn) const
     return found;
 }
 
-void Changes::requireLogin(const std::string& dn, const std::vector<std::string>& before) const
+void Changes::requireLogin(const std::string& dn, const std::vector<std::string>& before,
+                           const std::vector<Change>& changes) const
 {
     if (isForced)
         return;
     for (const std::string& name : before) {
-        if (!opened->has(dn, name))
-            throw attributeFailure(LDAP_OBJECT_CLASS_VIOLATION, dn, name,
-                                   "without it nobody can log in; --force removes it");
+        if (opened->has(dn, name))
+            continue;
+        Failure failure =
+            attributeFailure(LDAP_OBJECT_CLASS_VIOLATION, dn, name, "without it nobody can log in; --force removes it");
+        for (const Change& change : changes) {
+            if (isSameName(change.attribute.name, name))
+                failure.inputLine = change.line;
+        }
+        throw failure;
     }
 }
 

@@ -40,7 +40,8 @@ private:
     void requireEachOnce(const std::string& dn, const Attribute& attribute) const;
     void requireSingle(const std::string& dn, const Change& change) const;
     std::vector<std::string> loginAttributes(const std::string& dn) const;
-    void requireLogin(const std::string& dn, const std::vector<std::string>& before) const;
+    void requireLogin(const std::string& dn, const std::vector<std::string>& before,
+                      const std::vector<Change>& changes) const;
 
     const std::string path;
     const std::string shownName;

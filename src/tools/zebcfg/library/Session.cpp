@@ -200,7 +200,10 @@ bool Session::exists(const std::string& dn) const
 
 bool Session::has(const std::string& dn, const std::string& attribute) const
 {
-    return !search(dn, LDAP_SCOPE_BASE, attribute + "=*", {"1.1"}).empty();
+    if (isPassword(attribute))
+        return !search(dn, LDAP_SCOPE_BASE, attribute + "=*", {"1.1"}).empty();
+    const auto found = values(dn, attribute);
+    return std::any_of(found.begin(), found.end(), [](const std::string& value) { return !value.empty(); });
 }
 
 Failure Session::missingEntry(const std::string& dn) const
