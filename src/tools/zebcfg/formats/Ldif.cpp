@@ -224,11 +224,11 @@ public:
     {
         record = {type, stream.firstLine(), {}, {}, stream.record()};
         advance();
-        if (line != nullptr && !isSeparator() && isSameName(current.name, "version"))
+        if (line != nullptr && !isSeparator && isSameName(current.name, "version"))
             readVersion();
         if (line == nullptr)
             return false;
-        if (isSeparator() || !isSameName(current.name, "dn"))
+        if (isSeparator || !isSameName(current.name, "dn"))
             throw stream.failure(0, "a record begins with its dn");
         record.dn = current.values.front();
         record.line = stream.lineNumber();
@@ -244,12 +244,11 @@ public:
     }
 
 private:
-    bool isSeparator() const { return std::strcmp(line, "-") == 0; }
-
     void advance()
     {
         line = stream.nextLine();
-        if (line != nullptr && !isSeparator())
+        isSeparator = line != nullptr && std::strcmp(line, "-") == 0;
+        if (line != nullptr && !isSeparator)
             current = stream.parse(line);
     }
 
@@ -263,7 +262,7 @@ private:
 
     void readType()
     {
-        if (line == nullptr || isSeparator())
+        if (line == nullptr || isSeparator)
             return;
         if (isSameName(current.name, "control"))
             throw stream.failure(LDAP_UNWILLING_TO_PERFORM, "controls are not supported");
@@ -287,7 +286,7 @@ private:
     void readAttributes()
     {
         for (; line != nullptr; advance()) {
-            if (isSeparator())
+            if (isSeparator)
                 throw stream.failure(0, "a line \"-\" ends a modification, and there is none");
             const auto known = std::find_if(record.changes.begin(), record.changes.end(), [&](const Change& change) {
                 return isSameName(change.attribute.name, current.name);
@@ -304,7 +303,7 @@ private:
         while (line != nullptr) {
             Change& change =
                 record.changes.emplace_back(Change{operation(), {current.values.front(), {}}, stream.lineNumber()});
-            for (advance(); line != nullptr && !isSeparator(); advance()) {
+            for (advance(); line != nullptr && !isSeparator; advance()) {
                 if (!isSameName(current.name, change.attribute.name))
                     throw stream.failure(0, shownLine(current.name) + " stands where values of " +
                                                 shownLine(change.attribute.name) + " or a line \"-\" are expected");
@@ -323,7 +322,7 @@ private:
 
     int operation() const
     {
-        if (!isSeparator()) {
+        if (!isSeparator) {
             if (isSameName(current.name, "add"))
                 return LDAP_MOD_ADD;
             if (isSameName(current.name, "delete"))
@@ -337,7 +336,8 @@ private:
     Stream& stream;
     LdifRecord& record;
     char* line = nullptr;
-    Attribute current;  // the line taken apart, unless it is a separator
+    bool isSeparator = false;  // "-" alone; taking a line apart cuts it
+    Attribute current;         // the line taken apart, unless it is a separator
 };
 
 const std::string& LdifReader::record() const
