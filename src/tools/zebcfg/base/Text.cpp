@@ -2,6 +2,8 @@
 
 #include <cctype>
 #include <cstdlib>
+#include <cwchar>
+#include <cwctype>
 #include <sstream>
 
 namespace {
@@ -33,6 +35,14 @@ std::string hexOf(unsigned char byte)
 {
     constexpr char digits[] = "0123456789abcdef";
     return {digits[byte >> 4], digits[byte & 15]};
+}
+
+std::size_t blankAt(const std::string& text, std::size_t place)
+{
+    wchar_t unit = 0;
+    std::mbstate_t state = {};
+    const std::size_t length = std::mbrtowc(&unit, text.data() + place, text.size() - place, &state);
+    return length <= text.size() - place && std::iswspace(static_cast<std::wint_t>(unit)) != 0 ? length : 0;
 }
 
 bool hasByteOrderMark(const std::string& text)

@@ -15,6 +15,9 @@ std::string visible(const std::string& text);
 // The same for each line of a text that ends with a line end.
 std::string visibleLines(const std::string& text);
 
+// The length of the white space character at a place, as the locale has it; 0 for any other.
+std::size_t blankAt(const std::string& text, std::size_t place);
+
 // Some editors write one in front of UTF-8, where it is part of the first name.
 constexpr char byteOrderMark[] = "\xEF\xBB\xBF";
 bool hasByteOrderMark(const std::string& text);
