@@ -7,10 +7,16 @@
 // The text with each occurrence of a word replaced. An empty word changes nothing.
 std::string replaced(std::string text, const std::string& word, const std::string& replacement);
 
+// Two hex digits.
+std::string hexOf(unsigned char byte);
+
 // One line in which every control character, the byte order mark too, is written as \x1b and the like. Tabs are left.
 std::string visible(const std::string& text);
 // The same for each line of a text that ends with a line end.
 std::string visibleLines(const std::string& text);
+
+// The length of the white space character at a place, as the locale has it; 0 for any other.
+std::size_t blankAt(const std::string& text, std::size_t place);
 
 // Some editors write one in front of UTF-8, where it is part of the first name.
 constexpr char byteOrderMark[] = "\xEF\xBB\xBF";

@@ -51,7 +51,9 @@ std::string Call::backupName() const
 {
     if (has("no-backup"))
         return {};
-    return has("backup") ? value("backup") : fileName() + ".bak";
+    if (has("backup") && value("backup").empty())
+        throw Failure(0, "-B takes the name of a file; --no-backup keeps none");
+    return value("backup", fileName() + ".bak");
 }
 
 Target Call::target() const

@@ -18,7 +18,7 @@ int runGet(const Call& call)
     if (values.empty()) {
         Failure failure(LDAP_NO_SUCH_ATTRIBUTE, "the entry has no such attribute" + attributeHint(name),
                         reading.live().shownName());
-        failure.attribute = name;
+        failure.attribute = shownLine(name);
         throw failure;
     }
     for (std::string& value : values)

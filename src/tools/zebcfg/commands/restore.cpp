@@ -10,15 +10,20 @@
 
 namespace {
 
-void requireLoadable(const std::string& text, const std::string& name)
+// The backup, once it loads and takes the login: the file itself may be damaged.
+LiveFile usableBackup(const Target& target)
 {
-    const auto findings = check(text, name);
+    const std::string& name = target.backup;
+    LiveFile backup(name);
+    const auto findings = check(backup.text(), name);
     for (const Finding& finding : findings) {
         if (finding.severity == Severity::error)
             std::cerr << toLine(finding, name) << '\n';
     }
     if (hasErrors(findings))
         throw Failure(0, "the backup does not load as it is, so it is not restored", name);
+    requireLogin(target, backup.text(), name);
+    return backup;
 }
 
 }  // namespace
@@ -26,17 +31,14 @@ void requireLoadable(const std::string& text, const std::string& name)
 int runRestore(const Call& call)
 {
     const Target target = call.target();
-    const std::string& name = target.backup;
-    if (name.empty())
+    if (target.backup.empty())
         throw Failure(0, "there is no backup to restore under --no-backup");
-    const LiveFile backup(name);
-    requireLoadable(backup.text(), name);
-    requireLogin(target, backup.text(), name);  // The file itself may be damaged.
     if (::access(target.file.c_str(), F_OK) != 0) {
-        putInPlace(target, backup);
+        putInPlace(target, usableBackup(target));
         return 0;
     }
     replaceText(target, [&](const LiveFile& file) {
+        const LiveFile backup = usableBackup(target);  // Only now the lock keeps it as it is.
         if (!target.isDryRun && !target.messages.isQuiet)
             showDiff(target, file.text(), backup.text(), file.shownName());
         return backup.text();

@@ -3,6 +3,7 @@
 #include "base/Masking.h"
 #include "base/Text.h"
 
+#include <algorithm>
 #include <iterator>
 #include <sstream>
 #include <vector>
@@ -28,9 +29,13 @@ bool operator==(const Line& left, const Line& right)
     return left.text == right.text;
 }
 
-bool continuesLine(const std::string& line)
+// The bytes that a line which continues another has in front: a blank, and carriage returns, which do not count. 0 for
+// any other line.
+std::size_t leadOf(const std::string& line)
 {
-    return !line.empty() && (line.front() == ' ' || line.front() == '\t');
+    const std::size_t place = std::min(line.find_first_not_of('\r'), line.size());
+    const std::size_t length = blankAt(line, place);
+    return length != 0 ? place + length : 0;
 }
 
 // A line may be broken anywhere, also within the name: what counts is the whole. It may also stand for itself, for some
@@ -51,11 +56,12 @@ std::vector<Line> linesOf(const std::string& text)
     for (auto first = lines.begin(); first != lines.end();) {
         std::string whole = first->text;
         auto end = std::next(first);
-        for (; end != lines.end() && continuesLine(end->text); ++end)
-            whole += end->text.substr(1);
+        for (; end != lines.end() && leadOf(end->text) != 0; ++end)
+            whole += end->text.substr(leadOf(end->text));
         const std::size_t secret = secretOf(whole);
         std::size_t begin = 0;
-        for (std::size_t lead = 0; first != end; ++first, lead = 1) {
+        for (bool isFirst = true; first != end; ++first, isFirst = false) {
+            const std::size_t lead = isFirst ? 0 : leadOf(first->text);
             first->shown = visible(shownPart(first->text, lead, begin, secret));
             begin += first->text.size() - lead;
         }
@@ -115,8 +121,8 @@ std::string unifiedDiff(const std::string& before, const std::string& after, con
     diff.compose();
     diff.composeUnifiedHunks();
     Writer writer(isColored);
-    writer.line(bold, "--- " + shownName);
-    writer.line(bold, "+++ " + shownName + " (new)");
+    writer.line(bold, "--- " + visible(shownName));
+    writer.line(bold, "+++ " + visible(shownName) + " (new)");
     for (const auto& hunk : diff.getUniHunks()) {
         writer.line(cyan, "@@ -" + rangeOf(hunk.b == 0 ? 0 : hunk.a, hunk.b) + " +" +
                               rangeOf(hunk.d == 0 ? 0 : hunk.c, hunk.d) + " @@");

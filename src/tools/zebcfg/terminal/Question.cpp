@@ -1,6 +1,7 @@
 #include "terminal/Question.h"
 
 #include "base/Failure.h"
+#include "base/Text.h"
 
 #include <fstream>
 
@@ -10,7 +11,7 @@ char ask(const std::string& question, const std::string& letters)
     std::ofstream out("/dev/tty");
     if (!in || !out)
         throw Failure(0, "there is no terminal for a question, and nothing is changed");
-    for (std::string line; out << question << std::flush && std::getline(in, line);) {
+    for (std::string line; out << visible(question) << std::flush && std::getline(in, line);) {
         if (line.size() == 1 && letters.find(line[0]) != std::string::npos)
             return line[0];
     }
