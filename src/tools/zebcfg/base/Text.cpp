@@ -1,5 +1,7 @@
 #include "base/Text.h"
 
+#include <algorithm>
+#include <cctype>
 #include <sstream>
 
 namespace {
@@ -24,6 +26,13 @@ std::string replaced(std::string text, const std::string& word, const std::strin
     for (auto at = word.empty() ? std::string::npos : text.find(word); at != std::string::npos;
          at = text.find(word, at + replacement.size()))
         text.replace(at, word.size(), replacement);
+    return text;
+}
+
+std::string lowerCase(std::string text)
+{
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](unsigned char byte) { return static_cast<char>(byte < 0x80 ? std::tolower(byte) : byte); });
     return text;
 }
 

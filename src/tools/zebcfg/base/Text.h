@@ -7,6 +7,9 @@
 // The text with each occurrence of a word replaced. An empty word changes nothing.
 std::string replaced(std::string text, const std::string& word, const std::string& replacement);
 
+// The ASCII letters in lower case.
+std::string lowerCase(std::string text);
+
 // One line in which every control character, the byte order mark too, is written as \x1b and the like. Tabs are left.
 std::string visible(const std::string& text);
 // The same for each line of a text that ends with a line end.

@@ -56,8 +56,16 @@ std::string Call::backupName() const
 
 Target Call::target() const
 {
-    return {fileName(), backupName(), login(), has("dry-run"), has("force"), hasColor(STDOUT_FILENO),
-            wait(),     messages()};
+    Target target;
+    target.file = fileName();
+    target.backup = backupName();
+    target.login = login();
+    target.isDryRun = has("dry-run");
+    target.isForced = has("force");
+    target.hasColor = hasColor(STDOUT_FILENO);
+    target.wait = wait();
+    target.messages = messages();
+    return target;
 }
 
 std::optional<Login> Call::login() const

@@ -45,6 +45,7 @@ std::string keyOf(const Option& option);
 
 // Each in a file of its own below commands/.
 int runAdd(const Call& call);
+int runApply(const Call& call);
 int runCheck(const Call& call);
 int runComplete(const Call& call);
 int runDelete(const Call& call);

@@ -6,10 +6,13 @@
 #include "files/Descriptor.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include <langinfo.h>
 
 namespace {
+
+constexpr const char* loginNames[] = {"objectclass", "zeb-slapdAdminDN", "zeb-slapdAdminPW"};
 
 Failure attributeFailure(int code, const std::string& dn, const std::string& name, const std::string& text)
 {
@@ -55,6 +58,12 @@ bool isReadableValue(const std::string& value)
 
 }  // namespace
 
+bool isLoginAttribute(const std::string& name)
+{
+    return std::any_of(std::begin(loginNames), std::end(loginNames),
+                       [&](const char* known) { return isSameName(known, name); });
+}
+
 Changes::Changes(std::string copyPath, std::string shown, std::optional<Login> wanted, bool force)
     : path(std::move(copyPath)), shownName(std::move(shown)), login(std::move(wanted)), isForced(force)
 {
@@ -62,11 +71,22 @@ Changes::Changes(std::string copyPath, std::string shown, std::optional<Login> w
     // What the library changes at its first write is no part of the changes that are compared later.
     opened->flush();
     open();
+    addHead();
+    original = readFile(path, shownName);
+}
+
+void Changes::addHead()
+{
     if (!opened->search("", LDAP_SCOPE_BASE, "charset=*").empty())
         return;
     opened->modify("", {{LDAP_MOD_ADD, {"charset", {::nl_langinfo(CODESET)}}}});
     if (opened->search("", LDAP_SCOPE_BASE, "version=*").empty())
         opened->modify("", {{LDAP_MOD_ADD, {"version", {"1"}}}});
+}
+
+bool Changes::isChanged() const
+{
+    return readFile(path, shownName) != original;
 }
 
 void Changes::open()
@@ -220,7 +240,7 @@ std::vector<std::string> Changes::loginAttributes(const std::string& dn) const
     std::vector<std::string> found;
     if (!isSameName(spelled.orNothing(dn), configurationDn))
         return found;
-    for (const char* const name : {"objectclass", "zeb-slapdAdminDN", "zeb-slapdAdminPW"}) {
+    for (const char* const name : loginNames) {
         if (opened->has(dn, name))
             found.emplace_back(name);
     }

@@ -12,6 +12,9 @@
 #include <string>
 #include <vector>
 
+// Whether the login stands on it, in cn=Configuration.
+bool isLoginAttribute(const std::string& name);
+
 // Works on a copy of the configuration file. Each call is one step: when it throws Failure, the copy is as before.
 class Changes {
 public:
@@ -27,11 +30,14 @@ public:
     void apply(const LdifRecord& record, bool needsParent);
 
     const Session& session() const noexcept { return *opened; }
+    // Whether a step has changed the text: the form that the library gives it does not count.
+    bool isChanged() const;
     // The names of attributes that have been used.
     const std::vector<std::string>& names() const noexcept { return usedNames; }
 
 private:
     void open();
+    void addHead();
     void step(const std::function<void()>& body);
     void requireNameAndValues(const std::string& dn, const Attribute& attribute);
     void addEntry(const std::string& dn, const std::vector<Change>& attributes);
@@ -49,6 +55,7 @@ private:
     std::unique_ptr<Session> opened;
     const DnSpeller spelled;
     std::vector<std::string> usedNames;
+    std::string original;
 };
 
 #endif

@@ -40,9 +40,17 @@ std::string parentOf(const std::string& dn)
     return {};
 }
 
+std::vector<std::string> ancestorsOf(const std::string& dn)
+{
+    std::vector<std::string> ancestors;
+    for (std::string above = parentOf(dn); !above.empty(); above = parentOf(above))
+        ancestors.push_back(above);
+    return ancestors;
+}
+
 std::string nearestNote(const std::string& dn, const std::function<bool(const std::string& dn)>& exists)
 {
-    for (std::string above = parentOf(dn); !above.empty(); above = parentOf(above)) {
+    for (const std::string& above : ancestorsOf(dn)) {
         if (exists(above))
             return "; the nearest entry that exists is " + above;
     }

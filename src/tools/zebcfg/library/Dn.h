@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 // Asks the library for its spelling of DNs, behind an empty file where none of them exists.
 class DnSpeller {
@@ -29,5 +30,7 @@ std::string nearestNote(const std::string& dn, const std::function<bool(const st
 bool isRootDn(const std::string& dn);
 // The DN without its first RDN, for one in the library's spelling; empty for a single RDN.
 std::string parentOf(const std::string& dn);
+// All DNs above it, from its parent up.
+std::vector<std::string> ancestorsOf(const std::string& dn);
 
 #endif

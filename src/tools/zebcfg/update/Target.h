@@ -15,8 +15,9 @@ struct Target {
     std::optional<Login> login;
     bool isDryRun = false;
     bool isForced = false;
-    bool hasColor = false;      // for diffs on standard output
-    std::chrono::seconds wait;  // for another update
+    bool isState = false;          // a change of nothing but the form is none, and JSON says whether there is one
+    bool hasColor = false;         // for diffs on standard output
+    std::chrono::seconds wait{0};  // for another update
     Messages messages;
 };
 

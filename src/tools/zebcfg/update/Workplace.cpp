@@ -22,6 +22,8 @@ public:
     void finish() override
     {
         const bool isChanged = readFile(name(), file().shownName()) != file().text();
+        if (target.isState && target.messages.isJson)
+            showDiff(target, file().text(), readFile(name(), file().shownName()), file().shownName());
         if (isChanged)
             replacement.install();
         if (target.messages.isVerbose)
@@ -76,7 +78,8 @@ void showDiff(const Target& target, const std::string& before, const std::string
 {
     const bool isJson = target.messages.isJson;
     const std::string diff = unifiedDiff(before, after, shownName, target.hasColor && !isJson);
-    std::cout << (isJson ? diffToJson(diff) + '\n' : diff);
+    const std::string json = target.isState ? changeToJson(before != after, diff) : diffToJson(diff);
+    std::cout << (isJson ? json + '\n' : diff);
     if (!std::cout.flush())
         throw systemFailure(0, "cannot write the output, and nothing is changed");
 }
