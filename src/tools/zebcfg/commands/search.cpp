@@ -1,15 +1,21 @@
+#include "base/Attributes.h"
 #include "base/Encoding.h"
 #include "base/Failure.h"
 #include "base/Filter.h"
 #include "base/Masking.h"
+#include "base/Text.h"
 #include "cli/Call.h"
+#include "formats/ConfigText.h"
 #include "formats/Json.h"
 #include "formats/Ldif.h"
+#include "library/Dn.h"
+#include "library/Query.h"
 #include "update/Reading.h"
 
 #include <algorithm>
 #include <charconv>
 #include <iostream>
+#include <set>
 
 namespace {
 
@@ -37,29 +43,54 @@ std::size_t wrapOf(const std::string& option)
     throw Failure(0, "-o takes ldif_wrap=N, a length of at least 3, or ldif_wrap=no");
 }
 
-// What the operands ask for, as in ldapsearch: a first one with a "=" is the filter.
+// What the operands ask for, as in ldapsearch: a first one with a "=" is the filter, and one that begins with "(".
 struct Request {
     explicit Request(std::vector<std::string> operands) : names(std::move(operands))
     {
-        if (names.empty() || names.front().find('=') == std::string::npos)
+        if (names.empty() || (names.front().find('=') == std::string::npos && names.front().rfind('(', 0) != 0))
             return;
-        filter = simpleFilter(names.front());
+        filter = parseFilter(names.front());
         names.erase(names.begin());
     }
 
-    std::string shownFilter() const { return shownLine(filter); }
+    std::string shownFilter() const { return shownLine(filter.text); }
 
     bool wants(const char* name) const { return std::find(names.begin(), names.end(), name) != names.end(); }
 
-    std::string filter = anyEntry;
+    Filter filter = parseFilter(anyEntry);
     std::vector<std::string> names;
 };
 
-void removeBase(std::vector<Entry>& entries, const std::vector<Entry>& base)
+void removeBase(std::vector<Entry>& entries, const std::string& base)
 {
-    entries.erase(std::remove_if(entries.begin(), entries.end(),
-                                 [&](const Entry& entry) { return !base.empty() && entry.dn == base.front().dn; }),
-                  entries.end());
+    const std::string dn = DnSpeller()(base);
+    entries.erase(
+        std::remove_if(entries.begin(), entries.end(), [&](const Entry& entry) { return isSameName(entry.dn, dn); }),
+        entries.end());
+}
+
+// Each once, that of an attribute of the root first: nothing else finds it.
+std::vector<std::string> namesIn(const std::string& text)
+{
+    std::set<std::string> names;
+    for (const ConfigLine& line : linesOf(text))
+        names.insert(lowerCase(line.name));
+    std::vector<std::string> sorted(names.begin(), names.end());
+    std::stable_partition(sorted.begin(), sorted.end(), [](const std::string& name) { return name == "charset"; });
+    return sorted;
+}
+
+std::vector<Entry> entriesFor(const Call& call, Reading& reading, const Request& request)
+{
+    Query query{call.value("base"), scopeOf(call.value("scope", "sub")), request.filter, {}, {}};
+    if (!request.wants("*"))
+        query.names = request.names;
+    if (!query.filter.isSimple())
+        query.namesInUse = namesIn(reading.live().text());
+    auto entries = find(reading.session(), query);
+    if (call.value("scope") == "children")
+        removeBase(entries, query.base);
+    return entries;
 }
 
 // Removes what LDIF cannot carry. True when there was anything.
@@ -99,12 +130,8 @@ void writeLdif(const Call& call, const Request& request, const std::vector<Entry
 int runSearch(const Call& call)
 {
     const Request request(call.operands());
-    const int scope = scopeOf(call.value("scope", "sub"));
     Reading reading(call.target());
-    const auto names = request.wants("*") ? std::vector<std::string>() : request.names;
-    auto entries = reading.session().search(call.value("base"), scope, request.filter, names);
-    if (call.value("scope") == "children")
-        removeBase(entries, reading.session().search(call.value("base"), LDAP_SCOPE_BASE, request.filter, {"1.1"}));
+    auto entries = entriesFor(call, reading, request);
     for (Entry& entry : entries) {
         if (request.wants("1.1"))
             entry.attributes.clear();
