@@ -33,6 +33,19 @@ std::string Call::value(const std::string& key, const std::string& otherwise) co
     return found != options.end() && !found->second.empty() ? found->second.back() : otherwise;
 }
 
+int Call::number(const std::string& key, int otherwise, const char* what) const
+{
+    if (!has(key))
+        return otherwise;
+    const std::string text = value(key);
+    int count = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, count);
+    if (error != std::errc() || stop != end || count < 0)
+        throw Failure(0, "--" + key + " takes a whole number of " + what);
+    return count;
+}
+
 std::string Call::fileName() const
 {
     if (has("config"))
@@ -63,7 +76,7 @@ Target Call::target() const
     target.isDryRun = has("dry-run");
     target.isForced = has("force");
     target.hasColor = hasColor(STDOUT_FILENO);
-    target.wait = wait();
+    target.wait = std::chrono::seconds(number("wait", 60, "seconds"));
     target.messages = messages();
     return target;
 }
@@ -85,17 +98,6 @@ std::optional<Login> Call::login() const
     else if (has("password-file"))
         password = readPasswordFile(value("password-file"));
     return Login{value("bind-dn"), password};
-}
-
-std::chrono::seconds Call::wait() const
-{
-    const std::string text = value("wait", "60");
-    int count = 0;
-    const char* const end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, count);
-    if (error != std::errc() || stop != end || count < 0)
-        throw Failure(0, "--wait takes a whole number of seconds");
-    return std::chrono::seconds(count);
 }
 
 bool Call::hasColor(int descriptor) const

@@ -26,6 +26,8 @@ public:
     std::size_t count(const std::string& key) const;
     // The last value that was given.
     std::string value(const std::string& key, const std::string& otherwise = {}) const;
+    // The value as a number from 0. Throws Failure, with what it counts, for any other.
+    int number(const std::string& key, int otherwise, const char* what) const;
 
     // The configuration file as the user calls it. Throws Failure (91) when none is named and there is no default.
     std::string fileName() const;
@@ -41,7 +43,6 @@ public:
 
 private:
     std::optional<Login> login() const;
-    std::chrono::seconds wait() const;
 
     const Command* chosenCommand;
     std::map<std::string, std::vector<std::string>> options;

@@ -47,6 +47,7 @@ std::string keyOf(const Option& option);
 int runAdd(const Call& call);
 int runApply(const Call& call);
 int runCheck(const Call& call);
+int runCompare(const Call& call);
 int runComplete(const Call& call);
 int runDelete(const Call& call);
 int runDescribe(const Call& call);

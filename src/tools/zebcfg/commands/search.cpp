@@ -4,6 +4,7 @@
 #include "base/Filter.h"
 #include "base/Masking.h"
 #include "base/Text.h"
+#include "base/Value.h"
 #include "cli/Call.h"
 #include "formats/ConfigText.h"
 #include "formats/Json.h"
@@ -69,6 +70,29 @@ void removeBase(std::vector<Entry>& entries, const std::string& base)
         entries.end());
 }
 
+// The lowest value of the attribute, or null.
+const std::string* lowestOf(const Entry& entry, const std::string& name, const AttributeType* type)
+{
+    for (const Attribute& attribute : entry.attributes) {
+        if (isSameName(attribute.name, name) && !attribute.values.empty())
+            return &*std::min_element(
+                attribute.values.begin(), attribute.values.end(),
+                [&](const std::string& a, const std::string& b) { return compareValues(type, a, b) < 0; });
+    }
+    return nullptr;
+}
+
+// Entries without the attribute come last.
+void sortBy(const std::string& name, std::vector<Entry>& entries)
+{
+    const AttributeType* const type = findAttributeType(name);
+    std::stable_sort(entries.begin(), entries.end(), [&](const Entry& left, const Entry& right) {
+        const std::string* const one = lowestOf(left, name, type);
+        const std::string* const other = lowestOf(right, name, type);
+        return one != nullptr && (other == nullptr || compareValues(type, *one, *other) < 0);
+    });
+}
+
 // Each once, that of an attribute of the root first: nothing else finds it.
 std::vector<std::string> namesIn(const std::string& text)
 {
@@ -87,10 +111,28 @@ std::vector<Entry> entriesFor(const Call& call, Reading& reading, const Request&
         query.names = request.names;
     if (!query.filter.isSimple())
         query.namesInUse = namesIn(reading.live().text());
+    const std::string sort = call.value("sort");
+    const bool addsName = !sort.empty() && !query.names.empty();
+    if (addsName)
+        query.names.push_back(sort);
     auto entries = find(reading.session(), query);
     if (call.value("scope") == "children")
         removeBase(entries, query.base);
+    if (!sort.empty())
+        sortBy(sort, entries);
+    if (addsName)
+        project(entries, request.names);
     return entries;
+}
+
+// Leaves the first entries that -z allows. True when there are more.
+bool cut(const Call& call, std::vector<Entry>& entries)
+{
+    const auto most = static_cast<std::size_t>(call.number("size-limit", 0, "entries"));
+    if (most == 0 || entries.size() <= most)
+        return false;
+    entries.resize(most);
+    return true;
 }
 
 // Removes what LDIF cannot carry. True when there was anything.
@@ -132,6 +174,7 @@ int runSearch(const Call& call)
     const Request request(call.operands());
     Reading reading(call.target());
     auto entries = entriesFor(call, reading, request);
+    const bool isCut = cut(call, entries);
     for (Entry& entry : entries) {
         if (request.wants("1.1"))
             entry.attributes.clear();
@@ -140,11 +183,12 @@ int runSearch(const Call& call)
                 attribute.values.clear();
         }
     }
-    if (call.isJson()) {
+    const bool isIncomplete = !call.isJson() && removeUnwritable(call, entries);
+    if (call.isJson())
         std::cout << toJson(entries) << '\n';
-        return 0;
-    }
-    const bool isIncomplete = removeUnwritable(call, entries);
-    writeLdif(call, request, entries);
+    else
+        writeLdif(call, request, entries);
+    if (isCut)
+        throw Failure(LDAP_SIZELIMIT_EXCEEDED, "there are more entries than --size-limit allows");
     return isIncomplete ? LDAP_UNDEFINED_TYPE : 0;
 }
