@@ -55,6 +55,7 @@ int runEdit(const Call& call);
 int runGet(const Call& call);
 int runManual(const Call& call);
 int runModify(const Call& call);
+int runMove(const Call& call);
 int runPasswd(const Call& call);
 int runRestore(const Call& call);
 int runSearch(const Call& call);

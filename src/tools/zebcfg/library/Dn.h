@@ -2,6 +2,7 @@
 #ifndef ZEBCFG_DN_H
 #define ZEBCFG_DN_H
 
+#include "base/Entry.h"
 #include "files/MemoryFile.h"
 #include "library/Session.h"
 
@@ -32,5 +33,9 @@ bool isRootDn(const std::string& dn);
 std::string parentOf(const std::string& dn);
 // All DNs above it, from its parent up.
 std::vector<std::string> ancestorsOf(const std::string& dn);
+// The attributes of the first RDN, each with one value without escapes and quotes. The names may repeat.
+std::vector<Attribute> rdnOf(const std::string& dn);
+// The same text for all spellings of one DN.
+std::string keyOf(const std::string& dn);
 
 #endif
