@@ -11,6 +11,12 @@
 #include <unistd.h>
 #include <zebldapcfg.h>
 
+std::string unnamedFile()
+{
+    const char* const variable = std::getenv("ZEBCFG_FILE");
+    return variable != nullptr && *variable != '\0' ? variable : defaultFileName();
+}
+
 Call::Call(const Command* chosen, std::map<std::string, std::vector<std::string>> given,
            std::vector<std::string> operandsGiven)
     : chosenCommand(chosen), options(std::move(given)), words(std::move(operandsGiven))
@@ -49,15 +55,20 @@ int Call::number(const std::string& key, int otherwise, const char* what) const
 std::string Call::fileName() const
 {
     if (has("config"))
-        return value("config");
-    std::string name = defaultFileName();
+        return value("config");  // An empty name too: a script that has lost it is not to change another file.
+    std::string name = unnamedFile();
     if (!name.empty())
         return name;
     Failure failure(CFG_CONNECT_ERROR,
-                    "no configuration file is named with -F, and there is no default: the install "
+                    "no configuration file is named with -F or ZEBCFG_FILE, and there is no default: the install "
                     "location is looked for in " ZEBCFG_REGISTRY "/SOFTWARE/ZEB/LDAP/Client/LDAPHome");
     failure.extended = CFG_ERR_CONFIG_FILENAME;
     throw failure;
+}
+
+bool Call::mayAsk() const
+{
+    return !has("yes") && !has("dry-run") && ::isatty(STDIN_FILENO) == 1 && ::isatty(STDERR_FILENO) == 1;
 }
 
 std::string Call::backupName() const

@@ -12,6 +12,9 @@
 #include <string>
 #include <vector>
 
+// The configuration file without -F: that of the environment or of the installation; empty for none.
+std::string unnamedFile();
+
 class Call {
 public:
     // given: for each option that was given, by its key, its last value for each time; a flag has empty ones.
@@ -31,6 +34,9 @@ public:
 
     // The configuration file as the user calls it. Throws Failure (91) when none is named and there is no default.
     std::string fileName() const;
+    // Whether the user is there to be asked: standard input and standard error are terminals, and --yes is not given. A
+    // dry run has nothing to ask.
+    bool mayAsk() const;
     // Empty for no backup.
     std::string backupName() const;
     // The file with what the options say of it. Asks for the login's password, or reads it. Throws Failure.

@@ -14,6 +14,7 @@ const std::vector<Option>& globalOptions()
         {"-y,--password-file", "FILE", "read the login's password from a file", Kind::file},
         {"-n,--dry-run", nullptr, "check the change, show it as a diff, and change nothing"},
         {"--force", nullptr, "make a change that is refused only for what it may break"},
+        {"--yes", nullptr, "answer yes to the questions of delete -r and restore"},
         {"--wait", "SECONDS", "wait so long for another update of the file (default: 60)"},
         {"-v,--verbose", nullptr, "print more; after a failure, the library's report"},
         {"-q,--quiet", nullptr, "print failures only"},
