@@ -11,6 +11,16 @@
 #include <unistd.h>
 #include <zebldapcfg.h>
 
+int wholeNumber(const std::string& text, const std::string& refusal)
+{
+    int number = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, number);
+    if (error != std::errc() || stop != end || number < 0)
+        throw Failure(0, refusal);
+    return number;
+}
+
 std::string unnamedFile()
 {
     const char* const variable = std::getenv("ZEBCFG_FILE");
@@ -41,14 +51,20 @@ std::string Call::value(const std::string& key, const std::string& otherwise) co
 
 int Call::number(const std::string& key, int otherwise, const char* what) const
 {
-    if (!has(key))
-        return otherwise;
-    const std::string text = value(key);
-    int count = 0;
-    const char* const end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, count);
-    if (error != std::errc() || stop != end || count < 0)
-        throw Failure(0, "--" + key + " takes a whole number of " + what);
+    return has(key) ? wholeNumber(value(key), "--" + key + " takes a whole number of " + what) : otherwise;
+}
+
+int Call::generations() const
+{
+    constexpr int most = 99;
+    const char* const variable = std::getenv("ZEBCFG_BACKUPS");
+    const bool isSet = variable != nullptr && *variable != '\0';
+    const std::string text = value("keep", isSet ? variable : "1");
+    const std::string refusal = std::string(has("keep") ? "--keep" : "ZEBCFG_BACKUPS") +
+                                " takes a number of backups from 1 to 99; --no-backup keeps none";
+    const int count = wholeNumber(text, refusal);
+    if (count < 1 || count > most)
+        throw Failure(0, refusal);
     return count;
 }
 
@@ -83,6 +99,7 @@ Target Call::target() const
     Target target;
     target.file = fileName();
     target.backup = backupName();
+    target.generations = generations();
     target.login = login();
     target.isDryRun = has("dry-run");
     target.isForced = has("force");

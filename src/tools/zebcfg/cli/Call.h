@@ -15,6 +15,9 @@
 // The configuration file without -F: that of the environment or of the installation; empty for none.
 std::string unnamedFile();
 
+// A number from 0; any other text is refused with the message.
+int wholeNumber(const std::string& text, const std::string& refusal);
+
 class Call {
 public:
     // given: for each option that was given, by its key, its last value for each time; a flag has empty ones.
@@ -49,6 +52,7 @@ public:
 
 private:
     std::optional<Login> login() const;
+    int generations() const;
 
     const Command* chosenCommand;
     std::map<std::string, std::vector<std::string>> options;

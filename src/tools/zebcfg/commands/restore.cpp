@@ -1,6 +1,7 @@
 #include "base/Failure.h"
 #include "check/Check.h"
 #include "cli/Call.h"
+#include "files/Backup.h"
 #include "terminal/Question.h"
 #include "update/Update.h"
 #include "update/Workplace.h"
@@ -12,6 +13,16 @@
 #include <unistd.h>
 
 namespace {
+
+// Of the backup that is wanted.
+int numberOf(const Call& call)
+{
+    const char* const refusal = "backups are counted from 1";
+    const int number = call.operands().empty() ? 1 : wholeNumber(call.operand(0), refusal);
+    if (number < 1)
+        throw Failure(0, refusal);
+    return number;
+}
 
 // The backup, once it loads and takes the login: the file itself may be damaged.
 LiveFile usableBackup(const Target& target, const std::string& name)
@@ -51,9 +62,9 @@ Agreement confirm(const Target& target, const LiveFile& backup)
 int runRestore(const Call& call)
 {
     const Target target = call.target();
-    const std::string& name = target.backup;
-    if (name.empty())
+    if (target.backup.empty())
         throw Failure(0, "there is no backup to restore under --no-backup");
+    const std::string name = generationName(target.backup, numberOf(call));
     if (::access(target.file.c_str(), F_OK) != 0) {
         putInPlace(target, usableBackup(target, name));
         return 0;

@@ -10,8 +10,9 @@
 #include <string>
 
 struct Target {
-    std::string file;    // as the user calls it
-    std::string backup;  // where the old file goes; empty for nowhere
+    std::string file;     // as the user calls it
+    std::string backup;   // where the old file goes; empty for nowhere
+    int generations = 1;  // of backups that are kept
     std::optional<Login> login;
     bool isDryRun = false;
     bool isForced = false;

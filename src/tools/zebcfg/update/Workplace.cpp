@@ -63,7 +63,7 @@ private:
 
 Handling handlingOf(const Target& target)
 {
-    return {target.backup, target.wait, target.isForced,
+    return {target.backup, target.generations, target.wait, target.isForced,
             [messages = target.messages](const std::string& text) { messages.warn(text); }};
 }
 
