@@ -51,6 +51,7 @@ int runCompare(const Call& call);
 int runComplete(const Call& call);
 int runDelete(const Call& call);
 int runDescribe(const Call& call);
+int runDiff(const Call& call);
 int runEdit(const Call& call);
 int runGet(const Call& call);
 int runManual(const Call& call);

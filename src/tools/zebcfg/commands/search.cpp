@@ -3,7 +3,6 @@
 #include "base/Failure.h"
 #include "base/Filter.h"
 #include "base/Masking.h"
-#include "base/Text.h"
 #include "base/Value.h"
 #include "cli/Call.h"
 #include "formats/ConfigText.h"
@@ -16,7 +15,6 @@
 #include <algorithm>
 #include <charconv>
 #include <iostream>
-#include <set>
 
 namespace {
 
@@ -91,17 +89,6 @@ void sortBy(const std::string& name, std::vector<Entry>& entries)
         const std::string* const other = lowestOf(right, name, type);
         return one != nullptr && (other == nullptr || compareValues(type, *one, *other) < 0);
     });
-}
-
-// Each once, that of an attribute of the root first: nothing else finds it.
-std::vector<std::string> namesIn(const std::string& text)
-{
-    std::set<std::string> names;
-    for (const ConfigLine& line : linesOf(text))
-        names.insert(lowerCase(line.name));
-    std::vector<std::string> sorted(names.begin(), names.end());
-    std::stable_partition(sorted.begin(), sorted.end(), [](const std::string& name) { return name == "charset"; });
-    return sorted;
 }
 
 std::vector<Entry> entriesFor(const Call& call, Reading& reading, const Request& request)

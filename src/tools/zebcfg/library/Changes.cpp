@@ -312,14 +312,7 @@ void Changes::requireMovable(const Move& move) const
 // The whole copy, which is in the form that the library writes.
 std::vector<Entry> Changes::entries() const
 {
-    std::vector<std::string> names;
-    for (const ConfigLine& line : linesOf(readFile(path, shownName))) {
-        if (!line.isDn)
-            names.push_back(line.name);
-    }
-    std::sort(names.begin(), names.end());
-    names.erase(std::unique(names.begin(), names.end()), names.end());
-    return opened->entriesWith(names, outlineOf(*opened).size());
+    return opened->entriesWith(namesIn(readFile(path, shownName)), outlineOf(*opened).size());
 }
 
 // The same entries, but for the DNs of those that are moved.
