@@ -13,7 +13,7 @@ case \$1 in __*) exec "$tool" "\$@" ;; *) exec "$tool" -F zebslapd.conf "\$@" ;;
 END
 chmod +x "$directory/bin/zebcfg"
 export PATH=$directory/bin:$PATH LC_ALL=C.UTF-8
-unset NO_COLOR VISUAL EDITOR
+unset NO_COLOR VISUAL EDITOR ZEBCFG_FILE ZEBCFG_BACKUPS
 export PROJECT=${files%/tests/zebcfg/files}
 
 # One file for each section, in their order: its kind is the name behind the number, its argument the first line.

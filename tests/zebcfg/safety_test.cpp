@@ -179,6 +179,29 @@ TEST_F(Generations, AfterAKillAllStandWholeAndTheNextUpdateTidiesUp)
     EXPECT_GT(call, 15) << "so many calls a change has at least";
 }
 
+TEST_F(Generations, AKillLosesNoOlderGeneration)
+{
+    const std::string second = directory.backup + ".2";
+    const std::string third = directory.backup + ".3";
+    ::setenv("ZEBCFG_BACKUPS", "3", 1);
+    int status = 1;
+    for (int call = 1; status != 0; ++call) {
+        const std::string label = "kill:" + std::to_string(call);
+        ASSERT_LT(call, 100);
+        reset();
+        writeText(second, "older");
+        status = refused(label);
+        const bool isNew = readText(directory.file) == next;
+        ASSERT_EQ(run(directory.file, setPort(isNew ? 2 : 1)), 0) << label << ": nothing is left to change";
+        expect(isNew ? next : live, isNew ? live : backup, label);
+        EXPECT_EQ(readText(second), isNew ? backup : "older") << label;
+        EXPECT_EQ(std::filesystem::exists(third), isNew) << label;
+        EXPECT_EQ(directory.names().size(), isNew ? 4U : 3U) << label;
+    }
+    EXPECT_EQ(readText(third), "older");
+    ::unsetenv("ZEBCFG_BACKUPS");
+}
+
 TEST(Safety, ALockThatRootHasLeftDoesNotKeepTheOwnerOut)
 {
     constexpr uid_t nobody = 65534;

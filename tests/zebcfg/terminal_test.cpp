@@ -77,6 +77,44 @@ TEST(Appearance, ColourAndLinesAreForTerminalsThatShowThem)
     }
 }
 
+TEST(Questions, DeleteAndRestoreAskOnATerminalAlone)
+{
+    const std::vector<std::string> erase = {"delete", "-r", "cn=Configuration", "--force"};
+    const std::vector<std::string> restore = {"restore"};
+    const struct {
+        std::vector<std::string> words;
+        const char* option;  // before the words
+        const char* question;
+        const char* answer;
+        int status;
+    } cases[] = {
+        {erase, "-q", "delete 2 entries? ", "n\n", 1},
+        {erase, "-q", "delete 2 entries? ", "y\n", 0},
+        {erase, "-q", "delete 2 entries? ", "\4", 1},
+        {erase, "--yes", nullptr, nullptr, 0},
+        {erase, "-n", nullptr, nullptr, 0},
+        {{"delete", "cn=Gone"}, "-q", nullptr, nullptr, 32},
+        {restore, "-v", "+zeb-slapdPort: 389", "", 1},
+        {restore, "-q", ".bak? (y)es", "n\n", 1},
+        {restore, "-q", ".bak? (y)es or (n)o: ", "y\n", 0},
+        {restore, "--yes", nullptr, nullptr, 0},
+    };
+    for (const auto& c : cases) {
+        const ConfigDirectory directory;
+        ASSERT_EQ(run(directory.file, {"set", "cn=Configuration", "zeb-slapdPort=1"}), 0);
+        const std::string before = readText(directory.file);
+        std::vector<std::string> words = c.words;
+        words.insert(words.begin(), c.option);
+        Terminal terminal(directory.file, words);
+        if (c.question != nullptr)
+            terminal.answer(c.question, *c.answer != '\0' ? c.answer : "\4");
+        EXPECT_EQ(terminal.finish(), c.status) << terminal.output;
+        EXPECT_EQ(c.question == nullptr, terminal.output.find("(y)es") == std::string::npos) << terminal.output;
+        const bool isChanged = c.status == 0 && std::string(c.option) != "-n";
+        EXPECT_EQ(readText(directory.file) != before, isChanged) << terminal.output;
+    }
+}
+
 // A fake editor, which makes a port of 70000 at first, and of 391 when it is started again.
 class Edit : public testing::Test {
 protected:

@@ -1,5 +1,6 @@
 #include "base/Text.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cstdlib>
 #include <cwchar>
@@ -43,6 +44,13 @@ std::size_t blankAt(const std::string& text, std::size_t place)
     std::mbstate_t state = {};
     const std::size_t length = std::mbrtowc(&unit, text.data() + place, text.size() - place, &state);
     return length <= text.size() - place && std::iswspace(static_cast<std::wint_t>(unit)) != 0 ? length : 0;
+}
+
+std::string lowerCase(std::string text)
+{
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](unsigned char byte) { return static_cast<char>(byte < 0x80 ? std::tolower(byte) : byte); });
+    return text;
 }
 
 bool hasByteOrderMark(const std::string& text)

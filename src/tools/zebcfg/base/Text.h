@@ -10,6 +10,9 @@ std::string replaced(std::string text, const std::string& word, const std::strin
 // Two hex digits.
 std::string hexOf(unsigned char byte);
 
+// The ASCII letters in lower case.
+std::string lowerCase(std::string text);
+
 // One line in which every control character, the byte order mark too, is written as \x1b and the like. Tabs are left.
 std::string visible(const std::string& text);
 // The same for each line of a text that ends with a line end.

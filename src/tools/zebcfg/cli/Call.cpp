@@ -11,6 +11,22 @@
 #include <unistd.h>
 #include <zebldapcfg.h>
 
+int wholeNumber(const std::string& text, const std::string& refusal)
+{
+    int number = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, number);
+    if (error != std::errc() || stop != end || number < 0)
+        throw Failure(0, refusal);
+    return number;
+}
+
+std::string unnamedFile()
+{
+    const char* const variable = std::getenv("ZEBCFG_FILE");
+    return variable != nullptr && *variable != '\0' ? variable : defaultFileName();
+}
+
 Call::Call(const Command* chosen, std::map<std::string, std::vector<std::string>> given,
            std::vector<std::string> operandsGiven)
     : chosenCommand(chosen), options(std::move(given)), words(std::move(operandsGiven))
@@ -33,18 +49,42 @@ std::string Call::value(const std::string& key, const std::string& otherwise) co
     return found != options.end() && !found->second.empty() ? found->second.back() : otherwise;
 }
 
+int Call::number(const std::string& key, int otherwise, const char* what) const
+{
+    return has(key) ? wholeNumber(value(key), "--" + key + " takes a whole number of " + what) : otherwise;
+}
+
+int Call::generations() const
+{
+    constexpr int most = 99;
+    const char* const variable = std::getenv("ZEBCFG_BACKUPS");
+    const bool isSet = variable != nullptr && *variable != '\0';
+    const std::string text = value("keep", isSet ? variable : "1");
+    const std::string refusal = std::string(has("keep") ? "--keep" : "ZEBCFG_BACKUPS") +
+                                " takes a number of backups from 1 to 99; --no-backup keeps none";
+    const int count = wholeNumber(text, refusal);
+    if (count < 1 || count > most)
+        throw Failure(0, refusal);
+    return count;
+}
+
 std::string Call::fileName() const
 {
     if (has("config"))
-        return value("config");
-    std::string name = defaultFileName();
+        return value("config");  // An empty name too: a script that has lost it is not to change another file.
+    std::string name = unnamedFile();
     if (!name.empty())
         return name;
     Failure failure(CFG_CONNECT_ERROR,
-                    "no configuration file is named with -F, and there is no default: the install "
+                    "no configuration file is named with -F or ZEBCFG_FILE, and there is no default: the install "
                     "location is looked for in " ZEBCFG_REGISTRY "/SOFTWARE/ZEB/LDAP/Client/LDAPHome");
     failure.extended = CFG_ERR_CONFIG_FILENAME;
     throw failure;
+}
+
+bool Call::mayAsk() const
+{
+    return !has("yes") && !has("dry-run") && ::isatty(STDIN_FILENO) == 1 && ::isatty(STDERR_FILENO) == 1;
 }
 
 std::string Call::backupName() const
@@ -58,8 +98,17 @@ std::string Call::backupName() const
 
 Target Call::target() const
 {
-    return {fileName(), backupName(), login(), has("dry-run"), has("force"), hasColor(STDOUT_FILENO),
-            wait(),     messages()};
+    Target target;
+    target.file = fileName();
+    target.backup = backupName();
+    target.generations = generations();
+    target.login = login();
+    target.isDryRun = has("dry-run");
+    target.isForced = has("force");
+    target.hasColor = hasColor(STDOUT_FILENO);
+    target.wait = std::chrono::seconds(number("wait", 60, "seconds"));
+    target.messages = messages();
+    return target;
 }
 
 std::optional<Login> Call::login() const
@@ -79,17 +128,6 @@ std::optional<Login> Call::login() const
     else if (has("password-file"))
         password = readPasswordFile(value("password-file"));
     return Login{value("bind-dn"), password};
-}
-
-std::chrono::seconds Call::wait() const
-{
-    const std::string text = value("wait", "60");
-    int count = 0;
-    const char* const end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, count);
-    if (error != std::errc() || stop != end || count < 0)
-        throw Failure(0, "--wait takes a whole number of seconds");
-    return std::chrono::seconds(count);
 }
 
 bool Call::hasColor(int descriptor) const

@@ -12,6 +12,12 @@
 #include <string>
 #include <vector>
 
+// The configuration file without -F: that of the environment or of the installation; empty for none.
+std::string unnamedFile();
+
+// A number from 0; any other text is refused with the message.
+int wholeNumber(const std::string& text, const std::string& refusal);
+
 class Call {
 public:
     // given: for each option that was given, by its key, its last value for each time; a flag has empty ones.
@@ -26,9 +32,14 @@ public:
     std::size_t count(const std::string& key) const;
     // The last value that was given.
     std::string value(const std::string& key, const std::string& otherwise = {}) const;
+    // The value as a number from 0. Throws Failure, with what it counts, for any other.
+    int number(const std::string& key, int otherwise, const char* what) const;
 
     // The configuration file as the user calls it. Throws Failure (91) when none is named and there is no default.
     std::string fileName() const;
+    // Whether the user is there to be asked: standard input and standard error are terminals, and --yes is not given. A
+    // dry run has nothing to ask.
+    bool mayAsk() const;
     // Empty for no backup.
     std::string backupName() const;
     // The file with what the options say of it. Asks for the login's password, or reads it. Throws Failure.
@@ -41,7 +52,7 @@ public:
 
 private:
     std::optional<Login> login() const;
-    std::chrono::seconds wait() const;
+    int generations() const;
 
     const Command* chosenCommand;
     std::map<std::string, std::vector<std::string>> options;

@@ -45,14 +45,18 @@ std::string keyOf(const Option& option);
 
 // Each in a file of its own below commands/.
 int runAdd(const Call& call);
+int runApply(const Call& call);
 int runCheck(const Call& call);
+int runCompare(const Call& call);
 int runComplete(const Call& call);
 int runDelete(const Call& call);
 int runDescribe(const Call& call);
+int runDiff(const Call& call);
 int runEdit(const Call& call);
 int runGet(const Call& call);
 int runManual(const Call& call);
 int runModify(const Call& call);
+int runMove(const Call& call);
 int runPasswd(const Call& call);
 int runRestore(const Call& call);
 int runSearch(const Call& call);

@@ -83,7 +83,7 @@ Line understand(const std::vector<std::string>& words, std::vector<Option>& opti
 
 std::vector<std::string> dnsOf(const std::string& file)
 {
-    const std::string name = file.empty() ? defaultFileName() : file;
+    const std::string name = file.empty() ? unnamedFile() : file;
     const MemoryFile copy(LiveFile(name).text());
     const Session session(copy.name(), name);
     std::vector<std::string> dns;

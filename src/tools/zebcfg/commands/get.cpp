@@ -1,4 +1,3 @@
-#include "base/Attributes.h"
 #include "base/Failure.h"
 #include "base/Masking.h"
 #include "base/Text.h"
@@ -10,16 +9,30 @@
 
 #include <unistd.h>
 
+namespace {
+
+// None for an entry that is missing where there is a default.
+std::vector<std::string> valuesFor(const Call& call, const Session& session)
+try {
+    return session.values(call.operands()[0], call.operands()[1]);
+} catch (const Failure& failure) {
+    if (failure.code != LDAP_NO_SUCH_OBJECT || !call.has("default"))
+        throw;
+    return {};
+}
+
+}  // namespace
+
 int runGet(const Call& call)
 {
     Reading reading(call.target());
     const std::string& name = call.operands()[1];
-    std::vector<std::string> values = reading.session().values(call.operands()[0], name);
+    std::vector<std::string> values = valuesFor(call, reading.session());
+    if (values.empty() && !call.has("default"))
+        throw missingAttribute(name, reading.live().shownName());
     if (values.empty()) {
-        Failure failure(LDAP_NO_SUCH_ATTRIBUTE, "the entry has no such attribute" + attributeHint(name),
-                        reading.live().shownName());
-        failure.attribute = shownLine(name);
-        throw failure;
+        call.messages().hintAtName(name);
+        values.push_back(call.value("default"));
     }
     for (std::string& value : values)
         value = shownValue(name, value);

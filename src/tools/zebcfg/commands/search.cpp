@@ -1,10 +1,15 @@
+#include "base/Attributes.h"
 #include "base/Encoding.h"
 #include "base/Failure.h"
 #include "base/Filter.h"
 #include "base/Masking.h"
+#include "base/Value.h"
 #include "cli/Call.h"
+#include "formats/ConfigText.h"
 #include "formats/Json.h"
 #include "formats/Ldif.h"
+#include "library/Dn.h"
+#include "library/Query.h"
 #include "update/Reading.h"
 
 #include <algorithm>
@@ -37,29 +42,84 @@ std::size_t wrapOf(const std::string& option)
     throw Failure(0, "-o takes ldif_wrap=N, a length of at least 3, or ldif_wrap=no");
 }
 
-// What the operands ask for, as in ldapsearch: a first one with a "=" is the filter.
+// What the operands ask for, as in ldapsearch: a first one with a "=" is the filter, and one that begins with "(".
 struct Request {
     explicit Request(std::vector<std::string> operands) : names(std::move(operands))
     {
-        if (names.empty() || names.front().find('=') == std::string::npos)
+        if (names.empty() || (names.front().find('=') == std::string::npos && names.front().rfind('(', 0) != 0))
             return;
-        filter = simpleFilter(names.front());
+        filter = parseFilter(names.front());
         names.erase(names.begin());
     }
 
-    std::string shownFilter() const { return shownLine(filter); }
+    std::string shownFilter() const { return shownLine(filter.text); }
 
     bool wants(const char* name) const { return std::find(names.begin(), names.end(), name) != names.end(); }
 
-    std::string filter = anyEntry;
+    Filter filter = parseFilter(anyEntry);
     std::vector<std::string> names;
 };
 
-void removeBase(std::vector<Entry>& entries, const std::vector<Entry>& base)
+void removeBase(std::vector<Entry>& entries, const std::string& base)
 {
-    entries.erase(std::remove_if(entries.begin(), entries.end(),
-                                 [&](const Entry& entry) { return !base.empty() && entry.dn == base.front().dn; }),
-                  entries.end());
+    const std::string dn = DnSpeller()(base);
+    entries.erase(
+        std::remove_if(entries.begin(), entries.end(), [&](const Entry& entry) { return isSameName(entry.dn, dn); }),
+        entries.end());
+}
+
+// The lowest value of the attribute, or null.
+const std::string* lowestOf(const Entry& entry, const std::string& name, const AttributeType* type)
+{
+    for (const Attribute& attribute : entry.attributes) {
+        if (isSameName(attribute.name, name) && !attribute.values.empty())
+            return &*std::min_element(
+                attribute.values.begin(), attribute.values.end(),
+                [&](const std::string& a, const std::string& b) { return compareValues(type, a, b) < 0; });
+    }
+    return nullptr;
+}
+
+// Entries without the attribute come last.
+void sortBy(const std::string& name, std::vector<Entry>& entries)
+{
+    const AttributeType* const type = findAttributeType(name);
+    std::stable_sort(entries.begin(), entries.end(), [&](const Entry& left, const Entry& right) {
+        const std::string* const one = lowestOf(left, name, type);
+        const std::string* const other = lowestOf(right, name, type);
+        return one != nullptr && (other == nullptr || compareValues(type, *one, *other) < 0);
+    });
+}
+
+std::vector<Entry> entriesFor(const Call& call, Reading& reading, const Request& request)
+{
+    Query query{call.value("base"), scopeOf(call.value("scope", "sub")), request.filter, {}, {}};
+    if (!request.wants("*"))
+        query.names = request.names;
+    if (!query.filter.isSimple())
+        query.namesInUse = namesIn(reading.live().text());
+    const std::string sort = call.value("sort");
+    const bool addsName = !sort.empty() && !query.names.empty();
+    if (addsName)
+        query.names.push_back(sort);
+    auto entries = find(reading.session(), query);
+    if (call.value("scope") == "children")
+        removeBase(entries, query.base);
+    if (!sort.empty())
+        sortBy(sort, entries);
+    if (addsName)
+        project(entries, request.names);
+    return entries;
+}
+
+// Leaves the first entries that -z allows. True when there are more.
+bool cut(const Call& call, std::vector<Entry>& entries)
+{
+    const auto most = static_cast<std::size_t>(call.number("size-limit", 0, "entries"));
+    if (most == 0 || entries.size() <= most)
+        return false;
+    entries.resize(most);
+    return true;
 }
 
 // Removes what LDIF cannot carry. True when there was anything.
@@ -99,12 +159,9 @@ void writeLdif(const Call& call, const Request& request, const std::vector<Entry
 int runSearch(const Call& call)
 {
     const Request request(call.operands());
-    const int scope = scopeOf(call.value("scope", "sub"));
     Reading reading(call.target());
-    const auto names = request.wants("*") ? std::vector<std::string>() : request.names;
-    auto entries = reading.session().search(call.value("base"), scope, request.filter, names);
-    if (call.value("scope") == "children")
-        removeBase(entries, reading.session().search(call.value("base"), LDAP_SCOPE_BASE, request.filter, {"1.1"}));
+    auto entries = entriesFor(call, reading, request);
+    const bool isCut = cut(call, entries);
     for (Entry& entry : entries) {
         if (request.wants("1.1"))
             entry.attributes.clear();
@@ -113,11 +170,12 @@ int runSearch(const Call& call)
                 attribute.values.clear();
         }
     }
-    if (call.isJson()) {
+    const bool isIncomplete = !call.isJson() && removeUnwritable(call, entries);
+    if (call.isJson())
         std::cout << toJson(entries) << '\n';
-        return 0;
-    }
-    const bool isIncomplete = removeUnwritable(call, entries);
-    writeLdif(call, request, entries);
+    else
+        writeLdif(call, request, entries);
+    if (isCut)
+        throw Failure(LDAP_SIZELIMIT_EXCEEDED, "there are more entries than --size-limit allows");
     return isIncomplete ? LDAP_UNDEFINED_TYPE : 0;
 }

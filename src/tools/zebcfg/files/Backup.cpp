@@ -7,6 +7,7 @@
 #include <utility>
 
 #include <ldap.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -16,9 +17,22 @@ bool isThere(const std::string& name)
     return ::access(name.c_str(), F_OK) == 0;
 }
 
+bool isSameFile(const std::string& left, const std::string& right)
+{
+    struct stat one = {};
+    struct stat other = {};
+    return ::stat(left.c_str(), &one) == 0 && ::stat(right.c_str(), &other) == 0 && one.st_dev == other.st_dev &&
+           one.st_ino == other.st_ino;
+}
+
 }  // namespace
 
-Backup::Backup(std::string backupName) : name(std::move(backupName)) {}
+std::string generationName(const std::string& backupName, int number)
+{
+    return number == 1 ? backupName : backupName + '.' + std::to_string(number);
+}
+
+Backup::Backup(std::string backupName, int generations) : name(std::move(backupName)), most(generations) {}
 
 Backup::~Backup()
 {
@@ -49,7 +63,8 @@ void Backup::putBack() const
     (void)::unlink(asideName().c_str());
 }
 
-// A backup that holds the live text belongs to a change that was not made.
+// A backup that holds the live text belongs to a change that was not made, and one that has two names was only about to
+// be set aside.
 void Backup::recover(const std::string& liveText) const
 {
     if (name.empty())
@@ -57,10 +72,28 @@ void Backup::recover(const std::string& liveText) const
     (void)::unlink(siblingOf(name).c_str());
     if (!isThere(asideName()))
         return;
-    if (!isThere(name) || readFile(name, name) == liveText)
+    if (!isThere(name) || isSameFile(name, asideName()) || readFile(name, name) == liveText)
         putBack();
     else
+        retire();
+}
+
+// Each older generation moves up by one, to the first number that is free; the last one goes. Where this ends in
+// between, the backup stays aside, and the next time goes on.
+void Backup::retire() const
+{
+    if (most == 1) {
         (void)::unlink(asideName().c_str());
+        return;
+    }
+    int free = 2;
+    while (free < most && isThere(generationName(name, free)))
+        ++free;
+    for (; free > 2; --free) {
+        if (::rename(generationName(name, free - 1).c_str(), generationName(name, free).c_str()) != 0)
+            return;
+    }
+    (void)::rename(asideName().c_str(), generationName(name, 2).c_str());
 }
 
 // A copy, for a link would be changed together with the file by programs that write in place.
@@ -90,6 +123,6 @@ void Backup::advance()
 void Backup::finish() noexcept
 {
     if (isSetAside)
-        (void)::unlink(asideName().c_str());
+        retire();
     isAdvanced = false;
 }

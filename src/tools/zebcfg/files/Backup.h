@@ -1,4 +1,4 @@
-// The backup of the live file, and the backup before it while they change places.
+// The backups of the live file: the last one, and those before it.
 #ifndef ZEBCFG_BACKUP_H
 #define ZEBCFG_BACKUP_H
 
@@ -8,13 +8,16 @@
 #include <optional>
 #include <string>
 
+// The name of a generation, counted from 1: FILE.bak, FILE.bak.2 and so on.
+std::string generationName(const std::string& backupName, int number);
+
 // One step from a generation to the next. The caller holds the lock. Without finish() the end puts back the backup that
 // stood there. At every moment that one stands whole, under the backup's name or, set aside, under asideName(). Calls
 // throw Failure.
 class Backup {
 public:
-    // An empty name keeps nothing.
-    explicit Backup(std::string backupName);
+    // An empty name keeps nothing; generations: how many are kept.
+    Backup(std::string backupName, int generations);
     Backup(const Backup&) = delete;
     Backup& operator=(const Backup&) = delete;
     ~Backup();
@@ -25,14 +28,16 @@ public:
     void prepare(const LiveFile& file);
     // Sets the backup aside, and puts the copy in its place.
     void advance();
-    // The backup that is set aside goes.
+    // The backup that is set aside becomes the second generation, or goes.
     void finish() noexcept;
 
 private:
     std::string asideName() const;
     void putBack() const;
+    void retire() const;
 
     const std::string name;
+    const int most;  // generations
     std::optional<PrivateFile> copy;
     bool isAdvanced = false;
     bool isSetAside = false;

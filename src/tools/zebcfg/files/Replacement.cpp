@@ -34,20 +34,24 @@ bool isInUse(const std::string& path, const std::string& name)
     return name == lock || name == siblingOf(lock) || name == siblingOf(path);
 }
 
+void requireUsableBackup(const std::string& name, const LiveFile& file)
+{
+    struct stat status = {};
+    if (resolvedName(name) == file.path())
+        throw Failure(0, "the backup has the name of the file itself", file.shownName());
+    if (isInUse(file.path(), resolvedName(name)))
+        throw Failure(0, "the update itself needs " + name + "; name another backup with -B", file.shownName());
+    if (::lstat(name.c_str(), &status) == 0 && !S_ISREG(status.st_mode))
+        throw Failure(0, "the backup would replace " + name + ", which is no regular file; name another with -B",
+                      file.shownName());
+}
+
 }  // namespace
 
 void requireReplaceable(const LiveFile& file, const Handling& handling)
 {
-    const std::string& name = handling.backup;
-    struct stat status = {};
-    const bool isThere = !name.empty() && ::lstat(name.c_str(), &status) == 0;
-    if (!name.empty() && resolvedName(name) == file.path())
-        throw Failure(0, "the backup has the name of the file itself", file.shownName());
-    if (!name.empty() && isInUse(file.path(), resolvedName(name)))
-        throw Failure(0, "the update itself needs " + name + "; name another backup with -B", file.shownName());
-    if (isThere && !S_ISREG(status.st_mode))
-        throw Failure(0, "the backup would replace " + name + ", which is no regular file; name another with -B",
-                      file.shownName());
+    for (int i = 1; !handling.backup.empty() && i <= handling.generations; ++i)
+        requireUsableBackup(generationName(handling.backup, i), file);
     if (file.status().st_nlink > 1 && !handling.isForced)
         throw Failure(LDAP_UNWILLING_TO_PERFORM,
                       "the file has " + std::to_string(file.status().st_nlink) +
@@ -57,8 +61,8 @@ void requireReplaceable(const LiveFile& file, const Handling& handling)
 }
 
 Replacement::Replacement(const std::string& name, const Handling& wanted)
-    : handling(wanted), lock(resolvedName(name), wanted.wait, &isDue, wanted.note), file(name), backup(wanted.backup),
-      working(siblingOf(file.path()), {file.path(), file.status()})
+    : handling(wanted), lock(resolvedName(name), wanted.wait, &isDue, wanted.note), file(name),
+      backup(wanted.backup, wanted.generations), working(siblingOf(file.path()), {file.path(), file.status()})
 {
     requireReplaceable(file, handling);
     backup.recover(file.text());

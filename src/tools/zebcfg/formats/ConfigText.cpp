@@ -4,6 +4,7 @@
 #include "base/Text.h"
 
 #include <algorithm>
+#include <set>
 
 namespace {
 
@@ -85,4 +86,16 @@ std::vector<int> linesWithNul(const std::string& text)
         number += character == '\n' ? 1 : 0;
     }
     return numbers;
+}
+
+std::vector<std::string> namesIn(const std::string& text)
+{
+    std::set<std::string> names;
+    for (const ConfigLine& line : linesOf(text)) {
+        if (!line.isDn && !line.name.empty())
+            names.insert(lowerCase(line.name));
+    }
+    std::vector<std::string> sorted(names.begin(), names.end());
+    std::stable_partition(sorted.begin(), sorted.end(), [](const std::string& name) { return name == "charset"; });
+    return sorted;
 }

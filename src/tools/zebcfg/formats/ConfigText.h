@@ -17,6 +17,8 @@ struct ConfigLine {
 };
 
 std::vector<ConfigLine> linesOf(const std::string& text);
+// The names of all attributes, each once. That of an attribute of the root comes first: nothing else finds the root.
+std::vector<std::string> namesIn(const std::string& text);
 // The numbers of the physical lines with a NUL byte, of which the library drops the rest.
 std::vector<int> linesWithNul(const std::string& text);
 std::string trimmedValue(const std::string& value);

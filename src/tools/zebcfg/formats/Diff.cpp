@@ -1,10 +1,13 @@
 #include "formats/Diff.h"
 
+#include "base/Attributes.h"
 #include "base/Masking.h"
 #include "base/Text.h"
 
 #include <algorithm>
 #include <iterator>
+#include <map>
+#include <set>
 #include <sstream>
 #include <vector>
 
@@ -109,6 +112,81 @@ const char* colorOf(dtl::edit_t type)
     return type == dtl::SES_ADD ? green : "";
 }
 
+// The entries by their DNs, in one spelling.
+using EntriesByDn = std::map<std::string, const Entry*>;
+
+EntriesByDn byDn(const std::vector<Entry>& entries)
+{
+    EntriesByDn found;
+    for (const Entry& entry : entries)
+        found.emplace(lowerCase(entry.dn), &entry);
+    return found;
+}
+
+// Null where there is none.
+const Entry* findIn(const EntriesByDn& entries, const std::string& dn)
+{
+    const auto found = entries.find(lowerCase(dn));
+    return found != entries.end() ? found->second : nullptr;
+}
+
+std::multiset<std::string> valuesOf(const Entry* entry, const std::string& name)
+{
+    if (entry == nullptr)
+        return {};
+    for (const Attribute& attribute : entry->attributes) {
+        if (isSameName(attribute.name, name))
+            return {attribute.values.begin(), attribute.values.end()};
+    }
+    return {};
+}
+
+// A value of one side that the other does not have.
+void writeMissing(Writer& writer, dtl::edit_t type, const Attribute& attribute, std::multiset<std::string> others)
+{
+    for (const std::string& value : attribute.values) {
+        const auto other = others.find(value);
+        if (other != others.end())
+            others.erase(other);
+        else
+            writer.line(colorOf(type),
+                        markOf(type) + visible(attribute.name + ": " + shownValue(attribute.name, value)));
+    }
+}
+
+// The values of an attribute that went and came, one after the other.
+void writeAttributes(Writer& writer, const Entry* before, const Entry* after)
+{
+    const Entry none;
+    for (const Attribute& attribute : (before != nullptr ? before : &none)->attributes) {
+        writeMissing(writer, dtl::SES_DELETE, attribute, valuesOf(after, attribute.name));
+        for (const Attribute& other : (after != nullptr ? after : &none)->attributes) {
+            if (isSameName(other.name, attribute.name))
+                writeMissing(writer, dtl::SES_ADD, other, valuesOf(before, other.name));
+        }
+    }
+    for (const Attribute& other : (after != nullptr ? after : &none)->attributes) {
+        if (valuesOf(before, other.name).empty())
+            writeMissing(writer, dtl::SES_ADD, other, {});
+    }
+}
+
+// What an entry that either side may lack has become.
+void writeEntry(Writer& writer, const Entry* before, const Entry* after)
+{
+    Writer attributes(writer);
+    attributes.out.clear();
+    writeAttributes(attributes, before, after);
+    if (before != nullptr && after != nullptr && attributes.out.empty())
+        return;
+    const dtl::edit_t type = before == nullptr ? dtl::SES_ADD : after == nullptr ? dtl::SES_DELETE : dtl::SES_COMMON;
+    const std::string& dn = (before != nullptr ? before : after)->dn;
+    if (!writer.out.empty())
+        writer.line("", "");
+    writer.line(colorOf(type), markOf(type) + visible(dn.empty() ? "dn:" : "dn: " + dn));
+    writer.out += attributes.out;
+}
+
 }  // namespace
 
 std::string unifiedDiff(const std::string& before, const std::string& after, const std::string& shownName,
@@ -132,4 +210,23 @@ std::string unifiedDiff(const std::string& before, const std::string& after, con
         }
     }
     return writer.out;
+}
+
+std::string entryDiff(const NamedEntries& before, const NamedEntries& after, bool isColored)
+{
+    const EntriesByDn known = byDn(before.entries);
+    const EntriesByDn wanted = byDn(after.entries);
+    Writer entries(isColored);
+    for (const Entry& entry : before.entries)
+        writeEntry(entries, &entry, findIn(wanted, entry.dn));
+    for (const Entry& entry : after.entries) {
+        if (findIn(known, entry.dn) == nullptr)
+            writeEntry(entries, nullptr, &entry);
+    }
+    if (entries.out.empty())
+        return {};
+    Writer head(isColored);
+    head.line(bold, "--- " + before.name);
+    head.line(bold, "+++ " + after.name);
+    return head.out + entries.out;
 }

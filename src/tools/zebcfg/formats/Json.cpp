@@ -98,6 +98,11 @@ std::string diffToJson(const std::string& diff)
     return textOf({{"diff", diff}}, 2);
 }
 
+std::string changeToJson(bool isChanged, const std::string& diff)
+{
+    return textOf({{"changed", isChanged}, {"diff", diff}}, 2);
+}
+
 std::string toJson(const std::vector<Entry>& entries)
 {
     JsonObject list = JsonObject::array();

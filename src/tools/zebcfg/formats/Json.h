@@ -13,6 +13,7 @@ struct Failure;
 std::string toJson(const Failure& failure, bool withDump);
 std::string noteToJson(const std::string& text);
 std::string diffToJson(const std::string& diff);
+std::string changeToJson(bool isChanged, const std::string& diff);
 // An array of {"dn": ..., "attributes": {NAME: [VALUE...]}}, with passwords masked.
 std::string toJson(const std::vector<Entry>& entries);
 std::string toJson(const std::vector<std::string>& values);

@@ -222,7 +222,10 @@ public:
     // False for a record that holds nothing but the version of LDIF.
     bool parse(LdifRecord::Type type)
     {
-        record = {type, stream.firstLine(), {}, {}, stream.record()};
+        record = {};
+        record.type = type;
+        record.line = stream.firstLine();
+        record.text = stream.record();
         advance();
         if (line != nullptr && !isSeparator && isSameName(current.name, "version"))
             readVersion();
@@ -238,6 +241,8 @@ public:
             readAttributes();
         else if (record.type == LdifRecord::modify)
             readModifications();
+        else if (record.type == LdifRecord::move)
+            readMove();
         else if (line != nullptr)
             throw stream.failure(0, "a delete takes no further lines");
         return true;
@@ -269,15 +274,14 @@ private:
         if (!isSameName(current.name, "changetype"))
             return;
         const std::string type = current.values.front();
-        if (isSameName(type, "modrdn") || isSameName(type, "moddn"))
-            throw stream.failure(LDAP_UNWILLING_TO_PERFORM,
-                                 "an entry cannot be renamed; add it under the new name, and delete the old one");
         if (isSameName(type, "add"))
             record.type = LdifRecord::add;
         else if (isSameName(type, "modify"))
             record.type = LdifRecord::modify;
         else if (isSameName(type, "delete"))
             record.type = LdifRecord::erase;
+        else if (isSameName(type, "modrdn") || isSameName(type, "moddn"))
+            record.type = LdifRecord::move;
         else
             throw stream.failure(0, "there is no changetype " + shownLine(type));
         advance();
@@ -312,6 +316,33 @@ private:
             if (line != nullptr)
                 advance();
         }
+    }
+
+    void readMove()
+    {
+        requireLine("newrdn");
+        record.newRdn = current.values.front();
+        advance();
+        requireLine("deleteoldrdn");
+        const std::string deletes = current.values.front();
+        if (deletes != "0" && deletes != "1")
+            throw stream.failure(0, "deleteoldrdn is 0 or 1");
+        record.keepsOldRdn = deletes == "0";
+        advance();
+        if (line == nullptr)
+            return;
+        requireLine("newsuperior");
+        record.newSuperior = current.values.front();
+        advance();
+        if (line != nullptr)
+            throw stream.failure(0, "a modrdn takes no further lines");
+    }
+
+    void requireLine(const char* name) const
+    {
+        if (line == nullptr || isSeparator || !isSameName(current.name, name))
+            throw stream.failure(0, "a modrdn has the lines newrdn, deleteoldrdn and, to move the entry elsewhere, "
+                                    "newsuperior");
     }
 
     void addValue(Change& change) const

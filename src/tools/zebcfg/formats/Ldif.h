@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,12 +19,15 @@ bool isLdifName(const std::string& name);
 
 // What one record of LDIF asks for.
 struct LdifRecord {
-    enum Type { add, modify, erase };
+    enum Type { add, modify, erase, move };
     Type type = add;
     int line = 0;  // of its dn
     std::string dn;
     std::vector<Change> changes;  // for add, the attributes
-    std::string text;             // as it was read
+    std::string newRdn;           // for move, and whether the entry keeps the values of the old one
+    bool keepsOldRdn = false;
+    std::optional<std::string> newSuperior = {};
+    std::string text;  // as it was read
 };
 
 // Reads records through the LDAP client library's reader. File URLs and includes are refused.

@@ -4,12 +4,19 @@
 #include "base/Failure.h"
 #include "base/Masking.h"
 #include "files/Descriptor.h"
+#include "formats/ConfigText.h"
+#include "library/Move.h"
+#include "library/Outline.h"
 
 #include <algorithm>
+#include <iterator>
+#include <map>
 
 #include <langinfo.h>
 
 namespace {
+
+constexpr const char* loginNames[] = {"objectclass", "zeb-slapdAdminDN", "zeb-slapdAdminPW"};
 
 Failure attributeFailure(int code, const std::string& dn, const std::string& name, const std::string& text)
 {
@@ -76,7 +83,22 @@ bool isReadableValue(const std::string& value)
     return value.find_first_of("\r\n") == std::string::npos;
 }
 
+// The DN with its parent written as in one of the entries.
+std::string belowKnownParent(const std::string& dn, const std::vector<Entry>& entries)
+{
+    const std::string parent = parentOf(dn);
+    const auto known = std::find_if(entries.begin(), entries.end(),
+                                    [&](const Entry& entry) { return keyOf(entry.dn) == keyOf(parent); });
+    return known == entries.end() ? dn : dn.substr(0, dn.size() - parent.size()) + known->dn;
+}
+
 }  // namespace
+
+bool isLoginAttribute(const std::string& name)
+{
+    return std::any_of(std::begin(loginNames), std::end(loginNames),
+                       [&](const char* known) { return isSameName(known, name); });
+}
 
 Changes::Changes(std::string copyPath, std::string shown, std::optional<Login> wanted, bool force)
     : path(std::move(copyPath)), shownName(std::move(shown)), login(std::move(wanted)), isForced(force)
@@ -85,11 +107,22 @@ Changes::Changes(std::string copyPath, std::string shown, std::optional<Login> w
     // What the library changes at its first write is no part of the changes that are compared later.
     opened->flush();
     open();
+    addHead();
+    original = readFile(path, shownName);
+}
+
+void Changes::addHead()
+{
     if (!opened->search("", LDAP_SCOPE_BASE, "charset=*").empty())
         return;
     opened->modify("", {{LDAP_MOD_ADD, {"charset", {::nl_langinfo(CODESET)}}}});
     if (opened->search("", LDAP_SCOPE_BASE, "version=*").empty())
         opened->modify("", {{LDAP_MOD_ADD, {"version", {"1"}}}});
+}
+
+bool Changes::isChanged() const
+{
+    return readFile(path, shownName) != original;
 }
 
 void Changes::open()
@@ -139,17 +172,23 @@ void Changes::requireEachOnce(const std::string& dn, const Change& change) const
     throw failure;
 }
 
+void Changes::requireParent(const std::string& dn, const std::string& advice) const
+{
+    const std::string parent = parentOf(dn);
+    if (!parent.empty() && !opened->exists(parent))
+        throw Failure(LDAP_NO_SUCH_OBJECT,
+                      "the parent " + parent + " does not exist" +
+                          nearestNote(parent, [this](const std::string& above) { return opened->exists(above); }) +
+                          advice);
+}
+
 void Changes::add(const std::string& dn, const std::vector<Change>& attributes, bool needsParent)
 {
     step([&] {
         if (opened->exists(dn))
             throw Failure(LDAP_ALREADY_EXISTS, "the entry " + dn + " exists already");
-        const std::string parent = parentOf(spelled(dn));
-        if (needsParent && !parent.empty() && !opened->exists(parent))
-            throw Failure(LDAP_NO_SUCH_OBJECT,
-                          "the parent " + parent + " does not exist" +
-                              nearestNote(parent, [this](const std::string& above) { return opened->exists(above); }) +
-                              " (--no-parent-check adds the entry all the same)");
+        if (needsParent)
+            requireParent(spelled(dn), " (--no-parent-check adds the entry all the same)");
         for (const Change& change : attributes)
             atLineOf(change, [&] { requireNameAndValues(dn, change.attribute); });
         addEntry(dn, attributes);
@@ -247,7 +286,7 @@ std::vector<std::string> Changes::loginAttributes(const std::string& dn) const
     std::vector<std::string> found;
     if (!isSameName(spelled.orNothing(dn), configurationDn))
         return found;
-    for (const char* const name : {"objectclass", "zeb-slapdAdminDN", "zeb-slapdAdminPW"}) {
+    for (const char* const name : loginNames) {
         if (opened->has(dn, name))
             found.emplace_back(name);
     }
@@ -281,11 +320,106 @@ void Changes::erase(const std::string& dn, bool withChildren)
     step([&] { opened->erase(dn, withChildren); });
 }
 
+std::string Changes::newDnOf(const LdifRecord& record) const
+{
+    if (!parentOf(spelled(record.newRdn)).empty())
+        throw Failure(LDAP_INVALID_DN_SYNTAX, "newrdn takes one RDN; newsuperior moves an entry elsewhere");
+    const std::string parent = record.newSuperior ? spelled(*record.newSuperior) : parentOf(spelled(record.dn));
+    return parent.empty() ? record.newRdn : record.newRdn + ", " + parent;
+}
+
+void Changes::requireMovable(const Move& move) const
+{
+    if (move.from().empty() || move.to().empty())
+        throw Failure(LDAP_UNWILLING_TO_PERFORM, "the root can neither be moved nor replaced");
+    if (!opened->exists(move.from()))
+        throw opened->missingEntry(move.from());
+    if (!isForced && !move.isSpelling() && !loginAttributes(move.from()).empty())
+        throw Failure(LDAP_OBJECT_CLASS_VIOLATION, "without cn=Configuration nobody can log in; --force moves it");
+    if (move.isIntoItself())
+        throw Failure(LDAP_UNWILLING_TO_PERFORM, "an entry cannot be moved below itself");
+    if (!move.isSpelling() && opened->exists(move.to()))
+        throw Failure(LDAP_ALREADY_EXISTS, "the entry " + move.to() + " exists already");
+    requireParent(move.to(), {});
+}
+
+// The whole copy, which is in the form that the library writes.
+std::vector<Entry> Changes::entries() const
+{
+    return opened->entriesWith(namesIn(readFile(path, shownName)), outlineOf(*opened).size());
+}
+
+// The same entries, but for the DNs of those that are moved.
+void Changes::requireMoved(const Move& move, const std::vector<Entry>& before) const
+{
+    std::map<std::string, std::vector<Attribute>> wanted;
+    std::map<std::string, std::vector<Attribute>> found;
+    for (const Entry& entry : before)
+        wanted[keyOf(move.moved(entry.dn))] = entry.attributes;
+    for (const Entry& entry : entries())
+        found[keyOf(entry.dn)] = entry.attributes;
+    if (wanted != found)
+        throw Failure(LDAP_INVALID_SYNTAX, "the entries below " + move.to() +
+                                               " would be read back from the file as others; nothing is changed");
+}
+
+void Changes::followRdn(const Move& move, bool keepsOld)
+{
+    std::vector<Attribute> named = rdnOf(move.to());
+    for (const Attribute& old : rdnOf(move.from()))
+        named.push_back({old.name, {}});
+    for (const Attribute& attribute : named) {
+        requireNameAndValues(move.to(), attribute);
+        const auto before = opened->values(move.to(), attribute.name);
+        const auto after = move.movedValues(attribute.name, before, keepsOld);
+        if (after == before)
+            continue;
+        const Change change{after.empty() ? LDAP_MOD_DELETE : LDAP_MOD_REPLACE, {attribute.name, after}};
+        opened->modify(move.to(), {change});
+        if (after.size() > before.size())
+            requireSingle(move.to(), change);
+    }
+}
+
+void Changes::noteReferences(const Move& move, const std::vector<Entry>& before)
+{
+    const auto mayHoldDns = [](const Attribute& attribute) {
+        const AttributeType* const type = findAttributeType(attribute.name);
+        return type == nullptr || type->syntax == Syntax::dn || type->syntax == Syntax::text;
+    };
+    for (const Entry& entry : before) {
+        for (const Attribute& attribute : entry.attributes) {
+            for (const std::string& value : attribute.values) {
+                if (mayHoldDns(attribute) && value.find('=') != std::string::npos && move.affects(value))
+                    noted.push_back(attribute.name + " of " + move.moved(entry.dn) + " still names " +
+                                    shownValue(attribute.name, value));
+            }
+        }
+    }
+}
+
+void Changes::move(const std::string& dn, const std::string& newDn, bool keepsOldRdn)
+{
+    const auto before = entries();
+    const Move move(spelled(dn), belowKnownParent(spelled(newDn), before), spelled);
+    requireMovable(move);
+    step([&] {
+        overwriteFile(path, move.movedText(readFile(path, shownName)));
+        open();
+        requireMoved(move, before);
+        followRdn(move, keepsOldRdn);
+    });
+    if (!move.isSpelling())
+        noteReferences(move, before);
+}
+
 void Changes::apply(const LdifRecord& record, bool needsParent)
 {
     if (record.type == LdifRecord::erase)
         return erase(record.dn, false);
     if (record.type == LdifRecord::modify)
         return modify(record.dn, record.changes);
+    if (record.type == LdifRecord::move)
+        return move(record.dn, newDnOf(record), record.keepsOldRdn);
     add(record.dn, record.changes, needsParent);
 }

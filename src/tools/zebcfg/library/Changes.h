@@ -12,6 +12,11 @@
 #include <string>
 #include <vector>
 
+class Move;
+
+// Whether the login stands on it, in cn=Configuration.
+bool isLoginAttribute(const std::string& name);
+
 // Works on a copy of the configuration file. Each call is one step: when it throws Failure, the copy is as before.
 class Changes {
 public:
@@ -24,16 +29,31 @@ public:
     // 32 for a missing entry, 20 for a value that is there, 16 for one that is not, 65 for the head.
     void modify(const std::string& dn, const std::vector<Change>& changes);
     void erase(const std::string& dn, bool withChildren);
+    // With all that lies below it, comments too. 32 for a missing entry or new parent, 68 for a new DN that exists, 53
+    // into itself. The values of the old RDN leave the entry unless they are kept. References are noted.
+    void move(const std::string& dn, const std::string& newDn, bool keepsOldRdn);
     void apply(const LdifRecord& record, bool needsParent);
 
     const Session& session() const noexcept { return *opened; }
+    // What the user may want to change too.
+    const std::vector<std::string>& notes() const noexcept { return noted; }
+    // Whether a step has changed the text: the form that the library gives it does not count.
+    bool isChanged() const;
     // The names of attributes that have been used.
     const std::vector<std::string>& names() const noexcept { return usedNames; }
 
 private:
     void open();
+    void addHead();
     void step(const std::function<void()>& body);
     void requireNameAndValues(const std::string& dn, const Attribute& attribute);
+    void requireParent(const std::string& dn, const std::string& advice) const;
+    std::string newDnOf(const LdifRecord& record) const;
+    void requireMovable(const Move& move) const;
+    std::vector<Entry> entries() const;
+    void requireMoved(const Move& move, const std::vector<Entry>& before) const;
+    void followRdn(const Move& move, bool keepsOld);
+    void noteReferences(const Move& move, const std::vector<Entry>& before);
     void addEntry(const std::string& dn, const std::vector<Change>& attributes);
     void applyChange(const std::string& dn, const Change& change);
     void replaceValues(const std::string& dn, const Change& change);
@@ -50,6 +70,8 @@ private:
     std::unique_ptr<Session> opened;
     const DnSpeller spelled;
     std::vector<std::string> usedNames;
+    std::vector<std::string> noted;
+    std::string original;
 };
 
 #endif

@@ -1,8 +1,61 @@
 #include "library/Dn.h"
 
+#include "base/Attributes.h"
 #include "base/Failure.h"
+#include "base/Text.h"
 
 #include <algorithm>
+#include <cctype>
+
+namespace {
+
+// The first such character that is neither escaped nor within quotes. A blank stands behind each that separates.
+std::size_t findPlain(const std::string& text, char character)
+{
+    bool isQuoted = false;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '\\')
+            ++i;
+        else if (text[i] == '"')
+            isQuoted = !isQuoted;
+        else if (text[i] == character && !isQuoted)
+            return i;
+    }
+    return std::string::npos;
+}
+
+bool isHexPair(const std::string& text, std::size_t at)
+{
+    const auto isDigit = [&](std::size_t i) {
+        return i < text.size() && std::isxdigit(static_cast<unsigned char>(text[i])) != 0;
+    };
+    return isDigit(at) && isDigit(at + 1);
+}
+
+char byteAt(const std::string& text, std::size_t at)
+{
+    constexpr int radix = 16;
+    return static_cast<char>(std::stoi(text.substr(at, 2), nullptr, radix));
+}
+
+// value = "#" *hexpair / quote quoted quote / plain, where an escape is a backslash and a hex pair or a character
+std::string plainValue(const std::string& value)
+{
+    const bool isHex = !value.empty() && value.front() == '#';
+    const bool isQuoted = value.size() > 1 && value.front() == '"';
+    const std::size_t end = value.size() - (isQuoted ? 1 : 0);
+    std::string plain;
+    for (std::size_t i = isHex || isQuoted ? 1 : 0; i < end; ++i) {
+        const bool isEscaped = value[i] == '\\' && i + 1 < end;
+        i += isEscaped ? 1 : 0;
+        const bool isByte = (isHex || isEscaped) && isHexPair(value, i);
+        plain += isByte ? byteAt(value, i) : value[i];
+        i += isByte ? 1 : 0;
+    }
+    return plain;
+}
+
+}  // namespace
 
 DnSpeller::DnSpeller() : emptyFile(""), session(emptyFile.name(), "") {}
 
@@ -25,26 +78,58 @@ bool isRootDn(const std::string& dn)
     return dn.find_first_not_of(" \t\r\n\v\f()") == std::string::npos;
 }
 
-// The first comma that is neither escaped nor within quotes ends the RDN, and a blank stands behind it.
 std::string parentOf(const std::string& dn)
 {
-    bool isQuoted = false;
-    for (std::size_t i = 0; i < dn.size(); ++i) {
-        if (dn[i] == '\\')
-            ++i;
-        else if (dn[i] == '"')
-            isQuoted = !isQuoted;
-        else if (dn[i] == ',' && !isQuoted)
-            return dn.substr(std::min(i + 2, dn.size()));
-    }
-    return {};
+    const auto comma = findPlain(dn, ',');
+    return comma == std::string::npos ? "" : dn.substr(std::min(comma + 2, dn.size()));
+}
+
+std::vector<std::string> ancestorsOf(const std::string& dn)
+{
+    std::vector<std::string> ancestors;
+    for (std::string above = parentOf(dn); !above.empty(); above = parentOf(above))
+        ancestors.push_back(above);
+    return ancestors;
 }
 
 std::string nearestNote(const std::string& dn, const std::function<bool(const std::string& dn)>& exists)
 {
-    for (std::string above = parentOf(dn); !above.empty(); above = parentOf(above)) {
+    for (const std::string& above : ancestorsOf(dn)) {
         if (exists(above))
             return "; the nearest entry that exists is " + above;
     }
     return {};
+}
+
+// rdn = name "=" value *( " + " name "=" value )
+std::vector<Attribute> rdnOf(const std::string& dn)
+{
+    std::vector<Attribute> attributes;
+    for (std::string rest = dn.substr(0, findPlain(dn, ',')); !rest.empty();) {
+        const auto plus = findPlain(rest, '+');
+        const std::string pair = rest.substr(0, plus == std::string::npos ? plus : plus - 1);
+        const auto equals = pair.find('=');
+        if (equals != std::string::npos)
+            attributes.push_back({pair.substr(0, equals), {plainValue(pair.substr(equals + 1))}});
+        rest = plus == std::string::npos ? "" : rest.substr(std::min(plus + 2, rest.size()));
+    }
+    return attributes;
+}
+
+// A length in front of each text keeps it apart from the next one.
+std::string keyOf(const std::string& dn)
+{
+    std::string key;
+    for (std::string rest = dn; !rest.empty(); rest = parentOf(rest)) {
+        std::vector<std::string> parts;
+        for (const Attribute& attribute : rdnOf(rest)) {
+            const std::string& value = attribute.values.front();
+            parts.push_back(lowerCase(attribute.name + '=' + std::to_string(value.size()) + ':' + value));
+        }
+        std::sort(parts.begin(), parts.end());
+        for (const std::string& part : parts)
+            key += part + '+';
+        key += ',';
+    }
+    return key;
 }

@@ -2,11 +2,13 @@
 #ifndef ZEBCFG_DN_H
 #define ZEBCFG_DN_H
 
+#include "base/Entry.h"
 #include "files/MemoryFile.h"
 #include "library/Session.h"
 
 #include <functional>
 #include <string>
+#include <vector>
 
 // Asks the library for its spelling of DNs, behind an empty file where none of them exists.
 class DnSpeller {
@@ -29,5 +31,11 @@ std::string nearestNote(const std::string& dn, const std::function<bool(const st
 bool isRootDn(const std::string& dn);
 // The DN without its first RDN, for one in the library's spelling; empty for a single RDN.
 std::string parentOf(const std::string& dn);
+// All DNs above it, from its parent up.
+std::vector<std::string> ancestorsOf(const std::string& dn);
+// The attributes of the first RDN, each with one value without escapes and quotes. The names may repeat.
+std::vector<Attribute> rdnOf(const std::string& dn);
+// The same text for all spellings of one DN.
+std::string keyOf(const std::string& dn);
 
 #endif

@@ -42,22 +42,7 @@ public:
         }
     }
 
-    // The last record about the entry, and in it the last line of the attribute with that value.
-    void addPlace(Failure& failure) const
-    {
-        const DnSpeller spelled;
-        const auto record = std::find_if(applied.rbegin(), applied.rend(), [&](const LdifRecord& candidate) {
-            return isSameName(spelled.orNothing(candidate.dn), spelled.orNothing(failure.entry));
-        });
-        if (record == applied.rend())
-            return;
-        failure.file = shownName;
-        failure.fileLine = record->line;
-        for (const Change& change : record->changes) {
-            if (isSameName(change.attribute.name, failure.attribute))
-                failure.fileLine = lineOf(change, failure.value);
-        }
-    }
+    void addPlace(Failure& failure) const { addRecordPlace(failure, applied, shownName); }
 
     int exitStatus() const { return firstFailure ? firstFailure->exitStatus() : 0; }
     const std::string& skipped() const { return skippedText; }
@@ -119,4 +104,20 @@ int applyLdif(const Target& target, const LdifInput& input)
     if (keepsSkipped)
         overwriteFile(input.skippedFile, run.skipped());
     return run.exitStatus();
+}
+
+void addRecordPlace(Failure& failure, const std::vector<LdifRecord>& records, const std::string& shownName)
+{
+    const DnSpeller spelled;
+    const auto record = std::find_if(records.rbegin(), records.rend(), [&](const LdifRecord& candidate) {
+        return isSameName(spelled.orNothing(candidate.dn), spelled.orNothing(failure.entry));
+    });
+    if (record == records.rend())
+        return;
+    failure.file = shownName;
+    failure.fileLine = record->line;
+    for (const Change& change : record->changes) {
+        if (isSameName(change.attribute.name, failure.attribute))
+            failure.fileLine = lineOf(change, failure.value);
+    }
 }

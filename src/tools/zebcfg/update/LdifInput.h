@@ -6,6 +6,9 @@
 #include "update/Target.h"
 
 #include <string>
+#include <vector>
+
+struct Failure;
 
 // Where the records come from, and how they are taken.
 struct LdifInput {
@@ -18,5 +21,9 @@ struct LdifInput {
 
 // Applies the records as one update. Gives the exit status: that of the first record left out. Throws Failure.
 int applyLdif(const Target& target, const LdifInput& input);
+
+// Where in records of an input what could not be read back comes from: the last record about the entry, and in it the
+// last line of the attribute with that value.
+void addRecordPlace(Failure& failure, const std::vector<LdifRecord>& records, const std::string& shownName);
 
 #endif

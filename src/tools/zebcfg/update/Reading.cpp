@@ -1,5 +1,8 @@
 #include "update/Reading.h"
 
+#include "base/Attributes.h"
+#include "base/Masking.h"
+
 namespace {
 
 LiveFile usableFile(const Target& target)
@@ -14,3 +17,10 @@ LiveFile usableFile(const Target& target)
 Reading::Reading(const Target& target)
     : file(usableFile(target)), copy(file.text()), opened(copy.name(), file.shownName(), target.login)
 {}
+
+Failure missingAttribute(const std::string& name, const std::string& shownFile)
+{
+    Failure failure(LDAP_NO_SUCH_ATTRIBUTE, "the entry has no such attribute" + attributeHint(name), shownFile);
+    failure.attribute = shownLine(name);
+    return failure;
+}

@@ -22,4 +22,7 @@ private:
     Session opened;
 };
 
+// Failure (16) for an attribute that an entry does not have, with a hint at a name that is near.
+Failure missingAttribute(const std::string& name, const std::string& shownFile);
+
 #endif

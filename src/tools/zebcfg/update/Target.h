@@ -10,13 +10,15 @@
 #include <string>
 
 struct Target {
-    std::string file;    // as the user calls it
-    std::string backup;  // where the old file goes; empty for nowhere
+    std::string file;     // as the user calls it
+    std::string backup;   // where the old file goes; empty for nowhere
+    int generations = 1;  // of backups that are kept
     std::optional<Login> login;
     bool isDryRun = false;
     bool isForced = false;
-    bool hasColor = false;      // for diffs on standard output
-    std::chrono::seconds wait;  // for another update
+    bool isState = false;          // a change of nothing but the form is none, and JSON says whether there is one
+    bool hasColor = false;         // for diffs on standard output
+    std::chrono::seconds wait{0};  // for another update
     Messages messages;
 };
 

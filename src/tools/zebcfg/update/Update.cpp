@@ -106,7 +106,11 @@ void update(const Target& target, const std::function<void(Changes& changes)>& b
         Changes changes(place->name(), place->file().shownName(), target.login, target.isForced);
         reportQuarantined(target.messages, *place, changes);
         body(changes);
-        if (auto difference = readBackFailure(*place, changes)) {
+        for (const std::string& note : changes.notes())
+            target.messages.say(note);
+        if (target.isState && !changes.isChanged()) {
+            overwriteFile(place->name(), place->file().text());
+        } else if (auto difference = readBackFailure(*place, changes)) {
             addInputPlace(*difference);
             throw *difference;
         }

@@ -22,6 +22,8 @@ public:
     void finish() override
     {
         const bool isChanged = readFile(name(), file().shownName()) != file().text();
+        if (target.isState && target.messages.isJson)
+            showDiff(target, file().text(), readFile(name(), file().shownName()), file().shownName());
         if (isChanged)
             replacement.install();
         if (target.messages.isVerbose)
@@ -61,7 +63,7 @@ private:
 
 Handling handlingOf(const Target& target)
 {
-    return {target.backup, target.wait, target.isForced,
+    return {target.backup, target.generations, target.wait, target.isForced,
             [messages = target.messages](const std::string& text) { messages.warn(text); }};
 }
 
@@ -76,7 +78,8 @@ void showDiff(const Target& target, const std::string& before, const std::string
 {
     const bool isJson = target.messages.isJson;
     const std::string diff = unifiedDiff(before, after, shownName, target.hasColor && !isJson);
-    std::cout << (isJson ? diffToJson(diff) + '\n' : diff);
+    const std::string json = target.isState ? changeToJson(before != after, diff) : diffToJson(diff);
+    std::cout << (isJson ? json + '\n' : diff);
     if (!std::cout.flush())
         throw systemFailure(0, "cannot write the output, and nothing is changed");
 }
