@@ -1,40 +1,50 @@
 #include "base/Masking.h"
 
 #include "base/Attributes.h"
+#include "base/Text.h"
 
 #include <algorithm>
-#include <cctype>
 #include <sstream>
 #include <vector>
 
 namespace {
 
 constexpr char blanks[] = " \t\v\f\r";
-constexpr char marks[] = ":=";
+constexpr char blanksAndMarks[] = " \t\v\f\r:=";
 bool passwordsAreShown = false;
+
+bool isLetterOrDigit(char character)
+{
+    const char lower = lowered(character);
+    return (lower >= 'a' && lower <= 'z') || (character >= '0' && character <= '9');
+}
 
 bool isNameCharacter(char character)
 {
-    const auto byte = static_cast<unsigned char>(character);
-    return byte >= 0x80 || std::isalnum(byte) != 0 || character == '-' || character == '_' || character == '.';
+    return isLetterOrDigit(character) || character == '-' || character == '_' || character == '.' ||
+           static_cast<unsigned char>(character) >= 0x80;
 }
 
-// The letters and digits of a text in lower case, and where they stand.
-struct Letters {
-    explicit Letters(std::string_view text)
-    {
-        for (std::size_t i = 0; i < text.size(); ++i) {
-            const auto byte = static_cast<unsigned char>(text[i]);
-            if (byte >= 0x80 || std::isalnum(byte) == 0)
-                continue;
-            joined += static_cast<char>(std::tolower(byte));
-            places.push_back(i);
-        }
+// The letters and digits of a text in lower case.
+std::string lettersOf(std::string_view text)
+{
+    std::string letters;
+    letters.reserve(text.size());
+    for (const char character : text) {
+        if (isLetterOrDigit(character))
+            letters += lowered(character);
     }
+    return letters;
+}
 
-    std::string joined;
-    std::vector<std::size_t> places;
-};
+// Where that many letters and digits end.
+std::size_t endOfLetters(std::string_view text, std::size_t count)
+{
+    std::size_t place = 0;
+    for (; count > 0; ++place)
+        count -= isLetterOrDigit(text[place]) ? 1 : 0;
+    return place;
+}
 
 const std::vector<std::string>& passwordNames()
 {
@@ -53,35 +63,30 @@ const std::vector<std::string>& passwordNames()
 std::size_t endOfPasswordName(std::string_view text)
 {
     static const std::vector<std::string> names = [] {
-        std::vector<std::string> joined;
+        std::vector<std::string> found;
         for (const std::string& name : passwordNames())
-            joined.push_back(Letters(name).joined);
-        return joined;
+            found.push_back(lettersOf(name));
+        return found;
     }();
-    const Letters letters(text);
-    std::size_t end = std::string::npos;
+    const std::string letters = lettersOf(text);
+    std::size_t count = std::string::npos;
     for (const std::string& name : names) {
-        const auto found = letters.joined.find(name);
+        const auto found = letters.find(name);
         if (found != std::string::npos)
-            end = std::min(end, letters.places[found + name.size() - 1] + 1);
+            count = std::min(count, found + name.size());
     }
-    return end;
+    return count != std::string::npos ? endOfLetters(text, count) : count;
 }
 
 bool contains(std::string_view text, std::string_view name)
 {
-    return std::search(text.begin(), text.end(), name.begin(), name.end(), [](unsigned char a, unsigned char b) {
-               return std::tolower(a) == std::tolower(b);
-           }) != text.end();
+    return std::search(text.begin(), text.end(), name.begin(), name.end(),
+                       [](char a, char b) { return lowered(a) == lowered(b); }) != text.end();
 }
 
-// The name of an attribute for a password, with something in it or around it, or one that is near to it.
-bool isNearPassword(std::string_view word)
+bool isMisspeltPassword(std::string_view word)
 {
-    const AttributeType* const type = findAttributeType(word);
-    if (type != nullptr)
-        return type->syntax == Syntax::password;
-    return endOfPasswordName(word) != std::string::npos || !nearest(word, passwordNames()).empty();
+    return !nearest(word, passwordNames()).empty();
 }
 
 bool soundsSecret(std::string_view name)
@@ -89,7 +94,7 @@ bool soundsSecret(std::string_view name)
     const auto endsWith = [&](std::string_view end) {
         return name.size() >= end.size() && isSameName(name.substr(name.size() - end.size()), end);
     };
-    return contains(name, "passw") || endsWith("pw") || endsWith("pwd");
+    return endsWith("pw") || endsWith("pwd") || contains(name, "passw");
 }
 
 // The bytes of the first word from a place on.
@@ -109,7 +114,15 @@ std::size_t secretAfterName(const std::string& line)
         return static_cast<unsigned char>(character) >= 0x80 || !isNameCharacter(character);
     });
     const auto begin = (rest - end > longestEnd ? end : rest) - line.begin();
-    return line.find_first_not_of(std::string(blanks) + marks, static_cast<std::size_t>(begin));
+    return line.find_first_not_of(blanksAndMarks, static_cast<std::size_t>(begin));
+}
+
+// Whether a mark comes before the next word.
+bool isMarked(const std::string& line, std::size_t place)
+{
+    const auto begin = line.begin() + static_cast<std::ptrdiff_t>(place);
+    const auto next = std::find_if(begin, line.end(), isNameCharacter);
+    return std::any_of(begin, next, [](char character) { return character == ':' || character == '='; });
 }
 
 // The same after a word that is near to such a name, or, with a mark after it, sounds like one.
@@ -117,13 +130,9 @@ std::size_t secretAfterWord(const std::string& line)
 {
     for (std::string_view word = wordFrom(line, 0); !word.empty();) {
         const auto end = static_cast<std::size_t>(word.data() + word.size() - line.data());
-        const auto next = std::find_if(line.begin() + static_cast<std::ptrdiff_t>(end), line.end(), isNameCharacter);
-        const auto value = line.find_first_not_of(std::string(blanks) + marks, end);
-        const bool isNamed =
-            line.substr(end, static_cast<std::size_t>(next - line.begin()) - end).find_first_of(marks) !=
-            std::string::npos;
-        if (value != std::string::npos && (isNearPassword(word) || (isNamed && isSecret(word))))
-            return value;
+        if (findAttributeType(word) == nullptr &&
+            (isMisspeltPassword(word) || (soundsSecret(word) && isMarked(line, end))))
+            return line.find_first_not_of(blanksAndMarks, end);
         word = wordFrom(line, end);
     }
     return std::string::npos;
@@ -141,8 +150,8 @@ bool isFragment(const std::string& refused)
 std::size_t fragmentIn(const std::string& line)
 {
     const std::string_view name = wordFrom(line, 0);
-    const auto value = line.find_first_not_of(std::string(blanks) + marks,
-                                              static_cast<std::size_t>(name.data() + name.size() - line.data()));
+    const auto value =
+        line.find_first_not_of(blanksAndMarks, static_cast<std::size_t>(name.data() + name.size() - line.data()));
     return isSameName(name, invalidLine) && value != std::string::npos && isFragment(line.substr(value))
                ? value
                : std::string::npos;
@@ -155,15 +164,15 @@ void showPasswords(bool areShown)
     passwordsAreShown = areShown;
 }
 
-// Options of the name do not count. One that begins with a blank may continue a comment that has the true one.
+// What stands around the name of a known attribute does not make another of it. A name that begins with a blank may
+// continue a comment that has the true one.
 bool isSecret(std::string_view attribute)
 {
-    const std::string_view name = wordFrom(attribute, 0);
-    const AttributeType* const type = findAttributeType(name);
-    if (type != nullptr)
-        return type->syntax == Syntax::password;
-    return (!attribute.empty() && attribute.data() != name.data()) || isNearPassword(attribute) ||
-           isNearPassword(name) || soundsSecret(name);
+    const AttributeType* const type = findAttributeType(attribute);
+    if (type != nullptr || attribute.empty())
+        return type != nullptr && type->syntax == Syntax::password;
+    const std::string line = std::string(attribute) + ": value";
+    return blankAt(line, 0) != 0 || std::min(secretAfterName(line), secretAfterWord(line)) != std::string::npos;
 }
 
 std::size_t secretOf(const std::string& line)

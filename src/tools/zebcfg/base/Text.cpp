@@ -40,6 +40,8 @@ std::string hexOf(unsigned char byte)
 
 std::size_t blankAt(const std::string& text, std::size_t place)
 {
+    if (place < text.size() && std::isgraph(static_cast<unsigned char>(text[place])) != 0)
+        return 0;  // The usual line needs no conversion.
     wchar_t unit = 0;
     std::mbstate_t state = {};
     const std::size_t length = std::mbrtowc(&unit, text.data() + place, text.size() - place, &state);

@@ -4,6 +4,12 @@
 
 #include <string>
 
+// Of ASCII alone, as names of attributes are, whatever the locale.
+constexpr char lowered(char letter)
+{
+    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter | 0x20) : letter;
+}
+
 // The text with each occurrence of a word replaced. An empty word changes nothing.
 std::string replaced(std::string text, const std::string& word, const std::string& replacement);
 

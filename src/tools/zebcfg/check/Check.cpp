@@ -12,7 +12,6 @@
 #include "library/Session.h"
 
 #include <algorithm>
-#include <cctype>
 #include <map>
 #include <memory>
 #include <set>
@@ -94,8 +93,7 @@ public:
 private:
     static std::string lower(std::string name)
     {
-        std::transform(name.begin(), name.end(), name.begin(),
-                       [](unsigned char byte) { return static_cast<char>(byte < 0x80 ? std::tolower(byte) : byte); });
+        std::transform(name.begin(), name.end(), name.begin(), lowered);
         return name;
     }
 
