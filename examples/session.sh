@@ -28,7 +28,7 @@ run 0 "zebcfg -F zebslapd.conf set --add $entry zeb-slapdSetenv=LDAPTLS_REQCERT=
 say "A new entry, from LDIF."
 run 0 "printf '%s\n' 'dn: cn=Session, cn=Plug-ins, cn=Configuration' 'objectclass: zeb-slapdPluginEntry' 'cn: Session' | zebcfg -F zebslapd.conf add"
 run 0 "zebcfg -F zebslapd.conf tree 'cn=Plug-ins, cn=Configuration'"
-say "A state that is wanted is made so; the second time there is nothing to do."
+say "The configuration is made to match LDIF; the second time there is nothing to do."
 printf '%s\n' 'dn: cn=Configuration' 'zeb-slapdPort: 1389' 'zeb-slapdWorkers: 32' >wanted.ldif
 run 0 "cat wanted.ldif; zebcfg -F zebslapd.conf -v apply -f wanted.ldif"
 run 0 "zebcfg -F zebslapd.conf -v apply -f wanted.ldif"
