@@ -57,7 +57,7 @@ static int isPassword(const char* attribute)
     return i < sizeof names / sizeof names[0];
 }
 
-/* An attribute without values has no array either; the code in the handle tells that from a failure. */
+/* An attribute without values has no array either; the code in the handle distinguishes that from a failure. */
 static int printAttribute(CFG* cfg, CFGMessage* entry, const char* name)
 {
     char** values = cfg_get_values(cfg, entry, name);

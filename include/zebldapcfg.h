@@ -263,7 +263,7 @@ ZEBLDAPCFG_API int cfg_search_s(CFG* cfg, const char* base, int scope, const cha
 /* The first entry of a result: result itself. */
 ZEBLDAPCFG_API CFGMessage* cfg_first_entry(CFG* cfg, CFGMessage* result);
 
-/* The entry behind this one, or null behind the last one and for a null entry. */
+/* The entry after this one, or null after the last one and for a null entry. */
 ZEBLDAPCFG_API CFGMessage* cfg_next_entry(CFG* cfg, CFGMessage* entry);
 
 /* The number of entries from this record on; 89 for a null handle. */

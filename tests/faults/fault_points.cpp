@@ -91,7 +91,8 @@ const struct Step {
     {"login", "", [](Session& s) { return cfg_bind_s(s.cfg, "cn=root, o=x", "secret", LDAP_AUTH_SIMPLE); }},
     {"mend", "\ndn: cn=last\nzeb-slapdPort: no\n\n",
      [](Session& s) { return cfg_bind_s(s.cfg, nullptr, nullptr, LDAP_AUTH_SIMPLE); }},
-    {"reload", "\ndn: cn=last\n\n", [](Session& s) { return s.search("", LDAP_SCOPE_BASE, "version"); }},
+    {"reload", "\ndn: cn=last\ncn:last\n\ndn: cn=odd\nö: x\n\n",
+     [](Session& s) { return s.search("", LDAP_SCOPE_BASE, "version"); }},
     {"bad reload", "\ndn: cn\n\n", [](Session& s) { return s.search("", LDAP_SCOPE_BASE, "version"); }},
     {"search", "",
      [](Session& s) {
@@ -276,6 +277,7 @@ private:
             std::filesystem::rename(backup, file);
         if (session.cfg == nullptr)
             (void)session.open();
+        (void)cfg_tree_view(session.cfg, 0);  // walks the tree that a failed load has left
         return cfg_flush_s(session.cfg);
     }
 

@@ -31,11 +31,7 @@ void LDIF_Attribute::appendTo(std::string& out) const
 
 LDIF_Attribute& LDIF_Attribute::operator+=(const LDIF_Attribute& other)
 {
-    if (*this == other) {
-        comment += other.comment;
-        values += other.values;
-    }
-    return *this;
+    return *this += LDIF_Attribute(other);
 }
 
 LDIF_Attribute& LDIF_Attribute::operator+=(LDIF_Attribute&& other)
@@ -84,13 +80,9 @@ bool LDIF_Attributes::isSorted() const
 // The first attribute that does not sort before name. Names mostly come in ascending order, so the end comes first.
 LDIF_Attributes::iterator LDIF_Attributes::placeOf(const std::string& name)
 {
-    if (!isPlain(name) && !isSorted()) {
-        const auto present = std::find(begin(), end(), name);
-        if (present != end())
-            return present;
-    }
-    if (empty() || back().compare(name) < 0)
-        return end();
+    const auto present = isPlain(name) || isSorted() ? end() : std::find(begin(), end(), name);
+    if (present != end() || empty() || back().compare(name) < 0)
+        return present;
     return std::lower_bound(begin(), end(), name, [](const LDIF_Attribute& attribute, const std::string& wanted) {
         return attribute.compare(wanted) < 0;
     });

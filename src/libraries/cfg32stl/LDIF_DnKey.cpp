@@ -8,7 +8,7 @@
 
 namespace {
 
-enum Kind : unsigned char { ordinary = 0, letter = 1, digit = 2, hyphen = 4, dot = 8, edge = 16, delimiter = 32 };
+enum Kind : unsigned char { ordinary = 0, letter = 1, digit = 2, hyphen = 4, dot = 8, delimiter = 16 };
 
 // What a byte of a DN may be; the sets are those of LDIF_Util.
 constexpr std::array<unsigned char, 256> kinds = [] {
@@ -17,8 +17,6 @@ constexpr std::array<unsigned char, 256> kinds = [] {
         table[byte] = table[byte + ('a' - 'A')] = letter;
     for (unsigned char byte = '0'; byte <= '9'; ++byte)
         table[byte] = digit;
-    for (const char byte : {' ', '\t', '\n', '\v', '\f', '\r', '(', ')'})
-        table[static_cast<unsigned char>(byte)] = edge;
     for (const char byte : {',', '=', '+', '<', '>', '#', ';', '\\', '"'})
         table[static_cast<unsigned char>(byte)] = delimiter;
     table['-'] = hyphen;
@@ -54,18 +52,6 @@ std::string_view takeFront(std::string_view& text, std::size_t length) noexcept
     return front;
 }
 
-void skipEdges(std::string_view& text) noexcept
-{
-    text.remove_prefix(lengthOf(text, edge, true));
-}
-
-std::string_view withoutEdgesBehind(std::string_view text) noexcept
-{
-    while (!text.empty() && isA(text.back(), edge))
-        text.remove_suffix(1);
-    return text;
-}
-
 std::size_t hashOfRdn(std::size_t seed, std::string_view rdn) noexcept
 {
     const std::size_t equals = rdn.find('=');
@@ -85,7 +71,7 @@ bool isSimpleDn(std::string_view text) noexcept
             return false;
         text.remove_prefix(name + 1);
         const std::string_view value = takeFront(text, lengthOf(text, delimiter, false));
-        if (value.empty() || isA(value.front(), edge) || isA(value.back(), edge))
+        if (value.empty() || isEdge(value.front()) || isEdge(value.back()))
             return false;
         if (text.empty())
             return true;
@@ -98,15 +84,14 @@ bool isSimpleDn(std::string_view text) noexcept
 bool simplifyDn(std::string_view text, std::string& out)
 {
     out.clear();
-    skipEdges(text);
     for (;;) {
+        text = withoutLeading(text);
         const std::string_view name = takeFront(text, nameLength(text));
-        skipEdges(text);
+        text = withoutLeading(text);
         if (name.empty() || text.empty() || text.front() != '=')
             return false;
-        text.remove_prefix(1);
-        skipEdges(text);
-        const std::string_view value = withoutEdgesBehind(takeFront(text, lengthOf(text, delimiter, false)));
+        text = withoutLeading(text.substr(1));
+        const std::string_view value = withoutTrailing(takeFront(text, lengthOf(text, delimiter, false)));
         if (value.empty())
             return false;
         out.append(name).append("=").append(value);
@@ -115,7 +100,6 @@ bool simplifyDn(std::string_view text, std::string& out)
         if (text.front() != ',' && text.front() != ';')
             return false;
         text.remove_prefix(1);
-        skipEdges(text);
         out += separator;
     }
 }

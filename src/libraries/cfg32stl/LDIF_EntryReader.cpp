@@ -15,68 +15,6 @@
 
 namespace {
 
-bool isSpace(char byte) noexcept
-{
-    return byte == ' ' || (byte >= '\t' && byte <= '\r');
-}
-
-bool isEdge(char byte) noexcept
-{
-    return isSpace(byte) || byte == '(' || byte == ')';
-}
-
-bool hasEdges(std::string_view text) noexcept
-{
-    return !text.empty() && (isEdge(text.front()) || isEdge(text.back()));
-}
-
-bool startsWith(std::string_view text, std::string_view start) noexcept
-{
-    return text.size() >= start.size() && std::memcmp(text.data(), start.data(), start.size()) == 0;
-}
-
-bool isOneOf(std::string_view text, const char* const* words) noexcept
-{
-    while (*words != nullptr && compareFolded(text, *words) != 0)
-        ++words;
-    return *words != nullptr;
-}
-
-// Whether it is a number in the form in which numbers are written, within its limits.
-bool isCanonicalNumber(std::string_view text, const _AttrType& type) noexcept
-{
-    constexpr std::size_t mostDigits = 10;
-    const bool isNegative = !text.empty() && text[0] == '-';
-    const std::string_view digits = text.substr(isNegative ? 1 : 0);
-    if (digits.empty() || digits.size() > mostDigits || (digits[0] == '0' && text.size() > 1))
-        return false;
-    std::int64_t number = 0;
-    for (const char digit : digits) {
-        if (digit < '0' || digit > '9')
-            return false;
-        number = number * 10 + (digit - '0');
-    }
-    number = isNegative ? -number : number;
-    if (type.minimum != 0 || type.maximum != 0)
-        return number >= type.minimum && number <= type.maximum;
-    return number >= std::numeric_limits<std::int32_t>::min() && number <= std::numeric_limits<std::int32_t>::max();
-}
-
-bool hasCanonicalBits(std::string_view text, const _AttrType& type)
-{
-    if (!isCanonicalNumber(text, type) || text[0] == '-')
-        return false;
-    return (static_cast<std::uint32_t>(std::stoul(std::string(text))) & ~type.bitmask) == 0;
-}
-
-bool hasLength(std::string_view text, const _AttrType& type) noexcept
-{
-    const int lower = std::max(type.minimum, 0);
-    const int upper = type.maximum >= lower ? type.maximum : 0;
-    return text.size() >= static_cast<std::size_t>(lower) &&
-           (upper == 0 || text.size() <= static_cast<std::size_t>(upper));
-}
-
 // Whether some byte is no printable ASCII character. Eight bytes at a time: such a byte sets its high bit.
 bool hasOddBytes(std::string_view text) noexcept
 {
@@ -95,11 +33,6 @@ bool hasOddBytes(std::string_view text) noexcept
 }
 
 constexpr std::size_t usualNames = 1000;  // of attributes in a file
-
-bool isWrittenPassword(std::string_view text) noexcept
-{
-    return !text.empty() && text.front() == '>' && text.back() == '<';
-}
 
 }  // namespace
 
@@ -162,7 +95,7 @@ bool LDIF_EntryReader::readLines()
 // False for a line that is left to the classes; so is one that continues the line before.
 bool LDIF_EntryReader::takeLogicalLine(std::string_view line)
 {
-    if (hasWideSpace || isSpace(line[0]))
+    if (hasWideSpace || isEdge(line[0]))
         return false;
     const bool isTaken = dn.empty() ? takeDn(line) : takeAttribute(line);
     comment = {};
@@ -216,9 +149,9 @@ bool LDIF_EntryReader::takeAttribute(std::string_view line)
 {
     const Name* const before = lastName;
     Name* const next = lastName->likely;
-    if (next != nullptr && startsWith(line, next->start)) {
+    if (next != nullptr && line.compare(0, next->start.size(), next->start) == 0) {
         lastName = next;
-    } else if (lastName == &front || !startsWith(line, lastName->start)) {
+    } else if (lastName == &front || line.compare(0, lastName->start.size(), lastName->start) != 0) {
         if (!takeName(line))
             return false;
     }
@@ -281,7 +214,7 @@ LDIF_EntryReader::Name& LDIF_EntryReader::makeName(std::string_view text, std::s
 std::string_view LDIF_EntryReader::valueAfter(std::string_view line, std::size_t colon) noexcept
 {
     std::string_view value = line.substr(colon + 1);
-    if (!value.empty() && value[0] == ' ' && !hasEdges(value.substr(1)))
+    if (!value.empty() && value[0] == ' ' && (value.size() == 1 || !(isEdge(value[1]) || isEdge(value.back()))))
         return value.substr(1);
     isExact = false;
     value.remove_prefix(std::min(value.find_first_not_of(':'), value.size()));
@@ -291,18 +224,11 @@ std::string_view LDIF_EntryReader::valueAfter(std::string_view line, std::size_t
 // False for a value that its syntax refuses or that only the classes understand.
 bool LDIF_EntryReader::canonicalise(const Name& name, std::string_view& value)
 {
-    const _AttrType& type = *name.type;
-    if (name.syntax == &syntax::ces || name.syntax == &syntax::cis)
-        return hasLength(value, type);
-    if (name.syntax == &syntax::enumerated)
-        return hasLength(value, type) && isOneOf(value, type.enumValues);
-    if (name.syntax == &syntax::dn)
-        return value.empty() || canonicaliseDn(value);
-    if (name.syntax == &syntax::pw)
-        return isWrittenPassword(value);
-    if (name.syntax == &syntax::integer ? isCanonicalNumber(value, type) : hasCanonicalBits(value, type))
+    if (name.syntax->isCanonical(*name.type, value))
         return true;
-    return canonicaliseNumber(type, value);
+    if (name.syntax == &syntax::dn)
+        return canonicaliseDn(value);
+    return (name.syntax == &syntax::integer || name.syntax == &syntax::mask) && canonicaliseNumber(*name.type, value);
 }
 
 bool LDIF_EntryReader::canonicaliseNumber(const _AttrType& type, std::string_view& value)

@@ -67,12 +67,8 @@ LDIF_Exception::LDIF_Exception(const LDIF_Exception& other) : LDIF_Exception(oth
 }
 
 LDIF_Exception::LDIF_Exception(const char* file, int line, const LDIF_Exception& cause)
-    : LDIF_Exception(cause, LinkOnly())
-{
-    sourceFile = file;
-    sourceLine = line;
-    nested = copyChain(&cause);
-}
+    : LDIF_Exception(file, line, LDIF_Exception(cause))
+{}
 
 LDIF_Exception::LDIF_Exception(const char* file, int line, LDIF_Exception&& cause) : LDIF_Exception(cause, LinkOnly())
 {
@@ -209,9 +205,4 @@ LDIF_Exception wrapCurrent(const char* systemError, SourcePos pos)
     } catch (...) {
         return LDIF_Exception(LDAP_OTHER, CFG_ERR_UNEXPECTED, systemError, pos);
     }
-}
-
-void wrapAndThrow(const char* systemError, SourcePos pos)
-{
-    throw wrapCurrent(systemError, pos);
 }

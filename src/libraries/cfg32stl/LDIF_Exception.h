@@ -91,9 +91,6 @@ template <typename AddFields>
     throw wrapper;
 }
 
-// The same for a layer that knows nothing but its place.
-[[noreturn]] void wrapAndThrow(const char* systemError, SourcePos pos = SourcePos::here());
-
 // The same without a wrapper: an LDIF_Exception is completed and thrown on.
 template <typename AddFields>
 [[noreturn]] void completeAndThrow(const char* systemError, AddFields addFields, SourcePos pos = SourcePos::here())

@@ -74,8 +74,6 @@ public:
     long getModTime() const noexcept { return static_cast<long>(fileStat.st_mtime); }  // seconds
 
 private:
-    void modifyEntry(const LDIF_DN& dn, LDAPMod** mods);
-    void removeEntry(const LDIF_DN& dn, bool deleteNonLeaves);
     Authentication checkLogin(const char* dn, const char* password);
     LDIF_Tree readText() const;
     void readTree(LDIF_Tree&& emptyTree, bool& needsRewrite);
@@ -90,14 +88,5 @@ private:
     bool mustRead = false;  // the last load has failed after it had given up the tree before
     Authentication authentication = noAccess;
 };
-
-// What a failed operation on an entry of a file knows. The report of a DN that cannot be printed does without it.
-inline auto fieldsOf(const LDIF_DN& dn, const std::string& fileName)
-{
-    return [&](LDIF_Exception& failure) {
-        failure.entryDn = printable(dn);
-        failure.configFile = fileName;
-    };
-}
 
 #endif

@@ -9,18 +9,6 @@
 
 namespace {
 
-// The number of values.
-std::size_t countOf(const LDAPMod& record)
-{
-    const auto count = [](auto** values) {
-        std::size_t number = 0;
-        while (values != nullptr && values[number] != nullptr)
-            ++number;
-        return number;
-    };
-    return (record.mod_op & LDAP_MOD_BVALUES) != 0 ? count(record.mod_bvalues) : count(record.mod_values);
-}
-
 // One record of an update, as the library reads it.
 class Modification {
 public:
@@ -28,14 +16,11 @@ public:
         : operation(record.mod_op & ~LDAP_MOD_BVALUES), isBinary((record.mod_op & LDAP_MOD_BVALUES) != 0),
           type(record.mod_type)
     {
-        values.reserve(countOf(record));
-        if (isBinary) {
-            for (berval** value = record.mod_bvalues; value != nullptr && *value != nullptr; ++value)
-                values.emplace_back((*value)->bv_val != nullptr ? (*value)->bv_val : empty_str);
-        } else {
-            for (char** value = record.mod_values; value != nullptr && *value != nullptr; ++value)
-                values.emplace_back(*value);
-        }
+        if (isBinary)
+            take(record.mod_bvalues,
+                 [](berval* value) { return value->bv_val != nullptr ? value->bv_val : empty_str; });
+        else
+            take(record.mod_values, [](char* value) { return value; });
     }
 
     Modification(const Modification&) = delete;
@@ -70,8 +55,28 @@ public:
     std::vector<std::string> values;  // a binary value up to its first NUL
 
 private:
+    // Makes room first, for a text that moves would leave its former place as it is.
+    template <typename Value, typename TextOf>
+    void take(Value** given, TextOf textOf)
+    {
+        std::size_t count = 0;
+        while (given != nullptr && given[count] != nullptr)
+            ++count;
+        values.reserve(count);
+        std::for_each(given, given + count, [&](Value* value) { values.emplace_back(textOf(value)); });
+    }
+
     const char* type;
 };
+
+// What a failed update knows. The report of a DN that cannot be printed does without it.
+auto fieldsOf(const LDIF_DN& dn, const std::string& fileName)
+{
+    return [&](LDIF_Exception& failure) {
+        failure.entryDn = printable(dn);
+        failure.configFile = fileName;
+    };
+}
 
 LDIF_Exception notFound(SourcePos pos = SourcePos::here())
 {
@@ -139,13 +144,6 @@ void apply(LDIF_Entry& entry, const LDAPMod& record)
 
 void LDIF_File::modify(const LDIF_DN& dn, LDAPMod** mods)
 try {
-    modifyEntry(dn, mods);
-} catch (...) {
-    wrapAndThrow("System error in LDIF_File::modify()", fieldsOf(dn, fileName));
-}
-
-void LDIF_File::modifyEntry(const LDIF_DN& dn, LDAPMod** mods)
-{
     if (mods == nullptr || *mods == nullptr)
         return;
     const LDIF_Tree::Number number = tree.find(dn);
@@ -154,6 +152,8 @@ void LDIF_File::modifyEntry(const LDIF_DN& dn, LDAPMod** mods)
     const LDIF_Tree::Opened entry(tree, number);
     for (; *mods != nullptr; ++mods)
         apply(*entry, **mods);
+} catch (...) {
+    wrapAndThrow("System error in LDIF_File::modify()", fieldsOf(dn, fileName));
 }
 
 void LDIF_File::add(const LDIF_DN& dn, LDAPMod** mods)
@@ -168,13 +168,6 @@ try {
 
 void LDIF_File::erase(const LDIF_DN& dn, bool deleteNonLeaves)
 try {
-    removeEntry(dn, deleteNonLeaves);
-} catch (...) {
-    wrapAndThrow("System error in LDIF_File::erase()", fieldsOf(dn, fileName));
-}
-
-void LDIF_File::removeEntry(const LDIF_DN& dn, bool deleteNonLeaves)
-{
     const LDIF_Tree::Number entry = tree.find(dn);
     if (entry == LDIF_Tree::none || entry == LDIF_Tree::root)
         throw notFound();
@@ -182,4 +175,6 @@ void LDIF_File::removeEntry(const LDIF_DN& dn, bool deleteNonLeaves)
         throw LDIF_Exception(LDAP_NOT_ALLOWED_ON_NONLEAF, LDAP_NOT_ALLOWED_ON_NONLEAF,
                              "Use CFG_OPT_DELETE_NON_LEAVES to enable subtree delete");
     tree.erase(entry);
+} catch (...) {
+    wrapAndThrow("System error in LDIF_File::erase()", fieldsOf(dn, fileName));
 }

@@ -10,11 +10,17 @@ constexpr std::size_t smallest = 16;
 
 void LDIF_HashIndex::reserve(std::size_t positions)
 {
+    if (2 * positions <= slots.size())
+        return;
     std::size_t size = smallest;
     while (size < 2 * positions)
         size *= 2;
-    if (size > slots.size())
-        resize(size);
+    std::vector<Slot> old(size);
+    old.swap(slots);
+    for (const Slot& slot : old) {
+        if (slot.next != 0)
+            put(slot);
+    }
 }
 
 void LDIF_HashIndex::add(std::size_t hash, std::size_t position)
@@ -55,14 +61,4 @@ void LDIF_HashIndex::remove(std::size_t hash, std::size_t position) noexcept
     }
     slots[gap] = Slot();
     --count;
-}
-
-void LDIF_HashIndex::resize(std::size_t size)
-{
-    std::vector<Slot> old(size);
-    old.swap(slots);
-    for (const Slot& slot : old) {
-        if (slot.next != 0)
-            put(slot);
-    }
 }

@@ -42,7 +42,6 @@ private:
 
     std::size_t firstSlot(std::uint32_t tag) const noexcept { return tag & (slots.size() - 1); }
     void put(const Slot& slot);
-    void resize(std::size_t size);
 
     std::vector<Slot> slots;  // a power of two, or none
     std::size_t count = 0;

@@ -73,7 +73,8 @@ void LDIF_Loader::readText()
     }
     closeEntry();
     forget();
-    dropTrailingBlankLines();
+    while (!waiting.lines.empty() && waiting.lines.back().type == LDIF_Line::blankLine)
+        waiting.lines.pop_back();
 }
 
 // Takes in the next entry as it stands, where one may stand and no lines wait for it. The head is complete then.
@@ -119,8 +120,10 @@ bool LDIF_Loader::readLine(LDIF_Line& line)
 void LDIF_Loader::take(LDIF_Line& line)
 {
     switch (line.type) {
-    case LDIF_Line::blankLine:
-        return takeBlankLine(line);
+    case LDIF_Line::blankLine:  // The one that ends an entry is not kept: each entry is written with one after it.
+        if (current)
+            return closeEntry();
+        [[fallthrough]];
     case LDIF_Line::comment:
         waiting += line;
         return;
@@ -131,15 +134,6 @@ void LDIF_Loader::take(LDIF_Line& line)
     default:
         throw LDIF_Exception(LDAP_OTHER, CFG_ERR_UNEXPECTED, "Unknown LDIF_Line::Type!");
     }
-}
-
-// The blank line that ends an entry is not kept: each entry is written with one after it.
-void LDIF_Loader::takeBlankLine(const LDIF_Line& line)
-{
-    if (current)
-        closeEntry();
-    else
-        waiting += line;
 }
 
 void LDIF_Loader::takeAttribute(LDIF_Line& line)
@@ -199,14 +193,7 @@ void LDIF_Loader::openEntry(const LDIF_Line& line)
     closeEntry();
     addDefault("charset", "ISO-8859-1", seenCharset);
     addDefault("version", "1", seenVersion);
-    current.emplace();
-    current->name = cisString(line.name);
-    try {
-        current->dn = cisString(line.value);
-    } catch (...) {
-        current.reset();
-        throw;
-    }
+    current.emplace(line, LDIF_Comment());
     std::swap(current->comment, waiting);
 }
 
@@ -237,11 +224,4 @@ void LDIF_Loader::quarantine(LDIF_Line& line)
 {
     line.changeToInvalidAttr();
     quarantined = true;
-}
-
-void LDIF_Loader::dropTrailingBlankLines()
-{
-    auto& lines = waiting.lines;
-    while (!lines.empty() && lines.back().type == LDIF_Line::blankLine)
-        lines.pop_back();
 }

@@ -40,7 +40,6 @@ private:
     bool readEntry(LDIF_EntryReader& reader);
     bool readLine(LDIF_Line& line);
     void take(LDIF_Line& line);
-    void takeBlankLine(const LDIF_Line& line);
     void takeAttribute(LDIF_Line& line);
     void addAttribute(const LDIF_Line& line);
     void addToEntry(const LDIF_Line& line);
@@ -50,7 +49,6 @@ private:
     void closeEntry();
     void addDefault(const char* name, const char* value, bool& seen);
     void quarantine(LDIF_Line& line);
-    void dropTrailingBlankLines();
     void forget() noexcept;
 
     LDIF_Tree& tree;

@@ -35,7 +35,7 @@ void parsing(const char* part, Text text, Body body, SourcePos pos = SourcePos::
 try {
     body();
 } catch (...) {
-    wrapAndThrow((std::string("System error parsing ") + part + ": " + text()).c_str(), pos);
+    throw wrapCurrent((std::string("System error parsing ") + part + ": " + text()).c_str(), pos);
 }
 
 // The text from here on, when it is asked for.
@@ -94,7 +94,10 @@ LDIF_RDN_value::LDIF_RDN_value(LDIF_DnReader& reader)
     parsing("rdn value", textFromHere(reader), [&] { read(reader); });
 }
 
-// value = "#" hex / quote quoted / plain; nothing at all is an empty quoted value
+// value = "#" *( 2hexChar )
+//       / quote *( escape / any character but quote and backslash ) [ quote ]
+//       / *( escape / any character but one of special )
+// Nothing at all is an empty quoted value.
 void LDIF_RDN_value::read(LDIF_DnReader& reader)
 {
     if (reader.atEnd())
@@ -102,38 +105,19 @@ void LDIF_RDN_value::read(LDIF_DnReader& reader)
     if (reader.isAt(L'#')) {
         form = FORM_HEX;
         reader.advance();
-        readHex(reader);
+        for (char byte = 0; reader.takeHexPair(byte);)
+            push_back(byte);
     } else if (reader.isAt(quote)) {
         reader.advance();
-        readQuoted(reader);
+        readUntil(reader, "\\\"");
+        if (!reader.atEnd())
+            reader.advance();
     } else {
         form = FORM_PLAIN;
-        readPlain(reader);
+        readUntil(reader, special);
+        stripTrailing(*this);
     }
     reader.skipEdges();
-}
-
-// hex = *( 2hexChar )
-void LDIF_RDN_value::readHex(LDIF_DnReader& reader)
-{
-    char byte = 0;
-    while (reader.takeHexPair(byte))
-        push_back(byte);
-}
-
-// quoted = *( escape / any character but quote and backslash ) [ quote ]
-void LDIF_RDN_value::readQuoted(LDIF_DnReader& reader)
-{
-    readUntil(reader, "\\\"");
-    if (!reader.atEnd())
-        reader.advance();
-}
-
-// plain = *( escape / any character but one of special )
-void LDIF_RDN_value::readPlain(LDIF_DnReader& reader)
-{
-    readUntil(reader, special);
-    stripTrailing(*this);
 }
 
 // *( escape / any character but one of ends ), where a backslash is one of ends
@@ -170,19 +154,15 @@ void LDIF_RDN_value::appendTo(std::string& out) const
         throw dnFailure(CFG_ERR_DN_NO_VALUE, "Missing RDN attribute value");
     switch (form) {
     case FORM_HEX:
-        return appendHexTo(out);
+        out += '#';
+        for (const char byte : *this)
+            byte2hex(static_cast<unsigned char>(byte), out);
+        return;
     case FORM_QUOTED:
         return appendQuotedTo(out);
     case FORM_PLAIN:
         return appendPlainTo(out);
     }
-}
-
-void LDIF_RDN_value::appendHexTo(std::string& out) const
-{
-    out += '#';
-    for (const char byte : *this)
-        byte2hex(static_cast<unsigned char>(byte), out);
 }
 
 void LDIF_RDN_value::appendQuotedTo(std::string& out) const

@@ -46,12 +46,8 @@ public:
 
 private:
     void read(LDIF_DnReader& reader);
-    void readHex(LDIF_DnReader& reader);
-    void readQuoted(LDIF_DnReader& reader);
-    void readPlain(LDIF_DnReader& reader);
     void readUntil(LDIF_DnReader& reader, const std::string& ends);
     void readEscape(LDIF_DnReader& reader);
-    void appendHexTo(std::string& out) const;
     void appendQuotedTo(std::string& out) const;
     void appendPlainTo(std::string& out) const;
 };

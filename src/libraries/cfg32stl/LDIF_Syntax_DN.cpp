@@ -1,6 +1,7 @@
 #include "LDIF_Syntax.h"
 
 #include "LDIF_DN.h"
+#include "LDIF_DnKey.h"
 #include "LDIF_Util.h"
 #include "LDIF_Value.h"
 
@@ -61,4 +62,9 @@ void dnFromBin(LDIF_Value& value, const void* data, int length)
 std::optional<std::size_t> dnHash(const LDIF_Value& value)
 {
     return value.dnValue != nullptr ? std::optional(value.dnValue->hash()) : std::nullopt;
+}
+
+bool dnIsCanonical(const _AttrType& /*type*/, std::string_view text)
+{
+    return text.empty() || isSimpleDn(text);
 }

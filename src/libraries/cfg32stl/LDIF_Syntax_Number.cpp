@@ -5,48 +5,24 @@
 #include "platform.h"
 #include "zebldapcfg.h"
 
+#include <charconv>
 #include <cstdint>
 #include <cstring>
-#include <limits>
 #include <new>
-#include <string_view>
+#include <optional>
+#include <system_error>
 
 namespace {
 
-enum class NumberError { none, range, syntax };
-
-constexpr std::uint32_t highest = std::numeric_limits<std::int32_t>::max();
-
-// *DIGIT of a number without its sign. magnitude is at most highest + 10.
-NumberError readDigits(std::string_view digits, std::uint32_t& magnitude)
-{
-    if (digits.empty() || digits.find_first_not_of(DIGIT) != std::string::npos)
-        return NumberError::syntax;
-    magnitude = 0;
-    for (const char digit : digits) {
-        if (magnitude > highest / 10)
-            return NumberError::range;
-        magnitude = magnitude * 10 + static_cast<std::uint32_t>(digit - '0');
-    }
-    return NumberError::none;
-}
-
-// [ "-" / "+" ] 1*DIGIT, with white space and parentheses around it
-NumberError readNumber(std::string trimmed, std::int32_t& number)
+// [ "-" / "+" ] 1*DIGIT, with white space and parentheses around it. Gives invalid_argument or result_out_of_range for
+// any other text.
+std::errc readNumber(std::string trimmed, std::int32_t& number)
 {
     std::string_view text = stripTrailing(stripLeading(trimmed));
-    const bool negative = !text.empty() && text[0] == '-';
-    if (negative || (!text.empty() && text[0] == '+'))
+    if (text.substr(0, 1) == "+" && text.substr(1, 1) != "-")
         text.remove_prefix(1);
-    std::uint32_t magnitude = 0;
-    const NumberError error = readDigits(text, magnitude);
-    if (error != NumberError::none)
-        return error;
-    if (magnitude > highest + (negative ? 1 : 0))
-        return NumberError::range;
-    const auto wide = static_cast<std::int64_t>(magnitude);
-    number = static_cast<std::int32_t>(negative ? -wide : wide);
-    return NumberError::none;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    return end != text.data() + text.size() ? std::errc::invalid_argument : error;
 }
 
 bool isWithinLimits(std::int32_t number, const _AttrType* type)
@@ -54,6 +30,22 @@ bool isWithinLimits(std::int32_t number, const _AttrType* type)
     if (type == nullptr || (type->minimum == 0 && type->maximum == 0))
         return true;
     return number >= type->minimum && number <= type->maximum;
+}
+
+bool isWithinMask(std::int32_t number, const _AttrType& type)
+{
+    return (static_cast<std::uint32_t>(number) & ~type.bitmask) == 0;
+}
+
+// The number of a text that is written as numbers are printed, and within its limits.
+std::optional<std::int32_t> canonicalNumber(const _AttrType& type, std::string_view text)
+{
+    std::int32_t number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error != std::errc() || end != text.data() + text.size() || !isWithinLimits(number, &type))
+        return std::nullopt;
+    const char firstDigit = text[text[0] == '-' ? 1 : 0];
+    return firstDigit != '0' || text == "0" ? std::optional(number) : std::nullopt;
 }
 
 void store(LDIF_Value& value, std::int32_t number)
@@ -90,7 +82,7 @@ void requireBitmask(const LDIF_Value& value, const std::string& text, SourcePos 
 
 void requireBitsInMask(const LDIF_Value& value, const std::string& text, SourcePos pos = SourcePos::here())
 {
-    if ((static_cast<std::uint32_t>(stored(value)) & ~value.attrType->bitmask) != 0)
+    if (!isWithinMask(stored(value), *value.attrType))
         throw syntaxFailure(LDAP_INVALID_SYNTAX, CFG_ERR_BITMASK, "Bits in value are not within bitmask constraint",
                             text, value.attrType, pos);
 }
@@ -108,13 +100,17 @@ void enumFromStr(LDIF_Value& value, const std::string& text)
     if (value.attrType == nullptr || value.attrType->enumValues == nullptr)
         throw syntaxFailure(LDAP_OTHER, CFG_ERR_UNEXPECTED, "Enumerated values undefined", text, value.attrType);
     syntax::cis.fromStr(value, text);
-    const std::string word = value.str();
-    for (const char* const* allowed = value.attrType->enumValues; *allowed != nullptr; ++allowed) {
-        if (_stricmp(*allowed, word.c_str()) == 0)
-            return;
-    }
-    throw syntaxFailure(LDAP_INVALID_SYNTAX, CFG_ERR_ENUM, "value not one of attrType.enumValues", text,
-                        value.attrType);
+    if (!enumIsCanonical(*value.attrType, text))
+        throw syntaxFailure(LDAP_INVALID_SYNTAX, CFG_ERR_ENUM, "value not one of attrType.enumValues", text,
+                            value.attrType);
+}
+
+bool enumIsCanonical(const _AttrType& type, std::string_view text)
+{
+    const char* const* word = type.enumValues;
+    while (*word != nullptr && compareFolded(text, *word) != 0)
+        ++word;
+    return *word != nullptr && syntax::cis.isCanonical(type, text);
 }
 
 int intCompare(const LDIF_Value& left, const LDIF_Value& right)
@@ -127,14 +123,12 @@ int intCompare(const LDIF_Value& left, const LDIF_Value& right)
 void intFromStr(LDIF_Value& value, const std::string& text)
 {
     std::int32_t number = 0;
-    NumberError error = readNumber(text, number);
-    if (error == NumberError::none && !isWithinLimits(number, value.attrType))
-        error = NumberError::range;
-    if (error == NumberError::range)
-        throw rangeFailure(value, text);
-    if (error == NumberError::syntax)
+    const std::errc error = readNumber(text, number);
+    if (error == std::errc::invalid_argument)
         throw syntaxFailure(LDAP_INVALID_SYNTAX, CFG_ERR_INT_SYNTAX, "Value is not valid integer syntax", text,
                             value.attrType);
+    if (error != std::errc() || !isWithinLimits(number, value.attrType))
+        throw rangeFailure(value, text);
     store(value, number);
 }
 
@@ -146,6 +140,11 @@ void intFromBin(LDIF_Value& value, const void* data, int /*length*/)
     if (!isWithinLimits(number, value.attrType))
         throw rangeFailure(value, std::to_string(number));
     store(value, number);
+}
+
+bool intIsCanonical(const _AttrType& type, std::string_view text)
+{
+    return canonicalNumber(type, text).has_value();
 }
 
 void maskFromStr(LDIF_Value& value, const std::string& text)
@@ -160,4 +159,10 @@ void maskFromBin(LDIF_Value& value, const void* data, int length)
     requireBitmask(value, "<binary>");
     intFromBin(value, data, length);
     requireBitsInMask(value, value.str());
+}
+
+bool maskIsCanonical(const _AttrType& type, std::string_view text)
+{
+    const std::optional<std::int32_t> number = canonicalNumber(type, text);
+    return number.has_value() && isWithinMask(*number, type);
 }

@@ -13,7 +13,7 @@ namespace {
 constexpr int shortest = 1;  // of a clear text, in bytes, unless the type says otherwise
 constexpr int longest = 46;
 
-bool isEncoded(const std::string& text)
+bool isEncoded(std::string_view text)
 {
     return !text.empty() && text.front() == '>' && text.back() == '<';
 }
@@ -88,4 +88,9 @@ try {
         failure.value = text;
         failure.attrType = value.attrType;
     });
+}
+
+bool pwIsCanonical(const _AttrType& /*type*/, std::string_view text)
+{
+    return isEncoded(text);
 }

@@ -6,17 +6,21 @@
 #include "zebldapcfg.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
-[[noreturn]] void throwNotImplemented(int extErr, const std::string& text, const _AttrType* attrType,
-                                      const std::string& value, SourcePos pos)
+// The shortest and the longest text of a type, 0 for no limit. A maximum below the minimum counts as no limit.
+std::pair<std::size_t, std::size_t> lengthsOf(const _AttrType& type)
 {
-    throw syntaxFailure(CFG_NOT_SUPPORTED, extErr, text, value, attrType, pos);
+    const int lower = std::max(type.minimum, 0);
+    const int upper = type.maximum >= lower ? type.maximum : 0;
+    return {static_cast<std::size_t>(lower), static_cast<std::size_t>(upper)};
 }
 
-std::string lengthMessage(const _AttrType& type, int lower, int upper)
+std::string lengthMessage(const _AttrType& type)
 {
+    const auto [lower, upper] = lengthsOf(type);
     const std::string name = type.name != nullptr ? std::string(type.name) + ' ' : std::string();
     return name + "length must be " + std::to_string(lower) + " to " + std::to_string(upper) + " characters";
 }
@@ -34,14 +38,14 @@ LDIF_Exception syntaxFailure(int ldapErr, int extErr, const std::string& text, c
 
 void BinarySyntaxNotImplemented(const char* syntax, const _AttrType* attrType, const std::string& value, SourcePos pos)
 {
-    throwNotImplemented(CFG_ERR_NO_BINARY_FORM, std::string("Binary representation undefined for syntax: ") + syntax,
-                        attrType, value, pos);
+    throw syntaxFailure(CFG_NOT_SUPPORTED, CFG_ERR_NO_BINARY_FORM,
+                        std::string("Binary representation undefined for syntax: ") + syntax, value, attrType, pos);
 }
 
 void StringSyntaxNotImplemented(const char* syntax, const _AttrType* attrType, const std::string& value, SourcePos pos)
 {
-    throwNotImplemented(CFG_ERR_NO_STRING_FORM, std::string("String representation undefined for syntax: ") + syntax,
-                        attrType, value, pos);
+    throw syntaxFailure(CFG_NOT_SUPPORTED, CFG_ERR_NO_STRING_FORM,
+                        std::string("String representation undefined for syntax: ") + syntax, value, attrType, pos);
 }
 
 int cesCompare(const LDIF_Value& left, const LDIF_Value& right)
@@ -49,19 +53,11 @@ int cesCompare(const LDIF_Value& left, const LDIF_Value& right)
     return left.str().compare(right.str());
 }
 
-// A maximum below the minimum counts as no limit.
 void cesFromStr(LDIF_Value& value, const std::string& text)
 {
-    if (value.attrType != nullptr) {
-        const int lower = std::max(value.attrType->minimum, 0);
-        const int upper = value.attrType->maximum >= lower ? value.attrType->maximum : 0;
-        const auto size = text.size();
-        const bool longEnough = size >= static_cast<std::size_t>(lower);
-        const bool shortEnough = upper == 0 || size <= static_cast<std::size_t>(upper);
-        if (!longEnough || !shortEnough)
-            throw syntaxFailure(LDAP_INVALID_SYNTAX, CFG_ERR_LENGTH, lengthMessage(*value.attrType, lower, upper), text,
-                                value.attrType);
-    }
+    const _AttrType* const type = value.attrType;
+    if (type != nullptr && !cesIsCanonical(*type, text))
+        throw syntaxFailure(LDAP_INVALID_SYNTAX, CFG_ERR_LENGTH, lengthMessage(*type), text, type);
     value.stringValue = text;
 }
 
@@ -87,6 +83,12 @@ void* cesToBin(const LDIF_Value& value, int& length)
 std::optional<std::size_t> cesHash(const LDIF_Value& value)
 {
     return exactHash(0, value.stringValue);
+}
+
+bool cesIsCanonical(const _AttrType& type, std::string_view text)
+{
+    const auto [lower, upper] = lengthsOf(type);
+    return text.size() >= lower && (upper == 0 || text.size() <= upper);
 }
 
 int cisCompare(const LDIF_Value& left, const LDIF_Value& right)

@@ -1,17 +1,11 @@
 #include "LDIF_Tree.h"
 
-#include "LDIF_Exception.h"
-#include "LDIF_Syntax.h"
-#include "LDIF_Util.h"
-
-#include <algorithm>
 #include <limits>
 #include <stdexcept>
 #include <utility>
 
 namespace {
 
-constexpr std::size_t fewMissing = 4096;                            // missing levels
 constexpr std::uint32_t mostLevels = (std::uint32_t{1} << 30) - 1;  // of a DN
 
 constexpr std::uint32_t entriesAhead = 16;
@@ -25,71 +19,6 @@ void fetch(const char* line) noexcept
     __builtin_prefetch(line + usualSize);
 }
 
-// Text with the line ends of a file.
-std::string inFileForm(std::string text)
-{
-    if (lineEnd.size() == 1)
-        return text;
-    std::string changed;
-    changed.reserve(text.size() + text.size() / 16);
-    for (const char byte : text)
-        byte == '\n' ? changed += lineEnd : changed += byte;
-    return changed;
-}
-
-// Prints an entry to buffer.
-LDIF_EntryText printed(const LDIF_Entry& entry, std::string& buffer)
-{
-    buffer = inFileForm(entry.comment.str());
-    buffer.append(entry.name).append(": ");
-    LDIF_EntryText text;
-    text.dnStart = buffer.size();
-    entry.dn.appendTo(buffer);
-    text.dnSize = buffer.size() - text.dnStart;
-    buffer.append(lineEnd).append(inFileForm(entry.attributes.str())).append(lineEnd);
-    text.text = buffer;
-    return text;
-}
-
-// Whether its values alone take more bytes than that when they are printed.
-bool isLonger(const LDIF_Entry& entry, std::size_t longest)
-{
-    std::size_t size = 0;
-    for (const LDIF_Attribute& attribute : entry.attributes) {
-        for (const LDIF_Value& value : attribute.values) {
-            size += attribute.name.size() + value.stringValue.size() + lineEnd.size() + 2;
-            if (size > longest)
-                return true;
-        }
-    }
-    return false;
-}
-
-bool hasOddName(const LDIF_Entry& entry)
-{
-    return std::any_of(entry.attributes.begin(), entry.attributes.end(),
-                       [](const LDIF_Attribute& attribute) { return !isPlain(attribute.name); });
-}
-
-// Whether an attribute has a DN with escapes or quotes.
-bool hasOddDn(const LDIF_Attribute& attribute)
-{
-    const auto isOdd = [](const LDIF_Value& value) {
-        return !value.stringValue.empty() && !isSimpleDn(value.stringValue);
-    };
-    return &syntaxOf(*attribute.values.attrType) == &syntax::dn &&
-           std::any_of(attribute.values.begin(), attribute.values.end(), isOdd);
-}
-
-// Whether reading the text gives the entry again.
-bool readsBack(const LDIF_EntryText& text, const LDIF_Entry& entry)
-try {
-    return text.text.size() <= std::numeric_limits<std::uint32_t>::max() && !hasOddName(entry) &&
-           LDIF_Entry(text.text).isSameAs(entry);
-} catch (const LDIF_Exception&) {
-    return false;
-}
-
 }  // namespace
 
 LDIF_Tree::LDIF_Tree() : LDIF_Tree(TextBuffer(), 0) {}
@@ -100,7 +29,6 @@ LDIF_Tree::LDIF_Tree(TextBuffer&& file, std::size_t size)
     constexpr std::size_t usualSize = 128;  // of an entry, or more
     nodes.reserve(size / usualSize + 1);
     nodes.push_back({});
-    nodes[root].firstChild = nodes[root].lastChild = none;
 }
 
 bool LDIF_Tree::load(const LDIF_EntryText& entry, bool isFileText)
@@ -111,7 +39,7 @@ bool LDIF_Tree::load(const LDIF_EntryText& entry, bool isFileText)
         key.assignSimple(entry.dn());
     if (find(key) != none)
         return false;
-    place(append(entry, isFileText));
+    place(append([&](Number number) { setText(number, entry, isFileText); }));
     return true;
 }
 
@@ -119,7 +47,7 @@ bool LDIF_Tree::load(LDIF_Entry&& entry, std::string_view text)
 {
     if (mergeWithPresent(entry))
         return false;
-    const Number made = append(std::move(entry));
+    const Number made = append([&](Number number) { objects.emplace(number, Object{std::move(entry), {}}); });
     place(made);
     return becomeText(made, text, std::numeric_limits<std::size_t>::max());
 }
@@ -156,94 +84,68 @@ void LDIF_Tree::finishMerged()
         LDIF_Entry& entry = open(number);
         entry.attributes.reserve(attributes.size());
         for (auto& each : attributes)
-            entry.attributes += std::move(each.second);
+            entry.attributes.push_back(std::move(each.second));
         if (number != root)
             (void)becomeText(number, {}, std::numeric_limits<std::size_t>::max());
     }
     merged.clear();
 }
 
+// A node for the entry of the key, which fill gives its text or object.
+template <typename Fill>
+LDIF_Tree::Number LDIF_Tree::append(Fill fill)
+{
+    const Number number = appendNode();
+    try {
+        fill(number);
+    } catch (...) {
+        takeBack(number);
+        throw;
+    }
+    return number;
+}
+
 LDIF_Tree::Number LDIF_Tree::appendNode()
 {
-    Node node = {};
-    node.firstChild = node.lastChild = none;
+    if (key.levels() > mostLevels || (firstVacant == none && nodes.size() >= none))
+        throw std::length_error("too many entries or levels");
+    if (firstVacant == none) {
+        nodes.push_back({});
+        vacate(static_cast<Number>(nodes.size() - 1));
+    }
+    byDn.add(key.hash(), firstVacant);
+    Node& node = nodes[firstVacant];
     node.tag = static_cast<std::uint32_t>(key.hash());
     node.levels = static_cast<std::uint32_t>(key.levels()) & mostLevels;
-    if (firstVacant != none) {
-        byDn.add(key.hash(), firstVacant);
-        const Number number = std::exchange(firstVacant, nodes[firstVacant].next);
-        nodes[number] = node;
-        return number;
-    }
-    if (nodes.size() >= none || key.levels() > mostLevels)
-        throw std::length_error("too many entries or levels");
-    const auto number = static_cast<Number>(nodes.size());
-    nodes.push_back(node);
-    try {
-        byDn.add(key.hash(), number);
-    } catch (...) {
-        nodes.pop_back();
-        throw;
-    }
-    return number;
+    return std::exchange(firstVacant, node.next);
 }
 
-// The key is that of the entry.
-LDIF_Tree::Number LDIF_Tree::append(const LDIF_EntryText& entry, bool isFileText)
+void LDIF_Tree::vacate(Number entry) noexcept
 {
-    const Number number = appendNode();
-    try {
-        setText(number, isFileText ? kept(entry) : copied(entry));
-        return number;
-    } catch (...) {
-        takeBack(number);
-        throw;
-    }
-}
-
-LDIF_Tree::Number LDIF_Tree::append(LDIF_Entry&& entry)
-{
-    const Number number = appendNode();
-    try {
-        objects.emplace(number, Object{std::move(entry), {}});
-    } catch (...) {
-        takeBack(number);
-        throw;
-    }
-    return number;
-}
-
-// A text that stands in the store already.
-LDIF_EntryText LDIF_Tree::kept(const LDIF_EntryText& entry) noexcept
-{
-    store.keep(entry.text);
-    return entry;
-}
-
-LDIF_EntryText LDIF_Tree::copied(LDIF_EntryText entry)
-{
-    entry.text = store.add(entry.text);
-    return entry;
+    nodes[entry] = {};
+    nodes[entry].next = std::exchange(firstVacant, entry);
 }
 
 // Removes what nothing is linked to.
 void LDIF_Tree::takeBack(Number entry) noexcept
 {
-    Node& node = nodes[entry];
+    const Node& node = nodes[entry];
     byDn.remove(node.tag, entry);
     if (node.text != nullptr)
         store.release({node.text, node.size});
     else
         objects.erase(entry);
     directory.forget(entry);
-    node = {};
-    node.next = std::exchange(firstVacant, entry);
+    vacate(entry);
 }
 
-void LDIF_Tree::setText(Number entry, const LDIF_EntryText& text) noexcept
+// isFileText: it stands in the text of the file already.
+void LDIF_Tree::setText(Number entry, const LDIF_EntryText& text, bool isFileText)
 {
     Node& node = nodes[entry];
-    node.text = text.text.data();
+    if (isFileText)
+        store.keep(text.text);
+    node.text = isFileText ? text.text.data() : store.add(text.text).data();
     node.size = static_cast<std::uint32_t>(text.text.size());
     node.dnStart = static_cast<std::uint32_t>(text.dnStart);
     node.dnSize = static_cast<std::uint32_t>(text.dnSize);
@@ -253,27 +155,25 @@ void LDIF_Tree::setText(Number entry, const LDIF_EntryText& text) noexcept
 // During a load: where the entry hangs, if that is settled already. An entry right above it is nearest.
 void LDIF_Tree::place(Number entry)
 {
-    Node& node = nodes[entry];
-    const Number above = key.levels() == 1 ? root : find(key, key.levels() - 1);
-    node.isUnsettled = above == none ? 1 : 0;
-    node.parent = above;
+    nodes[entry].parent = key.levels() == 1 ? root : find(key, key.levels() - 1);
 }
 
 void LDIF_Tree::finish()
 try {
     for (Number number = 1; number < nodes.size(); ++number) {
-        if (nodes[number].isUnsettled == 0)
+        if (nodes[number].parent != none)
             continue;
         if (number + entriesAhead < nodes.size())
             fetch(text(number + entriesAhead).dn().data());
         assignKey(number, key);
         nodes[number].parent = nearestAncestor(key);
-        noteMissingLevels(key, levels(nodes[number].parent));
+        noteMissingLevels(levels(nodes[number].parent));
     }
-    for (Number number = 1; number < nodes.size(); ++number)
-        link(number, nodes[number].parent);
+    for (Number number = 1; number < nodes.size(); ++number) {
+        if (!isVacant(number))
+            link(number, nodes[number].parent);
+    }
     finishMerged();
-    mostMissing = 2 * missingLevels.size() + fewMissing;
     store.declassifyFile();
     store.dropDeadFile();
     if (store.isWasteful())
@@ -286,86 +186,13 @@ try {
 void LDIF_Tree::dropEntries() noexcept
 {
     nodes.resize(1);
-    nodes[root].firstChild = nodes[root].lastChild = none;
+    nodes[root] = {};
     firstVacant = none;
     objects.clear();
     directory.clear();
     byDn = LDIF_HashIndex();
     missingLevels = LDIF_HashIndex();
     merged.clear();
-}
-
-LDIF_Tree::Number LDIF_Tree::find(const LDIF_DN& dn)
-{
-    key.assign(dn);
-    return find(key, key.levels());
-}
-
-LDIF_Tree::Number LDIF_Tree::find(LDIF_DnKey& wanted, std::size_t level) const
-{
-    if (level == 0)
-        return root;
-    const auto isWanted = [&](std::size_t number) { return isDn(static_cast<Number>(number), wanted, level); };
-    const std::size_t found = byDn.find(wanted.hash(level), isWanted);
-    return found == LDIF_HashIndex::npos ? none : static_cast<Number>(found);
-}
-
-// Whether the entry has the DN that lies that many levels below the root.
-bool LDIF_Tree::isDn(Number entry, LDIF_DnKey& wanted, std::size_t level) const
-{
-    const Node& node = nodes[entry];
-    if (node.levels != level)
-        return false;
-    const std::string_view wantedText = wanted.simpleText(level);
-    if (node.text != nullptr && !wantedText.empty()) {
-        const std::string_view text(node.text + node.dnStart, node.dnSize);
-        const bool isSameText = text.size() == wantedText.size() && compareFolded(text, wantedText) == 0;
-        if (isSameText || node.isLocaleBound == 0 || isSimpleDn(text))
-            return isSameText;
-    }
-    return dn(entry).startsEqual(wanted.dn(), level);
-}
-
-void LDIF_Tree::assignKey(Number entry, LDIF_DnKey& wanted) const
-{
-    if (nodes[entry].text == nullptr)
-        wanted.assign(objects.at(entry).entry.dn);
-    else
-        wanted.assign(text(entry).dn());
-}
-
-LDIF_Tree::Number LDIF_Tree::nearestAncestor(LDIF_DnKey& wanted) const
-{
-    Number above = none;
-    for (std::size_t level = wanted.levels() - 1; above == none; --level)
-        above = find(wanted, level);
-    return above;
-}
-
-void LDIF_Tree::noteMissingLevels(const LDIF_DnKey& descendant, std::size_t ancestorLevels)
-{
-    for (std::size_t level = ancestorLevels + 1; level < descendant.levels(); ++level) {
-        const std::size_t hash = descendant.hash(level);
-        if (missingLevels.find(hash, [](std::size_t) { return true; }) == LDIF_HashIndex::npos)
-            missingLevels.add(hash, 0);
-    }
-}
-
-// The children of an entry that belong below another one, whose key is at hand.
-std::vector<LDIF_Tree::Number> LDIF_Tree::childrenBelow(Number ancestor, Number entry)
-{
-    std::vector<Number> found;
-    if (missingLevels.find(key.hash(), [](std::size_t) { return true; }) == LDIF_HashIndex::npos)
-        return found;
-    LDIF_DnKey each;
-    for (Number child = firstChild(ancestor); child != none; child = nextSibling(child)) {
-        if (levels(child) <= levels(entry))
-            continue;
-        assignKey(child, each);
-        if (each.hash(levels(entry)) == key.hash() && isDn(entry, each, levels(entry)))
-            found.push_back(child);
-    }
-    return found;
 }
 
 void LDIF_Tree::link(Number entry, Number above) noexcept
@@ -436,122 +263,8 @@ LDIF_DN LDIF_Tree::dn(Number number) const
     return known != nullptr ? known->dn : LDIF_DN(cisString(std::string(text(number).dn())));
 }
 
-// Texts that lie apart are moved together, so that the next write costs less.
-std::vector<std::string_view> LDIF_Tree::pieces(const LDIF_Comment& after, std::string& buffer)
-{
-    constexpr std::size_t few = 64;
-    constexpr std::size_t most = 8;  // of so many entries one may stand apart
-    std::vector<std::string_view> found = gatherPieces(after, buffer);
-    if (found.size() <= few + nodes.size() / most + objects.size())
-        return found;
-    compact();
-    return gatherPieces(after, buffer);
-}
-
-std::vector<std::string_view> LDIF_Tree::gatherPieces(const LDIF_Comment& after, std::string& buffer)
-{
-    buffer = inFileForm(rootObject.str() + (needsBlankLine() ? "\n" : ""));
-    const std::size_t head = buffer.size();
-    buffer += inFileForm(after.str());
-    std::vector<std::string_view> found{{buffer.data(), head}};
-    for (Number each = nextBelow(root, root); each != none; each = nextBelow(each, root)) {
-        const std::string_view piece =
-            nodes[each].text != nullptr ? text(each).text : std::string_view(printedObject(each));
-        std::string_view& last = found.back();
-        if (last.data() + last.size() == piece.data())
-            last = {last.data(), last.size() + piece.size()};
-        else
-            found.push_back(piece);
-    }
-    found.emplace_back(buffer.data() + head, buffer.size() - head);
-    return found;
-}
-
-const std::string& LDIF_Tree::printedObject(Number entry)
-{
-    auto& [object, printed] = objects.at(entry);
-    if (!printed.empty())
-        return printed;
-    try {
-        object.appendTo(printed);
-        printed = inFileForm(std::move(printed));
-        return printed;
-    } catch (...) {
-        printed.clear();
-        throw;
-    }
-}
-
-// The blank lines after the root's attributes are comment lines of the first entry, if the file had any.
-bool LDIF_Tree::needsBlankLine() const noexcept
-{
-    const Number first = firstChild(root);
-    if (first == none)
-        return false;
-    if (nodes[first].text != nullptr)
-        return text(first).text.substr(0, lineEnd.size()) != lineEnd;
-    const auto& lines = object(first)->comment.lines;
-    return lines.empty() || lines.front().type != LDIF_Line::blankLine;
-}
-
-LDIF_Entry& LDIF_Tree::open(Number entry)
-{
-    if (entry == root)
-        return rootObject;
-    Node& node = nodes[entry];
-    if (node.text == nullptr) {
-        Object& known = objects.at(entry);
-        known.printed.clear();
-        return known.entry;
-    }
-    LDIF_Entry& made = objects.emplace(entry, Object{LDIF_Entry(text(entry).text), {}}).first->second.entry;
-    store.release({node.text, node.size});
-    directory.forget(entry);
-    node.text = nullptr;
-    return made;
-}
-
-// A large entry stays an object: it would be read and printed anew with each change.
-void LDIF_Tree::close(Number entry) noexcept
-try {
-    constexpr std::size_t largeEntry = std::size_t{4} << 10;
-    if (entry != root && nodes[entry].text == nullptr)
-        (void)becomeText(entry, {}, largeEntry);
-    if (store.isWasteful())
-        compact();
-} catch (...) {
-    return;  // It stays an object, which is the same to all others.
-}
-
-// Whether it has become that part of the text of the file.
-bool LDIF_Tree::becomeText(Number entry, std::string_view source, std::size_t longest)
-{
-    const LDIF_Entry& known = objects.at(entry).entry;
-    if (isLonger(known, longest))
-        return false;
-    std::string buffer;
-    LDIF_EntryText text;
-    try {
-        text = printed(known, buffer);
-    } catch (const LDIF_Exception&) {
-        return false;  // It has no text.
-    }
-    if (!readsBack(text, known))
-        return false;
-    text.isLocaleBound = !isPlain(text.text) || !isSimpleDn(text.dn()) ||
-                         std::any_of(known.attributes.begin(), known.attributes.end(), hasOddDn);
-    const bool isSource = text.text == source;
-    if (isSource)
-        text.text = source;
-    setText(entry, isSource ? kept(text) : copied(text));
-    objects.erase(entry);
-    return isSource;
-}
-
 void LDIF_Tree::add(LDIF_Entry&& entry)
 {
-    if (missingLevels.size() > mostMissing)
-        indexAnew();  // most of them have gone
     key.assign(entry.dn);
     const Number present = find(key, key.levels());
     if (present != none) {
@@ -559,17 +272,13 @@ void LDIF_Tree::add(LDIF_Entry&& entry)
         opened->merge(std::move(entry));
         return;
     }
-    const Number made = append(std::move(entry));
+    const Number above = nearestAncestor(key);
+    noteMissingLevels(levels(above));
     std::vector<Number> below;
-    Number above = none;
-    try {
-        above = nearestAncestor(key);
-        noteMissingLevels(key, levels(above));
-        below = childrenBelow(above, made);
-    } catch (...) {
-        takeBack(made);
-        throw;
-    }
+    const Number made = append([&](Number number) {
+        objects.emplace(number, Object{std::move(entry), {}});
+        below = childrenBelow(above, number);
+    });
     link(made, above);
     for (const Number each : below) {
         unlink(each);
@@ -590,75 +299,4 @@ void LDIF_Tree::erase(Number entry) noexcept
     }
     if (store.isWasteful())
         compact();
-}
-
-// Moves all texts side by side, in the order in which they are written.
-void LDIF_Tree::compact() noexcept
-try {
-    LDIF_TextStore living;
-    living.reserve(store.used());
-    for (Number each = nextBelow(root, root); each != none; each = nextBelow(each, root)) {
-        Node& node = nodes[each];
-        if (node.text != nullptr)
-            node.text = living.add({node.text, node.size}).data();
-    }
-    store = std::move(living);
-} catch (...) {
-    return;  // Until there is memory for it, the store stays as it is.
-}
-
-void LDIF_Tree::followLocale()
-{
-    if (locale->isPresent())
-        return;
-    auto present = std::make_unique<LocaleCopy>();
-    std::vector<Number> opened;
-    for (Number first = 1; first < nodes.size(); opened.clear()) {
-        first = openLocaleBound(first, opened);
-        for (const Number number : opened)
-            (void)becomeText(number, {}, std::numeric_limits<std::size_t>::max());
-    }
-    for (auto& each : objects)
-        each.second.printed.clear();
-    indexAnew();
-    locale = std::move(present);
-}
-
-// Makes objects of some entries from that one on, which are read in the former locale. Gives where to go on.
-LDIF_Tree::Number LDIF_Tree::openLocaleBound(Number first, std::vector<Number>& opened)
-{
-    constexpr std::size_t most = 1000;  // objects take much memory
-    const LocaleCopy::Use former(*locale);
-    for (; first < nodes.size() && opened.size() < most; ++first) {
-        if (nodes[first].text == nullptr || nodes[first].isLocaleBound == 0)
-            continue;
-        opened.push_back(first);
-        (void)open(first);
-    }
-    return first;
-}
-
-// After a failure all is as it was.
-void LDIF_Tree::indexAnew()
-{
-    LDIF_HashIndex index;
-    std::vector<std::uint32_t> tags(nodes.size());
-    LDIF_HashIndex formerMissing = std::exchange(missingLevels, LDIF_HashIndex());
-    try {
-        for (Number number = 1; number < nodes.size(); ++number) {
-            if (nodes[number].levels == 0)
-                continue;  // vacant
-            assignKey(number, key);
-            index.add(key.hash(), number);
-            tags[number] = static_cast<std::uint32_t>(key.hash());
-            noteMissingLevels(key, levels(nodes[number].parent));
-        }
-    } catch (...) {
-        missingLevels = std::move(formerMissing);
-        throw;
-    }
-    for (Number number = 1; number < nodes.size(); ++number)
-        nodes[number].tag = tags[number];
-    byDn = std::move(index);
-    mostMissing = 2 * missingLevels.size() + fewMissing;
 }

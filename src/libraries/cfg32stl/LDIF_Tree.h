@@ -112,19 +112,18 @@ public:
 
 private:
     struct Node {
-        const char* text;  // null for an object
-        std::uint32_t size;
-        std::uint32_t dnStart;
-        std::uint32_t dnSize;
-        Number parent;
-        Number firstChild;
-        Number lastChild;
-        Number next;
-        Number previous;
-        std::uint32_t tag;  // of the hash of the DN
+        const char* text = nullptr;  // null for an object
+        std::uint32_t size = 0;
+        std::uint32_t dnStart = 0;
+        std::uint32_t dnSize = 0;
+        Number parent = root;  // none during a load, where it may be yet to come
+        Number firstChild = none;
+        Number lastChild = none;
+        Number next = none;
+        Number previous = none;
+        std::uint32_t tag = 0;  // of the hash of the DN
         std::uint32_t levels : 30;
         std::uint32_t isLocaleBound : 1;
-        std::uint32_t isUnsettled : 1;  // during a load: its parent may be yet to come
     };
 
     struct Object {
@@ -132,27 +131,29 @@ private:
         std::string printed;  // its text in the file, or empty until that is asked for
     };
 
-    Number append(const LDIF_EntryText& entry, bool isFileText);
-    Number append(LDIF_Entry&& entry);
+    template <typename Fill>
+    Number append(Fill fill);
     Number appendNode();
+    void vacate(Number entry) noexcept;
     LDIF_Entry& open(Number entry);
     void close(Number entry) noexcept;
-    LDIF_EntryText kept(const LDIF_EntryText& entry) noexcept;
-    LDIF_EntryText copied(LDIF_EntryText entry);
     void takeBack(Number entry) noexcept;
     void place(Number entry);
-    void setText(Number entry, const LDIF_EntryText& text) noexcept;
+    void setText(Number entry, const LDIF_EntryText& text, bool isFileText);
     bool becomeText(Number entry, std::string_view source, std::size_t longest);
     bool mergeWithPresent(LDIF_Entry& entry);
     void finishMerged();
     void dropEntries() noexcept;
     void compact() noexcept;
 
+    // Whether an entry other than the root has been erased, or taken back when memory ran out in a load.
+    bool isVacant(Number entry) const noexcept { return nodes[entry].levels == 0; }
     Number find(LDIF_DnKey& wanted, std::size_t level) const;
     bool isDn(Number entry, LDIF_DnKey& wanted, std::size_t level) const;
     void assignKey(Number entry, LDIF_DnKey& wanted) const;
     Number nearestAncestor(LDIF_DnKey& wanted) const;
-    void noteMissingLevels(const LDIF_DnKey& descendant, std::size_t ancestorLevels);
+    bool isMissing(std::size_t hash) const;
+    void noteMissingLevels(std::size_t ancestorLevels);
     std::vector<Number> childrenBelow(Number ancestor, Number entry);
     void link(Number entry, Number above) noexcept;
     void unlink(Number entry) noexcept;
@@ -168,13 +169,12 @@ private:
     std::unordered_map<Number, Object> objects;
     LDIF_TextStore store;
     LDIF_HashIndex byDn;  // the entries but the root
-    LDIF_HashIndex
-        missingLevels;  // DNs that no entry has, between an entry and its parent; perhaps more than there are
-    LDIF_DnKey key;     // of the entry at hand
+    // The hashes of DNs that no entry has, between an entry and its parent; perhaps more than there are.
+    LDIF_HashIndex missingLevels;
+    LDIF_DnKey key;  // of the entry at hand
     mutable LDIF_LineDirectory directory;
     // During a load: the attributes of the entries whose DN has come more than once.
     std::unordered_map<Number, std::map<cisString, LDIF_Attribute>> merged;
-    std::size_t mostMissing = 0;         // missing levels, before they are looked for anew
     std::unique_ptr<LocaleCopy> locale;  // in which the texts are read
 };
 

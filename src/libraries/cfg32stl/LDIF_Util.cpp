@@ -1,7 +1,6 @@
 #include "LDIF_Util.h"
 
 #include "LDIF_Exception.h"
-#include "platform.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -21,7 +20,6 @@ namespace {
 
 constexpr int wideFailure = 162;
 constexpr int narrowFailure = 163;
-constexpr auto conversionFailed = static_cast<std::size_t>(-1);
 
 bool isEdge(wchar_t unit) noexcept
 {
@@ -32,7 +30,10 @@ bool isEdge(wchar_t unit) noexcept
 template <typename Text>
 std::size_t leadingEdges(const Text& text) noexcept
 {
-    return static_cast<std::size_t>(std::find_if_not(text.begin(), text.end(), isEdge) - text.begin());
+    std::size_t first = 0;
+    while (first < text.size() && isEdge(text[first]))
+        ++first;
+    return first;
 }
 
 // How many units it leaves from the front when it trims the end.
@@ -44,13 +45,28 @@ std::size_t lengthWithoutTrailing(const Text& text) noexcept
     std::size_t last = text.size() - 1;
     while (last > 0 && isEdge(text[last]))
         --last;
-    return w_my_isspace(text[last]) ? last : last + 1;
+    return isEdge(text[last]) && !w_my_isparen(text[last]) ? last : last + 1;
 }
 
-std::string& replace(std::string& text, std::string&& other) noexcept
+// Trims narrow text in its wide form, and wipes where it stood.
+std::string& stripAsWide(std::string& text, std::wstring& (*strip)(std::wstring&))
 {
+    WideText wide(text);
+    std::string stripped = wide2multibyte(strip(wide.units));
     wipe(text);
-    return text = std::move(other);
+    return text = std::move(stripped);
+}
+
+// Converts a text by mbstowcs or wcstombs. False when the locale cannot.
+template <typename From, typename To>
+bool convert(std::size_t (*call)(To*, const From*, std::size_t), const std::basic_string<From>& text,
+             std::basic_string<To>& made)
+{
+    const std::size_t length = text.empty() ? 0 : call(nullptr, text.c_str(), 0);
+    if (length == static_cast<std::size_t>(-1))
+        return false;
+    made.resize(length);
+    return length == 0 || call(made.data(), text.c_str(), length + 1) == length;
 }
 
 // The value of a hex digit, or -1.
@@ -117,14 +133,14 @@ bool isBlank(const std::string& text)
     return w_isBlank(WideText(text).units);
 }
 
-std::string_view withoutLeading(std::string_view plainText) noexcept
+std::string_view withoutLeading(std::string_view text) noexcept
 {
-    return plainText.substr(leadingEdges(plainText));
+    return text.substr(leadingEdges(text));
 }
 
-std::string_view withoutTrailing(std::string_view plainText) noexcept
+std::string_view withoutTrailing(std::string_view text) noexcept
 {
-    return plainText.substr(0, lengthWithoutTrailing(plainText));
+    return text.substr(0, lengthWithoutTrailing(text));
 }
 
 std::wstring& w_stripLeading(std::wstring& text) noexcept
@@ -135,10 +151,7 @@ std::wstring& w_stripLeading(std::wstring& text) noexcept
 
 std::string& stripLeading(std::string& text)
 {
-    if (isPlain(text))
-        return text.erase(0, leadingEdges(std::string_view(text)));
-    WideText wide(text);
-    return replace(text, wide2multibyte(w_stripLeading(wide.units)));
+    return isPlain(text) ? text.erase(0, leadingEdges(text)) : stripAsWide(text, w_stripLeading);
 }
 
 std::wstring& w_stripTrailing(std::wstring& text) noexcept
@@ -149,10 +162,7 @@ std::wstring& w_stripTrailing(std::wstring& text) noexcept
 
 std::string& stripTrailing(std::string& text)
 {
-    if (isPlain(text))
-        return text.erase(lengthWithoutTrailing(std::string_view(text)));
-    WideText wide(text);
-    return replace(text, wide2multibyte(w_stripTrailing(wide.units)));
+    return isPlain(text) ? text.erase(lengthWithoutTrailing(text)) : stripAsWide(text, w_stripTrailing);
 }
 
 bool w_hexPair(const std::wstring& text, std::size_t pos, char& byte) noexcept
@@ -195,13 +205,9 @@ std::wstring multibyte2wide(const std::string& text)
 {
     if (isPlain(text))
         return {text.begin(), text.end()};
-    const std::size_t length = text.empty() ? 0 : std::mbstowcs(nullptr, text.c_str(), 0);
     std::wstring wide;
-    if (length != conversionFailed) {
-        wide.resize(length);
-        if (length == 0 || std::mbstowcs(wide.data(), text.c_str(), length + 1) == length)
-            return wide;
-    }
+    if (convert(std::mbstowcs, text, wide))
+        return wide;
     LDIF_Exception failure(wideFailure, wideFailure, "mbstowcs( " + text + " )");
     failure.value = text;
     throw failure;
@@ -212,28 +218,10 @@ std::string wide2multibyte(const std::wstring& text)
     const auto isAscii = [](wchar_t unit) { return unit > 0 && unit < 0x80; };
     if (std::all_of(text.begin(), text.end(), isAscii) && localeHasAscii())
         return {text.begin(), text.end()};
-    const std::size_t length = text.empty() ? 0 : std::wcstombs(nullptr, text.c_str(), 0);
     std::string narrow;
-    if (length != conversionFailed) {
-        narrow.resize(length);
-        if (length == 0 || std::wcstombs(narrow.data(), text.c_str(), length + 1) == length)
-            return narrow;
-    }
+    if (convert(std::wcstombs, text, narrow))
+        return narrow;
     throw LDIF_Exception(narrowFailure, narrowFailure, "wcstombs()");
-}
-
-void wipe(std::string& text) noexcept
-{
-    text.resize(text.capacity());
-    wipe(text.data(), text.size());
-    text.clear();
-}
-
-void wipe(std::wstring& text) noexcept
-{
-    text.resize(text.capacity());
-    wipe(text.data(), text.size() * sizeof(wchar_t));
-    text.clear();
 }
 
 WideText::WideText(std::string_view narrow)

@@ -8,6 +8,8 @@
 #ifndef LDIF_UTIL_H
 #define LDIF_UTIL_H
 
+#include "platform.h"
+
 #include <algorithm>
 #include <string>
 #include <string_view>
@@ -37,9 +39,15 @@ std::string textOf(const Part& part)
 // Whether narrow and wide text are the same here, unit by unit: ASCII without NUL in a locale that knows ASCII.
 bool isPlain(std::string_view text) noexcept;
 
-// Trim as the functions below do, but text that is known to be plain.
-std::string_view withoutLeading(std::string_view plainText) noexcept;
-std::string_view withoutTrailing(std::string_view plainText) noexcept;
+// White space or a parenthesis of ASCII, which trimming removes.
+constexpr bool isEdge(char byte) noexcept
+{
+    return byte == ' ' || (byte >= '\t' && byte <= '\r') || byte == '(' || byte == ')';
+}
+
+// Trim as the functions below do, but text without white space beyond ASCII.
+std::string_view withoutLeading(std::string_view text) noexcept;
+std::string_view withoutTrailing(std::string_view text) noexcept;
 
 bool w_my_isspace(wchar_t unit) noexcept;
 bool w_my_isparen(wchar_t unit) noexcept;
@@ -76,8 +84,13 @@ std::string wide2multibyte(const std::wstring& text);
 // overwritten.
 //
 // Overwrites a text with all the memory that it has, and empties it.
-void wipe(std::string& text) noexcept;
-void wipe(std::wstring& text) noexcept;
+template <typename Text>
+void wipe(Text& text) noexcept
+{
+    text.resize(text.capacity());
+    wipe(text.data(), text.size() * sizeof text[0]);
+    text.clear();
+}
 
 // Wipes a text at the end of its own life, which is over before that of the text.
 template <typename Text>

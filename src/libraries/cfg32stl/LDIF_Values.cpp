@@ -156,18 +156,12 @@ LDIF_Values& LDIF_Values::operator-=(const std::vector<std::string>& texts)
 
 void LDIF_Values::removeMarked(const std::vector<bool>& isGone) noexcept
 {
-    if (std::find(isGone.begin(), isGone.end(), true) == isGone.end())
+    const auto isMarked = [&](const LDIF_Value& value) { return isGone[static_cast<size_type>(&value - data())]; };
+    const auto left = std::remove_if(begin(), end(), isMarked);
+    if (left == end())
         return;
     index = LDIF_HashIndex();
-    size_type kept = 0;
-    for (size_type at = 0; at < size(); ++at) {
-        if (isGone[at])
-            continue;
-        if (kept != at)
-            (*this)[kept] = std::move((*this)[at]);
-        ++kept;
-    }
-    erase(begin() + static_cast<difference_type>(kept), end());
+    erase(left, end());
 }
 
 const LDIF_Value* LDIF_Values::find(const std::string& text) const

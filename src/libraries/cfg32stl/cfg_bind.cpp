@@ -25,12 +25,8 @@ int bind(CFG& cfg, const char* dn, const char* password, int method)
     if (method != static_cast<int>(LDAP_AUTH_SIMPLE))
         throw LDIF_Exception(CFG_AUTH_UNKNOWN, CFG_AUTH_UNKNOWN, "Bind method must be one of { LDAP_AUTH_SIMPLE }");
     auto file = std::make_unique<LDIF_File>(cfg.configFile, cfg.backupFile != nullptr ? cfg.backupFile : "");
-    try {
-        if (file->setAuthentication(dn, password, method) == LDIF_File::noAccess)
-            return LDAP_INVALID_CREDENTIALS;
-    } catch (...) {
-        completeAndThrow("System error in LDIF_File::setAuthentication()", [](LDIF_Exception&) {});
-    }
+    if (file->setAuthentication(dn, password, method) == LDIF_File::noAccess)
+        return LDAP_INVALID_CREDENTIALS;
     delete cfg.file;
     cfg.file = file.release();
     return LDAP_SUCCESS;

@@ -13,26 +13,19 @@ struct berelement {
 
 namespace {
 
-void setError(CFG* cfg, int code)
+// Null, with the code in the handle.
+std::nullptr_t failed(CFG* cfg, int code)
 {
     if (cfg != nullptr)
         cfg->lastError = code;
+    return nullptr;
 }
 
 // A copy of a text; null with the code in the handle when memory is exhausted.
 char* copyOf(CFG* cfg, const char* text)
 {
     char* const copy = _strdup(text);
-    if (copy == nullptr)
-        setError(cfg, CFG_NO_MEMORY);
-    return copy;
-}
-
-// Null, with the code in the handle.
-std::nullptr_t failed(CFG* cfg, int code)
-{
-    setError(cfg, code);
-    return nullptr;
+    return copy != nullptr ? copy : failed(cfg, CFG_NO_MEMORY);
 }
 
 int countRecords(const CFGMessage* record)
