@@ -77,6 +77,19 @@ TEST(Appearance, ColourAndLinesAreForTerminalsThatShowThem)
     }
 }
 
+TEST(Questions, InitAsksForTheLogin)
+{
+    const ConfigDirectory directory;
+    const std::string made = directory / "new.conf";
+    Terminal terminal(directory.file, {"init", made});
+    terminal.answer("DN of the administrator: ", "\n");
+    terminal.answer("DN of the administrator: ", "cn=me\n");
+    terminal.answer("New password: ", "geheim\n");
+    terminal.answer("New password again: ", "geheim\n");
+    EXPECT_EQ(terminal.finish(), 0) << terminal.output;
+    EXPECT_EQ(run(made, {"-D", "cn=me", "-w", "geheim", "tree"}), 0);
+}
+
 TEST(Questions, DeleteAndRestoreAskOnATerminalAlone)
 {
     const std::vector<std::string> erase = {"delete", "-r", "cn=Configuration", "--force"};

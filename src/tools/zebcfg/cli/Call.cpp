@@ -87,22 +87,26 @@ bool Call::mayAsk() const
     return !has("yes") && !has("dry-run") && ::isatty(STDIN_FILENO) == 1 && ::isatty(STDERR_FILENO) == 1;
 }
 
-std::string Call::backupName() const
+std::string Call::backupNameFor(const std::string& file) const
 {
     if (has("no-backup"))
         return {};
     if (has("backup") && value("backup").empty())
         throw Failure(0, "-B takes the name of a file; --no-backup keeps none");
-    return value("backup", fileName() + ".bak");
+    return value("backup", file + ".bak");
 }
 
-Target Call::target() const
+std::string Call::backupName() const
+{
+    return backupNameFor(fileName());
+}
+
+Target Call::targetFor(const std::string& file) const
 {
     Target target;
-    target.file = fileName();
-    target.backup = backupName();
+    target.file = file;
+    target.backup = backupNameFor(file);
     target.generations = generations();
-    target.login = login();
     target.isDryRun = has("dry-run");
     target.isForced = has("force");
     target.hasColor = hasColor(STDOUT_FILENO);
@@ -111,23 +115,36 @@ Target Call::target() const
     return target;
 }
 
+Target Call::target() const
+{
+    Target target = targetFor(fileName());
+    target.login = login();
+    return target;
+}
+
+std::optional<std::string> Call::givenPassword() const
+{
+    if (int{has("password")} + int{has("ask-password")} + int{has("password-file")} > 1)
+        throw Failure(0, "of -w, -W and -y only one can be used");
+    if (has("password"))
+        messages().warn("the password of -w can be seen by others on this machine; use -W or -y");
+    if (has("password"))
+        return value("password");
+    if (has("password-file"))
+        return readPasswordFile(value("password-file"));
+    if (has("ask-password"))
+        return askPassword("Password for " + value("bind-dn") + ": ");
+    return std::nullopt;
+}
+
 std::optional<Login> Call::login() const
 {
-    const int sources = int{has("password")} + int{has("ask-password")} + int{has("password-file")};
-    if (sources > 1)
-        throw Failure(0, "of -w, -W and -y only one can be used");
-    if (has("bind-dn") != (sources == 1))
+    const bool hasSource = has("password") || has("ask-password") || has("password-file");
+    if (has("bind-dn") != hasSource)
         throw Failure(0, has("bind-dn") ? "-D needs a password: -W, -y or -w" : "a password needs a login: -D");
     if (!has("bind-dn"))
         return std::nullopt;
-    if (has("password"))
-        messages().warn("the password of -w can be seen by others on this machine; use -W or -y");
-    std::string password = value("password");
-    if (has("ask-password"))
-        password = askPassword("Password for " + value("bind-dn") + ": ");
-    else if (has("password-file"))
-        password = readPasswordFile(value("password-file"));
-    return Login{value("bind-dn"), password};
+    return Login{value("bind-dn"), givenPassword().value_or("")};
 }
 
 bool Call::hasColor(int descriptor) const

@@ -42,6 +42,10 @@ public:
     bool mayAsk() const;
     // Empty for no backup.
     std::string backupName() const;
+    // The same for another file, without the login.
+    Target targetFor(const std::string& file) const;
+    // The password that an option names, reads or asks for, if there is one. Throws Failure.
+    std::optional<std::string> givenPassword() const;
     // The file with what the options say of it. Asks for the login's password, or reads it. Throws Failure.
     Target target() const;
     bool isQuiet() const { return has("quiet"); }
@@ -51,6 +55,7 @@ public:
     Messages messages() const { return {isJson(), has("verbose"), isQuiet()}; }
 
 private:
+    std::string backupNameFor(const std::string& file) const;
     std::optional<Login> login() const;
     int generations() const;
 

@@ -54,6 +54,7 @@ int runDescribe(const Call& call);
 int runDiff(const Call& call);
 int runEdit(const Call& call);
 int runGet(const Call& call);
+int runInit(const Call& call);
 int runManual(const Call& call);
 int runModify(const Call& call);
 int runMove(const Call& call);

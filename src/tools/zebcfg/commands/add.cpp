@@ -6,5 +6,8 @@ int runAdd(const Call& call)
     LdifInput input;
     input.file = call.value("file", "-");
     input.needsParent = !call.has("no-parent-check");
-    return applyLdif(call.target(), input);
+    Target target = call.target();
+    if (call.has("create"))
+        target.presence = Presence::mayBeMissing;
+    return applyLdif(target, input);
 }

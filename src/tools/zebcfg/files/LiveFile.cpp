@@ -5,6 +5,9 @@
 #include "files/Descriptor.h"
 #include "files/FileName.h"
 
+#include <cerrno>
+
+#include <ldap.h>
 #include <unistd.h>
 #include <zebldapcfg.h>
 
@@ -37,10 +40,41 @@ bool endsWhole(const std::string& text)
     return !text.empty() && text.back() == '\n';
 }
 
+// A link that leads nowhere is there too.
+bool isInUse(const std::string& name)
+{
+    struct stat status = {};
+    return ::lstat(name.c_str(), &status) == 0 || errno != ENOENT;
+}
+
+struct stat statusOfNewFile()
+{
+    struct stat status = {};
+    status.st_mode = S_IFREG | S_IRUSR | S_IWUSR;
+    status.st_uid = ::geteuid();
+    status.st_gid = ::getegid();
+    status.st_nlink = 1;
+    status.st_mtime = 1;  // 0 stands for damage.
+    return status;
+}
+
 }  // namespace
 
-LiveFile::LiveFile(const std::string& name) : shown(name), resolved(resolvedName(name))
+void requireMissing(const std::string& name)
 {
+    if (isInUse(name))
+        throw Failure(LDAP_ALREADY_EXISTS, "the file exists already", name);
+}
+
+LiveFile::LiveFile(const std::string& name, Presence presence) : shown(name), resolved(resolvedName(name))
+{
+    if (presence == Presence::isMissing)
+        requireMissing(name);
+    isAbsent = presence != Presence::isThere && !isInUse(name);
+    if (isAbsent) {
+        read = statusOfNewFile();
+        return;
+    }
     if (::stat(resolved.c_str(), &read) != 0)
         throw fileFailure(CFG_ERR_CONFIG_NOT_FOUND,
                           systemFailure(CFG_CONNECT_ERROR, "the configuration file cannot be found", shown));
@@ -57,6 +91,8 @@ LiveFile::LiveFile(const std::string& name) : shown(name), resolved(resolvedName
 
 bool LiveFile::isCurrent() const
 {
+    if (isAbsent)
+        return !isInUse(shown);
     struct stat now = {};
     return ::stat(resolved.c_str(), &now) == 0 && isSameFile(now, read) && now.st_size == read.st_size &&
            isSameTime(now.st_mtim, read.st_mtim);
@@ -71,7 +107,9 @@ std::string LiveFile::damage(const std::string& backupName) const
     const std::string kept = readFile(backupName, backupName);
     if (!endsWhole(kept) || kept.size() <= content.size())
         return {};
-    return std::string(content.empty() ? "the file is empty" : "the file breaks off in its last line") +
+    return std::string(isAbsent          ? "the file is missing"
+                       : content.empty() ? "the file is empty"
+                                         : "the file breaks off in its last line") +
            ", while the backup " + backupName + " is whole; run: zebcfg restore" +
            (content.empty() ? ", or remove the backup" : ", or put a line end after the last line");
 }

@@ -6,16 +6,25 @@
 
 #include <sys/stat.h>
 
+// What an update needs: a file, a file or none, or none.
+enum class Presence { isThere, mayBeMissing, isMissing };
+
+// Throws Failure (68) for a name that is in use.
+void requireMissing(const std::string& name);
+
 // The file as it was when it was read. Symbolic links are followed once, here.
 class LiveFile {
 public:
     // Throws Failure (91) for a file that is missing, no regular file, or cannot be read.
-    explicit LiveFile(const std::string& name);
+    // One that may be missing then is an empty text for this user alone; Failure (68) for one that must be, and is not.
+    explicit LiveFile(const std::string& name, Presence presence = Presence::isThere);
 
     const std::string& shownName() const noexcept { return shown; }  // as the user calls it
     const std::string& path() const noexcept { return resolved; }
     const struct stat& status() const noexcept { return read; }
     const std::string& text() const noexcept { return content; }
+
+    bool isMissing() const noexcept { return isAbsent; }
 
     // Whether the name still stands for the file that was read, unchanged.
     bool isCurrent() const;
@@ -30,6 +39,7 @@ private:
     std::string resolved;
     struct stat read = {};
     std::string content;
+    bool isAbsent = false;
 };
 
 #endif

@@ -35,7 +35,7 @@ bool copyAccessList(int file, const std::string& source)
 {
     XattrBuffer value = {};
     const ssize_t size = ::getxattr(source.c_str(), accessList, value.data(), value.size());
-    if (size < 0 && errno != ENODATA && errno != ENOTSUP)
+    if (size < 0 && errno != ENODATA && errno != ENOTSUP && errno != ENOENT)  // A file that is made has no model.
         return false;
     if (size < 0)  // One that the directory has passed on is not to widen the mode.
         return ::fremovexattr(file, accessList) == 0 || errno == ENODATA || errno == ENOTSUP;

@@ -61,8 +61,9 @@ void requireReplaceable(const LiveFile& file, const Handling& handling)
 }
 
 Replacement::Replacement(const std::string& name, const Handling& wanted)
-    : handling(wanted), lock(resolvedName(name), wanted.wait, &isDue, wanted.note), file(name),
-      backup(wanted.backup, wanted.generations), working(siblingOf(file.path()), {file.path(), file.status()})
+    : handling(wanted), lock(resolvedName(name), wanted.wait, &isDue, wanted.note), file(name, wanted.presence),
+      backup(file.isMissing() ? "" : wanted.backup, wanted.generations),
+      working(siblingOf(file.path()), {file.path(), file.status()})
 {
     requireReplaceable(file, handling);
     backup.recover(file.text());

@@ -16,6 +16,7 @@ struct Handling {
     std::string backup;         // where the old file goes; empty for nowhere
     int generations;            // of backups that are kept
     std::chrono::seconds wait;  // for another holder of the lock
+    Presence presence;          // of the file
     bool isForced;              // replaces a file that has other names
     std::function<void(const std::string& text)> note;
 };

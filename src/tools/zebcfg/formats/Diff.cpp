@@ -150,7 +150,7 @@ void writeMissing(Writer& writer, dtl::edit_t type, const Attribute& attribute, 
             others.erase(other);
         else
             writer.line(colorOf(type),
-                        markOf(type) + visible(attribute.name + ": " + shownValue(attribute.name, value)));
+                        markOf(type) + visible(shownLine(attribute.name) + ": " + shownValue(attribute.name, value)));
     }
 }
 
@@ -183,7 +183,7 @@ void writeEntry(Writer& writer, const Entry* before, const Entry* after)
     const std::string& dn = (before != nullptr ? before : after)->dn;
     if (!writer.out.empty())
         writer.line("", "");
-    writer.line(colorOf(type), markOf(type) + visible(dn.empty() ? "dn:" : "dn: " + dn));
+    writer.line(colorOf(type), markOf(type) + visible(shownLine(dn.empty() ? "dn:" : "dn: " + dn)));
     writer.out += attributes.out;
 }
 

@@ -5,6 +5,7 @@
 #include <cerrno>
 
 #include <fcntl.h>
+#include <ldap.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -60,4 +61,18 @@ std::string askPassword(const std::string& prompt)
             throw Failure(0, "no password was given");
         password += character;
     }
+}
+
+std::string askNewPassword()
+{
+    std::string password = askPassword("New password: ");
+    if (askPassword("New password again: ") != password)
+        throw Failure(0, "the two passwords differ, and nothing is changed");
+    return password;
+}
+
+void requireClearPassword(const std::string& password)
+{
+    if (password.size() > 1 && password.front() == '>' && password.back() == '<')
+        throw Failure(LDAP_CONSTRAINT_VIOLATION, "a password between > and < would be taken for an encoded one");
 }

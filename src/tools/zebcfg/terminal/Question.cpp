@@ -5,15 +5,33 @@
 
 #include <fstream>
 
-char ask(const std::string& question, const std::string& letters)
+namespace {
+
+// Asks until the answer is accepted.
+template <typename IsAccepted>
+std::string answerTo(const std::string& question, IsAccepted isAccepted)
 {
     std::ifstream in("/dev/tty");
     std::ofstream out("/dev/tty");
     if (!in || !out)
         throw Failure(0, "there is no terminal for a question, and nothing is changed");
     for (std::string line; out << visible(question) << std::flush && std::getline(in, line);) {
-        if (line.size() == 1 && letters.find(line[0]) != std::string::npos)
-            return line[0];
+        if (isAccepted(line))
+            return line;
     }
     throw Failure(0, "there is no answer, and nothing is changed");
+}
+
+}  // namespace
+
+char ask(const std::string& question, const std::string& letters)
+{
+    return answerTo(question, [&](const std::string& line) {
+        return line.size() == 1 && letters.find(line[0]) != std::string::npos;
+    })[0];
+}
+
+std::string askLine(const std::string& question)
+{
+    return answerTo(question, [](const std::string& line) { return !line.empty(); });
 }

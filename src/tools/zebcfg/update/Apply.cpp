@@ -31,6 +31,14 @@ bool isSameSet(std::vector<std::string> left, std::vector<std::string> right)
     return left == right;
 }
 
+// A password that cannot be decoded is another one.
+bool holdsExactly(const Session& session, const std::string& dn, const Attribute& attribute)
+try {
+    return isSameSet(session.values(dn, attribute.name), attribute.values);
+} catch (const Failure&) {
+    return false;
+}
+
 bool isKept(const std::string& dn, const std::string& attribute)
 {
     return isRootDn(dn) || (isSameName(dn, configurationDn) && isLoginAttribute(attribute));
@@ -42,10 +50,13 @@ public:
     State(const Messages& messages, const WantedState& what) : wanted(what), shownName(shownInput(what.file))
     {
         read(readInput(wanted.file));
+        std::set<std::string> names;
         for (const LdifRecord& record : records) {
             for (const Change& change : record.changes)
-                messages.hintAtName(change.attribute.name);
+                names.insert(change.attribute.name);
         }
+        for (const std::string& name : names)
+            messages.hintAtName(name);
     }
 
     void apply(Changes& changes) const
@@ -106,8 +117,7 @@ private:
             return changes.add(record.dn, record.changes, wanted.needsParent);
         std::vector<Change> differing;
         for (const Change& change : record.changes) {
-            const Attribute& attribute = change.attribute;
-            if (!isSameSet(changes.session().values(record.dn, attribute.name), attribute.values))
+            if (!holdsExactly(changes.session(), record.dn, change.attribute))
                 differing.emplace_back(change).operation = LDAP_MOD_REPLACE;
         }
         if (!differing.empty())

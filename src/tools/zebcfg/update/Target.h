@@ -2,6 +2,7 @@
 #ifndef ZEBCFG_TARGET_H
 #define ZEBCFG_TARGET_H
 
+#include "files/LiveFile.h"
 #include "formats/Messages.h"
 #include "library/Session.h"
 
@@ -10,9 +11,10 @@
 #include <string>
 
 struct Target {
-    std::string file;     // as the user calls it
-    std::string backup;   // where the old file goes; empty for nowhere
-    int generations = 1;  // of backups that are kept
+    std::string file;                       // as the user calls it
+    Presence presence = Presence::isThere;  // of the file
+    std::string backup;                     // where the old file goes; empty for nowhere
+    int generations = 1;                    // of backups that are kept
     std::optional<Login> login;
     bool isDryRun = false;
     bool isForced = false;

@@ -27,13 +27,15 @@ public:
         if (isChanged)
             replacement.install();
         if (target.messages.isVerbose)
-            target.messages.say(file().shownName() + (isChanged ? " is replaced" + backupNote() : " is as it was"));
+            target.messages.say(file().shownName() + (isChanged ? doneNote() : " is as it was"));
     }
 
 private:
-    std::string backupNote() const
+    std::string doneNote() const
     {
-        return target.backup.empty() ? "" : ", and " + target.backup + " keeps the old text";
+        if (file().isMissing())
+            return " is made";
+        return " is replaced" + (target.backup.empty() ? "" : ", and " + target.backup + " keeps the old text");
     }
 
     const Target& target;
@@ -43,7 +45,7 @@ private:
 // A copy in memory, which nothing becomes of but a diff.
 class Rehearsal : public Workplace {
 public:
-    explicit Rehearsal(const Target& wanted) : target(wanted), live(wanted.file), copy(live.text())
+    explicit Rehearsal(const Target& wanted) : target(wanted), live(wanted.file, wanted.presence), copy(live.text())
     {
         requireReplaceable(live, handlingOf(wanted));
     }
@@ -63,8 +65,9 @@ private:
 
 Handling handlingOf(const Target& target)
 {
-    return {target.backup, target.generations, target.wait, target.isForced,
-            [messages = target.messages](const std::string& text) { messages.warn(text); }};
+    return {target.backup,   target.generations,
+            target.wait,     target.presence,
+            target.isForced, [messages = target.messages](const std::string& text) { messages.warn(text); }};
 }
 
 std::unique_ptr<Workplace> openWorkplace(const Target& target)
