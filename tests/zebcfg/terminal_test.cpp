@@ -183,6 +183,11 @@ TEST_F(Edit, AsksBeforeItDeletesAnEntry)
         EXPECT_EQ(terminal.finish(), *answer == 'n' ? 1 : 0) << terminal.output;
         EXPECT_EQ(readText(directory.file).find("Front End") == std::string::npos, *answer == 'y');
     }
+    Terminal terminal(directory.file, {"edit", "cn=Configuration"}, {"VISUAL=truncate -s 0"});
+    terminal.answer("(n)o: ", "y\n");
+    terminal.answer("nobody can log in", "");
+    terminal.answer("(s)how them? ", "d\n");
+    EXPECT_EQ(terminal.finish(), 1) << terminal.output;
 }
 
 // The editor ends the tool, and goes on for a while.

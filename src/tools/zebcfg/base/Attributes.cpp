@@ -1,20 +1,16 @@
 #include "base/Attributes.h"
 
+#include "base/Text.h"
+
 #include <algorithm>
-#include <cctype>
 #include <numeric>
 
 namespace {
 
-char lower(char character)
-{
-    return static_cast<char>(std::tolower(static_cast<unsigned char>(character)));
-}
-
 bool isBefore(std::string_view left, std::string_view right)
 {
     return std::lexicographical_compare(left.begin(), left.end(), right.begin(), right.end(),
-                                        [](char a, char b) { return lower(a) < lower(b); });
+                                        [](char a, char b) { return lowered(a) < lowered(b); });
 }
 
 std::vector<AttributeType> readRows()
@@ -44,7 +40,7 @@ std::size_t distance(std::string_view left, std::string_view right)
     for (const char letter : left) {
         std::size_t diagonal = row[0]++;
         for (std::size_t j = 0; j < right.size(); ++j) {
-            const std::size_t exchanged = diagonal + (lower(letter) == lower(right[j]) ? 0 : 1);
+            const std::size_t exchanged = diagonal + (lowered(letter) == lowered(right[j]) ? 0 : 1);
             diagonal = row[j + 1];
             row[j + 1] = std::min({exchanged, row[j] + 1, diagonal + 1});
         }
@@ -63,7 +59,7 @@ const std::vector<AttributeType>& attributeTypes()
 bool isSameName(std::string_view left, std::string_view right)
 {
     return std::equal(left.begin(), left.end(), right.begin(), right.end(),
-                      [](char a, char b) { return lower(a) == lower(b); });
+                      [](char a, char b) { return lowered(a) == lowered(b); });
 }
 
 const AttributeType* findAttributeType(std::string_view name)

@@ -1,22 +1,49 @@
 #include "base/Masking.h"
 
 #include "base/Attributes.h"
+#include "base/Text.h"
 
 #include <algorithm>
-#include <cctype>
 #include <sstream>
 #include <vector>
 
 namespace {
 
 constexpr char blanks[] = " \t\v\f\r";
-constexpr char marks[] = ":=";
+constexpr char blanksAndMarks[] = " \t\v\f\r:=";
 bool passwordsAreShown = false;
+
+bool isLetterOrDigit(char character)
+{
+    const char lower = lowered(character);
+    return (lower >= 'a' && lower <= 'z') || (character >= '0' && character <= '9');
+}
 
 bool isNameCharacter(char character)
 {
-    const auto byte = static_cast<unsigned char>(character);
-    return byte >= 0x80 || std::isalnum(byte) != 0 || character == '-' || character == '_' || character == '.';
+    return isLetterOrDigit(character) || character == '-' || character == '_' || character == '.' ||
+           static_cast<unsigned char>(character) >= 0x80;
+}
+
+// The letters and digits of a text in lower case.
+std::string lettersOf(std::string_view text)
+{
+    std::string letters;
+    letters.reserve(text.size());
+    for (const char character : text) {
+        if (isLetterOrDigit(character))
+            letters += lowered(character);
+    }
+    return letters;
+}
+
+// Where that many letters and digits end.
+std::size_t endOfLetters(std::string_view text, std::size_t count)
+{
+    std::size_t place = 0;
+    for (; count > 0; ++place)
+        count -= isLetterOrDigit(text[place]) ? 1 : 0;
+    return place;
 }
 
 const std::vector<std::string>& passwordNames()
@@ -32,22 +59,34 @@ const std::vector<std::string>& passwordNames()
     return names;
 }
 
-bool contains(std::string_view text, std::string_view name)
+// Where the name of an attribute for a password ends in the text, whatever joins its letters; npos for none.
+std::size_t endOfPasswordName(std::string_view text)
 {
-    return std::search(text.begin(), text.end(), name.begin(), name.end(), [](unsigned char a, unsigned char b) {
-               return std::tolower(a) == std::tolower(b);
-           }) != text.end();
+    static const std::vector<std::string> names = [] {
+        std::vector<std::string> found;
+        for (const std::string& name : passwordNames())
+            found.push_back(lettersOf(name));
+        return found;
+    }();
+    const std::string letters = lettersOf(text);
+    std::size_t count = std::string::npos;
+    for (const std::string& name : names) {
+        const auto found = letters.find(name);
+        if (found != std::string::npos)
+            count = std::min(count, found + name.size());
+    }
+    return count != std::string::npos ? endOfLetters(text, count) : count;
 }
 
-// The name of an attribute for a password, with something around it, or one that is near to it.
-bool isNearPassword(std::string_view word)
+bool contains(std::string_view text, std::string_view name)
 {
-    const AttributeType* const type = findAttributeType(word);
-    if (type != nullptr)
-        return type->syntax == Syntax::password;
-    const auto& names = passwordNames();
-    return std::any_of(names.begin(), names.end(), [&](const std::string& name) { return contains(word, name); }) ||
-           !nearest(word, names).empty();
+    return std::search(text.begin(), text.end(), name.begin(), name.end(),
+                       [](char a, char b) { return lowered(a) == lowered(b); }) != text.end();
+}
+
+bool isMisspeltPassword(std::string_view word)
+{
+    return !nearest(word, passwordNames()).empty();
 }
 
 bool soundsSecret(std::string_view name)
@@ -55,7 +94,7 @@ bool soundsSecret(std::string_view name)
     const auto endsWith = [&](std::string_view end) {
         return name.size() >= end.size() && isSameName(name.substr(name.size() - end.size()), end);
     };
-    return contains(name, "passw") || endsWith("pw") || endsWith("pwd");
+    return endsWith("pw") || endsWith("pwd") || contains(name, "passw");
 }
 
 // The bytes of the first word from a place on.
@@ -66,6 +105,58 @@ std::string_view wordFrom(std::string_view text, std::size_t place)
     return text.substr(static_cast<std::size_t>(begin - text.begin()), static_cast<std::size_t>(end - begin));
 }
 
+// What is joined to the name ends it, as long as it is short.
+std::size_t secretAfterName(const std::string& line)
+{
+    constexpr std::ptrdiff_t longestEnd = 3;
+    const auto end = line.begin() + static_cast<std::ptrdiff_t>(std::min(endOfPasswordName(line), line.size()));
+    const auto rest = std::find_if(end, line.end(), [](char character) {
+        return static_cast<unsigned char>(character) >= 0x80 || !isNameCharacter(character);
+    });
+    const auto begin = (rest - end > longestEnd ? end : rest) - line.begin();
+    return line.find_first_not_of(blanksAndMarks, static_cast<std::size_t>(begin));
+}
+
+// Whether a mark comes before the next word.
+bool isMarked(const std::string& line, std::size_t place)
+{
+    const auto begin = line.begin() + static_cast<std::ptrdiff_t>(place);
+    const auto next = std::find_if(begin, line.end(), isNameCharacter);
+    return std::any_of(begin, next, [](char character) { return character == ':' || character == '='; });
+}
+
+// The same after a word that is near to such a name, or, with a mark after it, sounds like one.
+std::size_t secretAfterWord(const std::string& line)
+{
+    for (std::string_view word = wordFrom(line, 0); !word.empty();) {
+        const auto end = static_cast<std::size_t>(word.data() + word.size() - line.data());
+        if (findAttributeType(word) == nullptr &&
+            (isMisspeltPassword(word) || (soundsSecret(word) && isMarked(line, end))))
+            return line.find_first_not_of(blanksAndMarks, end);
+        word = wordFrom(line, end);
+    }
+    return std::string::npos;
+}
+
+// Whether a refused line may be the rest of one that was broken: it has no value, and no name like a known one.
+bool isFragment(const std::string& refused)
+{
+    const auto colon = refused.find(':');
+    const std::string_view name = wordFrom(refused, 0);
+    return refused.find_first_not_of(blanks, colon + 1) == std::string::npos && findAttributeType(name) == nullptr &&
+           attributeHint(name).empty();
+}
+
+std::size_t fragmentIn(const std::string& line)
+{
+    const std::string_view name = wordFrom(line, 0);
+    const auto value =
+        line.find_first_not_of(blanksAndMarks, static_cast<std::size_t>(name.data() + name.size() - line.data()));
+    return isSameName(name, invalidLine) && value != std::string::npos && isFragment(line.substr(value))
+               ? value
+               : std::string::npos;
+}
+
 }  // namespace
 
 void showPasswords(bool areShown)
@@ -73,42 +164,35 @@ void showPasswords(bool areShown)
     passwordsAreShown = areShown;
 }
 
-// Options of the name and blanks around it do not count.
+// What stands around the name of a known attribute does not make another of it. A name that begins with a blank may
+// continue a comment that has the true one.
 bool isSecret(std::string_view attribute)
 {
-    const std::string_view name = wordFrom(attribute, 0);
-    const AttributeType* const type = findAttributeType(name);
-    return type != nullptr ? type->syntax == Syntax::password : isNearPassword(name) || soundsSecret(name);
+    const AttributeType* const type = findAttributeType(attribute);
+    if (type != nullptr || attribute.empty())
+        return type != nullptr && type->syntax == Syntax::password;
+    const std::string line = std::string(attribute) + ": value";
+    return blankAt(line, 0) != 0 || std::min(secretAfterName(line), secretAfterWord(line)) != std::string::npos;
 }
 
 std::size_t secretOf(const std::string& line)
 {
-    if (passwordsAreShown)
-        return std::string::npos;
-    for (std::string_view word = wordFrom(line, 0); !word.empty();) {
-        const auto end = static_cast<std::size_t>(word.data() + word.size() - line.data());
-        const auto next = std::find_if(line.begin() + static_cast<std::ptrdiff_t>(end), line.end(), isNameCharacter);
-        const auto value = line.find_first_not_of(std::string(blanks) + marks, end);
-        const bool isNamed =
-            line.substr(end, static_cast<std::size_t>(next - line.begin()) - end).find_first_of(marks) !=
-            std::string::npos;
-        if (value != std::string::npos && (isNearPassword(word) || (isNamed && isSecret(word))))
-            return value;
-        word = wordFrom(line, end);
-    }
-    return std::string::npos;
+    return passwordsAreShown ? std::string::npos
+                             : std::min({secretAfterName(line), secretAfterWord(line), fragmentIn(line)});
 }
 
-// The values of known attributes are what they are. Another may be a refused line, or the text that a failure without
-// an attribute is about.
+// Numbers, words and DNs are what they are. A text may be a refused line, one that a blank in front has joined to the
+// line above it, or what a failure without an attribute is about.
 std::string shownValue(const std::string& attribute, const std::string& value)
 {
     if (passwordsAreShown)
         return value;
     if (isSecret(attribute))
         return passwordMask;
+    if (isSameName(attribute, invalidLine) && isFragment(value))
+        return passwordMask;
     const AttributeType* const type = findAttributeType(attribute);
-    return type != nullptr && !isSameName(attribute, invalidLine) ? value : shownLine(value);
+    return type != nullptr && type->syntax != Syntax::text ? value : shownLine(value);
 }
 
 std::string shownLine(const std::string& line)

@@ -2,17 +2,20 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstdlib>
+#include <cwchar>
+#include <cwctype>
 #include <sstream>
 
 namespace {
 
 // The length of the control character at a place, 0 for any other: C0 without the tab, DEL, C1 and the byte order mark,
-// in UTF-8.
+// in UTF-8 or an encoding of single bytes.
 std::size_t controlAt(const std::string& text, std::size_t place)
 {
     const auto byte = static_cast<unsigned char>(text[place]);
     const auto next = static_cast<unsigned char>(place + 1 < text.size() ? text[place + 1] : '\0');
-    if ((byte < 0x20 && byte != '\t') || byte == 0x7f)
+    if ((byte < 0x80 || MB_CUR_MAX == 1) && std::iscntrl(byte) != 0 && byte != '\t')
         return 1;
     if (byte == 0xc2 && next >= 0x80 && next < 0xa0)
         return 2;
@@ -31,9 +34,24 @@ std::string replaced(std::string text, const std::string& word, const std::strin
 
 std::string lowerCase(std::string text)
 {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](unsigned char byte) { return static_cast<char>(byte < 0x80 ? std::tolower(byte) : byte); });
+    std::transform(text.begin(), text.end(), text.begin(), lowered);
     return text;
+}
+
+std::string hexOf(unsigned char byte)
+{
+    constexpr char digits[] = "0123456789abcdef";
+    return {digits[byte >> 4], digits[byte & 15]};
+}
+
+std::size_t blankAt(const std::string& text, std::size_t place)
+{
+    if (place < text.size() && std::isgraph(static_cast<unsigned char>(text[place])) != 0)
+        return 0;  // The usual line needs no conversion.
+    wchar_t unit = 0;
+    std::mbstate_t state = {};
+    const std::size_t length = std::mbrtowc(&unit, text.data() + place, text.size() - place, &state);
+    return length <= text.size() - place && std::iswspace(static_cast<std::wint_t>(unit)) != 0 ? length : 0;
 }
 
 bool hasByteOrderMark(const std::string& text)
@@ -43,16 +61,13 @@ bool hasByteOrderMark(const std::string& text)
 
 std::string visible(const std::string& text)
 {
-    constexpr char digits[] = "0123456789abcdef";
     std::string shown;
     for (std::size_t i = 0; i < text.size();) {
         std::size_t count = controlAt(text, i);
         if (count == 0)
             shown += text[i++];
-        for (; count > 0; --count, ++i) {
-            const auto byte = static_cast<unsigned char>(text[i]);
-            shown.append("\\x").append(1, digits[byte >> 4]).append(1, digits[byte & 15]);
-        }
+        for (; count > 0; --count)
+            shown += "\\x" + hexOf(static_cast<unsigned char>(text[i++]));
     }
     return shown;
 }

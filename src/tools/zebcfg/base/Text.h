@@ -4,16 +4,28 @@
 
 #include <string>
 
+// Of ASCII alone, as names of attributes are, whatever the locale.
+constexpr char lowered(char letter)
+{
+    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter | 0x20) : letter;
+}
+
 // The text with each occurrence of a word replaced. An empty word changes nothing.
 std::string replaced(std::string text, const std::string& word, const std::string& replacement);
 
 // The ASCII letters in lower case.
 std::string lowerCase(std::string text);
 
+// Two hex digits.
+std::string hexOf(unsigned char byte);
+
 // One line in which every control character, the byte order mark too, is written as \x1b and the like. Tabs are left.
 std::string visible(const std::string& text);
 // The same for each line of a text that ends with a line end.
 std::string visibleLines(const std::string& text);
+
+// The length of the white space character at a place, as the locale has it; 0 for any other.
+std::size_t blankAt(const std::string& text, std::size_t place);
 
 // Some editors write one in front of UTF-8, where it is part of the first name.
 constexpr char byteOrderMark[] = "\xEF\xBB\xBF";

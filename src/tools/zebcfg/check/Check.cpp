@@ -12,7 +12,6 @@
 #include "library/Session.h"
 
 #include <algorithm>
-#include <cctype>
 #include <map>
 #include <memory>
 #include <set>
@@ -94,8 +93,7 @@ public:
 private:
     static std::string lower(std::string name)
     {
-        std::transform(name.begin(), name.end(), name.begin(),
-                       [](unsigned char byte) { return static_cast<char>(byte < 0x80 ? std::tolower(byte) : byte); });
+        std::transform(name.begin(), name.end(), name.begin(), lowered);
         return name;
     }
 
@@ -134,8 +132,9 @@ private:
             const bool isAllowedKnown = failure.extended != CFG_ERR_INT_SYNTAX;  // The text of the others tells it.
             return findingOf(failure, line.first, isAllowedKnown ? next : allowedFor(line.name) + "; " + next);
         }
-        const std::string reason = line.hasColon ? line.name + ": the value is refused beside those before it"
-                                                 : "the line has no name and colon";
+        const std::string reason = line.hasColon
+                                       ? shownLine(line.name) + ": the value is refused beside those before it"
+                                       : "the line has no name and colon";
         return Finding(Severity::error, line.first, reason).coded(LDAP_INVALID_SYNTAX).advise(next);
     }
 
@@ -185,11 +184,11 @@ private:
         for (const ConfigLine& line : lines) {
             const std::string hint = line.isDn || !line.hasColon ? "" : attributeHint(line.name);
             if (!hint.empty() && !isSameName(line.name, invalidLine))
-                findings.push_back(
-                    Finding(Severity::note, line.first, line.name + ": the server knows no such attribute" + hint)
-                        .coded(LDAP_UNDEFINED_TYPE)
-                        .advise("its value is not checked")
-                        .about(line.name));
+                findings.push_back(Finding(Severity::note, line.first,
+                                           shownLine(line.name) + ": the server knows no such attribute" + hint)
+                                       .coded(LDAP_UNDEFINED_TYPE)
+                                       .advise("its value is not checked")
+                                       .about(shownLine(line.name)));
         }
     }
 
@@ -208,7 +207,7 @@ private:
             return;
         }
         for (const char* const name : {"zeb-slapdAdminDN", "zeb-slapdAdminPW"}) {
-            if (session.search(configurationDn, LDAP_SCOPE_BASE, std::string(name) + "=*", {"objectclass"}).empty())
+            if (!session.has(configurationDn, name))
                 findings.push_back(
                     Finding(Severity::warning, line->first, std::string(name) + ": cn=Configuration has none")
                         .coded(LDAP_NO_SUCH_ATTRIBUTE)

@@ -91,7 +91,9 @@ std::string Call::backupNameFor(const std::string& file) const
 {
     if (has("no-backup"))
         return {};
-    return has("backup") ? value("backup") : file + ".bak";
+    if (has("backup") && value("backup").empty())
+        throw Failure(0, "-B takes the name of a file; --no-backup keeps none");
+    return value("backup", file + ".bak");
 }
 
 std::string Call::backupName() const

@@ -4,6 +4,7 @@
 #include "cli/Call.h"
 #include "files/MemoryFile.h"
 #include "files/WorkFolder.h"
+#include "formats/ConfigText.h"
 #include "formats/Diff.h"
 #include "library/Dn.h"
 #include "library/Outline.h"
@@ -35,7 +36,7 @@ public:
             runEditor(folder.file(), line);
             part = folder.read();
             std::string text = section.with(part);
-            if (deletes(text) ? mayDelete() : isAccepted(text, line))
+            if ((!deletes(text) || mayDelete()) && isAccepted(text, line))
                 return text;
             if (!wantsToEditAgain(unifiedDiff(file.text(), text, file.shownName(), call.hasColor(STDERR_FILENO)))) {
                 part = section.part();
@@ -58,7 +59,7 @@ private:
     {
         if (dn.empty() && isEmpty(text) && !isEmpty(file.text()))
             throw Failure(0, "the text is empty, and nothing is changed", file.shownName());
-        return !dn.empty() && isEmpty(part);
+        return !dn.empty() && linesOf(part).empty();
     }
 
     bool mayDelete() const

@@ -101,7 +101,9 @@ bool FileLock::tryLock()
     holder = "another zebcfg";
     if (!removeLeftover(name) || !removeLeftover(fresh))
         return false;
-    file = ::open(fresh.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+    const mode_t before = ::umask(0);  // Whoever comes after a kill has to read it.
+    file = ::open(fresh.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
+    (void)::umask(before);
     if (file < 0 && errno == EEXIST)
         return false;
     if (file < 0)

@@ -11,7 +11,12 @@
 std::string resolvedName(const std::string& name)
 {
     const std::unique_ptr<char, decltype(&std::free)> path(::realpath(name.c_str(), nullptr), &std::free);
-    return path != nullptr ? path.get() : name;
+    if (path != nullptr)
+        return path.get();
+    const std::string directory = directoryOf(name);
+    const std::unique_ptr<char, decltype(&std::free)> real(
+        ::realpath(directory.empty() ? "." : directory.c_str(), nullptr), &std::free);
+    return real != nullptr ? real.get() + ('/' + name.substr(directory.size())) : name;
 }
 
 std::string directoryOf(const std::string& name)

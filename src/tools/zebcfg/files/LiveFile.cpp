@@ -29,6 +29,12 @@ Failure fileFailure(int extended, Failure failure)
     return failure;
 }
 
+bool isReadable(const std::string& name)
+{
+    struct stat status = {};
+    return ::stat(name.c_str(), &status) == 0 && S_ISREG(status.st_mode) && ::access(name.c_str(), R_OK) == 0;
+}
+
 bool endsWhole(const std::string& text)
 {
     return !text.empty() && text.back() == '\n';
@@ -96,7 +102,7 @@ std::string LiveFile::damage(const std::string& backupName) const
 {
     if (read.st_mtime == 0)
         return "the file has the modification time 0, with which every program takes it for empty; run: touch " + shown;
-    if (endsWhole(content) || backupName.empty() || ::access(backupName.c_str(), R_OK) != 0)
+    if (endsWhole(content) || !isReadable(backupName))
         return {};
     const std::string kept = readFile(backupName, backupName);
     if (!endsWhole(kept) || kept.size() <= content.size())

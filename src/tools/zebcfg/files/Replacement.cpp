@@ -7,6 +7,7 @@
 #include <ctime>
 
 #include <ldap.h>
+#include <unistd.h>
 
 namespace {
 
@@ -20,11 +21,26 @@ bool isDue(const std::string& path)
     return ::stat(path.c_str(), &status) != 0 || status.st_mtime + 1 <= now + ahead || status.st_mtime > now + ahead;
 }
 
+void noteLost(const PrivateFile& copy, const Handling& handling)
+{
+    for (const std::string& attribute : copy.lostAttributes())
+        handling.note("the extended attribute " + attribute + " of the file could not be kept");
+}
+
+// Whether an update of the file works under that name.
+bool isInUse(const std::string& path, const std::string& name)
+{
+    const std::string lock = path + ".lock";
+    return name == lock || name == siblingOf(lock) || name == siblingOf(path);
+}
+
 void requireUsableBackup(const std::string& name, const LiveFile& file)
 {
     struct stat status = {};
     if (resolvedName(name) == file.path())
         throw Failure(0, "the backup has the name of the file itself", file.shownName());
+    if (isInUse(file.path(), resolvedName(name)))
+        throw Failure(0, "the update itself needs " + name + "; name another backup with -B", file.shownName());
     if (::lstat(name.c_str(), &status) == 0 && !S_ISREG(status.st_mode))
         throw Failure(0, "the backup would replace " + name + ", which is no regular file; name another with -B",
                       file.shownName());
@@ -66,17 +82,19 @@ void Replacement::install()
     working.moveTo(file.path());
     syncDirectoryOf(file.path());
     backup.finish();
-    for (const std::string& attribute : working.lostAttributes())
-        handling.note("the extended attribute " + attribute + " of the file could not be kept");
+    noteLost(working, handling);
 }
 
 void createLike(const LiveFile& model, const std::string& name, const Handling& handling)
 {
     const std::string path = resolvedName(name);
     const FileLock lock(path, handling.wait, &isDue, handling.note);
+    if (::access(path.c_str(), F_OK) == 0)
+        throw Failure(LDAP_BUSY, "another program has made the file in the meantime; try again", name);
     PrivateFile copy(siblingOf(path), {model.path(), model.status()});
     copy.write(model.text());
     copy.sync();
     copy.moveTo(path);
     syncDirectoryOf(path);
+    noteLost(copy, handling);
 }

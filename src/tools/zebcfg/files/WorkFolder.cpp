@@ -28,14 +28,14 @@ bool isUsable(const std::string& directory)
     return fs::is_directory(directory, ignored) && ::access(directory.c_str(), W_OK | X_OK) == 0;
 }
 
-std::string baseDirectory()
+fs::path baseDirectory()
 {
     const char* const runtime = std::getenv("XDG_RUNTIME_DIR");
     for (const std::string& directory : {std::string(runtime != nullptr ? runtime : ""), std::string("/dev/shm")}) {
         if (isUsable(directory))
             return directory;
     }
-    return fs::temp_directory_path().string();
+    return fs::temp_directory_path();
 }
 
 // In ticks since the system was started; empty when there is no such process. The name in front of it may hold anything
@@ -89,18 +89,28 @@ void removeAbandoned(const std::string& base)
     }
 }
 
-// Makes a file with a name that is still free, for this user alone; negative with the reason in errno.
-int makeFile(std::string& pattern)
+// Makes a file with a name that is still free, for this user alone. False with the reason in errno.
+bool makeFile(std::string& pattern, const std::string& text)
 {
-    pattern += "XXXXXX";
-    return ::mkostemp(pattern.data(), O_CLOEXEC);
+    pattern += ".edited-XXXXXX";
+    const Descriptor file(::mkostemp(pattern.data(), O_CLOEXEC));
+    try {
+        if (file.isOpen())
+            writeAll(file.get(), text, pattern);
+        return file.isOpen();
+    } catch (const Failure&) {
+        const int error = errno;
+        (void)::unlink(pattern.c_str());
+        errno = error;
+        return false;
+    }
 }
 
 }  // namespace
 
 WorkFolder::WorkFolder(const std::string& name)
 {
-    const std::string base = baseDirectory();
+    const std::string base = baseDirectory().string();
     removeAbandoned(base);
     std::string pattern = base + '/' + nameStart(::getpid()) + "XXXXXX";
     const BlockedSignals blocked;
@@ -139,15 +149,12 @@ std::string WorkFolder::read() const
 
 std::string keepText(const std::string& text, const std::string& beside)
 {
-    std::string name = beside + ".edited-";
-    int made = makeFile(name);
-    if (made < 0) {
-        name = (fs::temp_directory_path() / (fs::path(beside).filename().string() + ".edited-")).string();
-        made = makeFile(name);
+    std::error_code ignored;
+    const fs::path plainName = "zebslapd.conf";
+    for (std::string name :
+         {beside, (fs::temp_directory_path(ignored) / plainName).string(), (baseDirectory() / plainName).string()}) {
+        if (makeFile(name, text))
+            return name;
     }
-    const Descriptor file(made);
-    if (!file.isOpen())
-        throw systemFailure(0, "cannot keep the edited text");
-    writeAll(file.get(), text, name);
-    return name;
+    throw systemFailure(0, "cannot keep the edited text");
 }

@@ -25,8 +25,8 @@ private:
     int lock = -1;  // on the directory; an editor that outlives the process holds it too
 };
 
-// Writes the text to a new file beside another one, or else in the directory for temporary files, where it stays. Only
-// this user may read it. Gives its name.
+// Writes the text to a new file beside another one, or else where there is room for it, where it stays. Only this user
+// may read it. Gives its name.
 std::string keepText(const std::string& text, const std::string& beside);
 
 #endif

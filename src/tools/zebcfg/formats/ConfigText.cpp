@@ -25,12 +25,10 @@ std::vector<std::string> physicalLines(const std::string& text)
 
 bool isBlank(const std::string& line)
 {
-    return line.find_first_not_of(whiteSpace) == std::string::npos;
-}
-
-bool continues(const std::string& line)
-{
-    return !line.empty() && std::string(whiteSpace).find(line.front()) != std::string::npos;
+    std::size_t place = 0;
+    while (const std::size_t length = blankAt(line, place))
+        place += length;
+    return place == line.size();
 }
 
 ConfigLine readLine(const std::string& text)
@@ -66,8 +64,8 @@ std::vector<ConfigLine> linesOf(const std::string& text)
             continue;
         ConfigLine line = readLine(physical[i]);
         line.first = static_cast<int>(i) + 1;
-        while (i + 1 < physical.size() && continues(physical[i + 1]))
-            line.value += physical[++i].substr(1);
+        for (; i + 1 < physical.size() && blankAt(physical[i + 1], 0) != 0; ++i)
+            line.value += physical[i + 1].substr(blankAt(physical[i + 1], 0));
         line.last = static_cast<int>(i) + 1;
         line.value = trimmedValue(line.value);
         if (line.isDn)

@@ -32,9 +32,13 @@ bool operator==(const Line& left, const Line& right)
     return left.text == right.text;
 }
 
-bool continuesLine(const std::string& line)
+// The bytes that a line which continues another has in front: a blank, and carriage returns, which do not count. 0 for
+// any other line.
+std::size_t leadOf(const std::string& line)
 {
-    return !line.empty() && (line.front() == ' ' || line.front() == '\t');
+    const std::size_t place = std::min(line.find_first_not_of('\r'), line.size());
+    const std::size_t length = blankAt(line, place);
+    return length != 0 ? place + length : 0;
 }
 
 // A line may be broken anywhere, also within the name: what counts is the whole. It may also stand for itself, for some
@@ -55,11 +59,12 @@ std::vector<Line> linesOf(const std::string& text)
     for (auto first = lines.begin(); first != lines.end();) {
         std::string whole = first->text;
         auto end = std::next(first);
-        for (; end != lines.end() && continuesLine(end->text); ++end)
-            whole += end->text.substr(1);
+        for (; end != lines.end() && leadOf(end->text) != 0; ++end)
+            whole += end->text.substr(leadOf(end->text));
         const std::size_t secret = secretOf(whole);
         std::size_t begin = 0;
-        for (std::size_t lead = 0; first != end; ++first, lead = 1) {
+        for (bool isFirst = true; first != end; ++first, isFirst = false) {
+            const std::size_t lead = isFirst ? 0 : leadOf(first->text);
             first->shown = visible(shownPart(first->text, lead, begin, secret));
             begin += first->text.size() - lead;
         }
@@ -125,44 +130,39 @@ const Entry* findIn(const EntriesByDn& entries, const std::string& dn)
     return found != entries.end() ? found->second : nullptr;
 }
 
-std::multiset<std::string> valuesOf(const Entry* entry, const std::string& name)
+// An attribute with that name, or without values where there is none.
+Attribute attributeIn(const Entry& entry, const std::string& name)
 {
-    if (entry == nullptr)
-        return {};
-    for (const Attribute& attribute : entry->attributes) {
-        if (isSameName(attribute.name, name))
-            return {attribute.values.begin(), attribute.values.end()};
-    }
-    return {};
+    const auto found = std::find_if(entry.attributes.begin(), entry.attributes.end(),
+                                    [&](const Attribute& attribute) { return isSameName(attribute.name, name); });
+    return found != entry.attributes.end() ? *found : Attribute{name, {}};
 }
 
-// A value of one side that the other does not have.
-void writeMissing(Writer& writer, dtl::edit_t type, const Attribute& attribute, std::multiset<std::string> others)
+// The values of one side that the other does not have.
+void writeMissing(Writer& writer, dtl::edit_t type, const Attribute& attribute, const Attribute& other)
 {
+    std::multiset<std::string> others(other.values.begin(), other.values.end());
     for (const std::string& value : attribute.values) {
-        const auto other = others.find(value);
-        if (other != others.end())
-            others.erase(other);
+        const auto known = others.find(value);
+        if (known != others.end())
+            others.erase(known);
         else
             writer.line(colorOf(type),
                         markOf(type) + visible(shownLine(attribute.name) + ": " + shownValue(attribute.name, value)));
     }
 }
 
-// The values of an attribute that went and came, one after the other.
-void writeAttributes(Writer& writer, const Entry* before, const Entry* after)
+// The values of each attribute that were removed and added, one after the other.
+void writeAttributes(Writer& writer, const Entry& before, const Entry& after)
 {
-    const Entry none;
-    for (const Attribute& attribute : (before != nullptr ? before : &none)->attributes) {
-        writeMissing(writer, dtl::SES_DELETE, attribute, valuesOf(after, attribute.name));
-        for (const Attribute& other : (after != nullptr ? after : &none)->attributes) {
-            if (isSameName(other.name, attribute.name))
-                writeMissing(writer, dtl::SES_ADD, other, valuesOf(before, other.name));
-        }
+    for (const Attribute& attribute : before.attributes) {
+        const Attribute other = attributeIn(after, attribute.name);
+        writeMissing(writer, dtl::SES_DELETE, attribute, other);
+        writeMissing(writer, dtl::SES_ADD, other, attribute);
     }
-    for (const Attribute& other : (after != nullptr ? after : &none)->attributes) {
-        if (valuesOf(before, other.name).empty())
-            writeMissing(writer, dtl::SES_ADD, other, {});
+    for (const Attribute& attribute : after.attributes) {
+        if (attributeIn(before, attribute.name).values.empty())
+            writeMissing(writer, dtl::SES_ADD, attribute, {});
     }
 }
 
@@ -171,7 +171,7 @@ void writeEntry(Writer& writer, const Entry* before, const Entry* after)
 {
     Writer attributes(writer);
     attributes.out.clear();
-    writeAttributes(attributes, before, after);
+    writeAttributes(attributes, before != nullptr ? *before : Entry(), after != nullptr ? *after : Entry());
     if (before != nullptr && after != nullptr && attributes.out.empty())
         return;
     const dtl::edit_t type = before == nullptr ? dtl::SES_ADD : after == nullptr ? dtl::SES_DELETE : dtl::SES_COMMON;
@@ -194,8 +194,8 @@ std::string unifiedDiff(const std::string& before, const std::string& after, con
     diff.compose();
     diff.composeUnifiedHunks();
     Writer writer(isColored);
-    writer.line(bold, "--- " + shownName);
-    writer.line(bold, "+++ " + shownName + " (new)");
+    writer.line(bold, "--- " + visible(shownName));
+    writer.line(bold, "+++ " + visible(shownName) + " (new)");
     for (const auto& hunk : diff.getUniHunks()) {
         writer.line(cyan, "@@ -" + rangeOf(hunk.b == 0 ? 0 : hunk.a, hunk.b) + " +" +
                               rangeOf(hunk.d == 0 ? 0 : hunk.c, hunk.d) + " @@");

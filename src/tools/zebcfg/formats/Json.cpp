@@ -5,6 +5,7 @@
 #include "base/Entry.h"
 #include "base/Failure.h"
 #include "base/Masking.h"
+#include "base/Text.h"
 #include "formats/JsonObject.h"
 
 namespace {
@@ -32,12 +33,27 @@ JsonObject inUtf8(const JsonObject& object)
     return result;
 }
 
+// DEL and C1 stand in texts only. JSON would have them as they are, but they are not for a terminal.
+std::string withoutControls(const std::string& json)
+{
+    std::string escaped;
+    for (std::size_t i = 0; i < json.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(json[i]);
+        const auto next = static_cast<unsigned char>(i + 1 < json.size() ? json[i + 1] : '\0');
+        if (byte == 0xc2 && next >= 0x80 && next < 0xa0)
+            escaped += "\\u00" + hexOf(static_cast<unsigned char>(json[++i]));
+        else
+            escaped += byte == 0x7f ? "\\u007f" : std::string(1, json[i]);
+    }
+    return escaped;
+}
+
 }  // namespace
 
 // Bytes that are no UTF-8 become replacement characters.
 std::string textOf(const JsonObject& object, int indentation)
 {
-    return inUtf8(object).dump(indentation, ' ', false, JsonObject::error_handler_t::replace);
+    return withoutControls(inUtf8(object).dump(indentation, ' ', false, JsonObject::error_handler_t::replace));
 }
 
 JsonObject objectOf(const AttributeType& type)
@@ -93,7 +109,7 @@ std::string toJson(const std::vector<Entry>& entries)
     for (const Entry& entry : entries) {
         JsonObject attributes = JsonObject::object();
         for (const Attribute& attribute : entry.attributes) {
-            JsonObject& values = attributes[attribute.name] = JsonObject::array();
+            JsonObject& values = attributes[shownLine(attribute.name)] = JsonObject::array();
             for (const std::string& value : attribute.values)
                 values.push_back(shownValue(attribute.name, value));
         }

@@ -82,11 +82,11 @@ std::string toLdif(const Entry& entry, bool namesOnly, std::size_t wrap)
     appendLine(text, LDIF_PUT_VALUE, "dn", entry.dn, wrap);
     for (const Attribute& attribute : entry.attributes) {
         if (namesOnly) {
-            appendLine(text, LDIF_PUT_NOVALUE, attribute.name, "", wrap);
+            appendLine(text, LDIF_PUT_NOVALUE, shownLine(attribute.name), "", wrap);
             continue;
         }
         for (const std::string& value : attribute.values)
-            appendLine(text, LDIF_PUT_VALUE, attribute.name, shownValue(attribute.name, value), wrap);
+            appendLine(text, LDIF_PUT_VALUE, shownLine(attribute.name), shownValue(attribute.name, value), wrap);
     }
     return text + '\n';
 }
@@ -155,7 +155,7 @@ public:
         Attribute attribute{std::string(name.bv_val, name.bv_len), {}};
         attribute.values.emplace_back(value.bv_val != nullptr ? std::string(value.bv_val, value.bv_len) : "");
         if (attribute.values.front().find('\0') != std::string::npos)
-            throw failure(LDAP_INVALID_SYNTAX, attribute.name + ": the value holds a NUL byte");
+            throw failure(LDAP_INVALID_SYNTAX, shownLine(attribute.name) + ": the value holds a NUL byte");
         return inLocale(attribute);
     }
 
@@ -227,11 +227,11 @@ public:
         record.line = stream.firstLine();
         record.text = stream.record();
         advance();
-        if (line != nullptr && !isSeparator() && isSameName(current.name, "version"))
+        if (line != nullptr && !isSeparator && isSameName(current.name, "version"))
             readVersion();
         if (line == nullptr)
             return false;
-        if (isSeparator() || !isSameName(current.name, "dn"))
+        if (isSeparator || !isSameName(current.name, "dn"))
             throw stream.failure(0, "a record begins with its dn");
         record.dn = current.values.front();
         record.line = stream.lineNumber();
@@ -249,12 +249,11 @@ public:
     }
 
 private:
-    bool isSeparator() const { return std::strcmp(line, "-") == 0; }
-
     void advance()
     {
         line = stream.nextLine();
-        if (line != nullptr && !isSeparator())
+        isSeparator = line != nullptr && std::strcmp(line, "-") == 0;
+        if (line != nullptr && !isSeparator)
             current = stream.parse(line);
     }
 
@@ -262,13 +261,13 @@ private:
     {
         if (current.values.front() != "1")
             throw stream.failure(LDAP_UNWILLING_TO_PERFORM,
-                                 "version 1 of LDIF can be read, not " + current.values.front());
+                                 "version 1 of LDIF can be read, not " + shownLine(current.values.front()));
         advance();
     }
 
     void readType()
     {
-        if (line == nullptr || isSeparator())
+        if (line == nullptr || isSeparator)
             return;
         if (isSameName(current.name, "control"))
             throw stream.failure(LDAP_UNWILLING_TO_PERFORM, "controls are not supported");
@@ -284,14 +283,14 @@ private:
         else if (isSameName(type, "modrdn") || isSameName(type, "moddn"))
             record.type = LdifRecord::move;
         else
-            throw stream.failure(0, "there is no changetype " + type);
+            throw stream.failure(0, "there is no changetype " + shownLine(type));
         advance();
     }
 
     void readAttributes()
     {
         for (; line != nullptr; advance()) {
-            if (isSeparator())
+            if (isSeparator)
                 throw stream.failure(0, "a line \"-\" ends a modification, and there is none");
             const auto known = std::find_if(record.changes.begin(), record.changes.end(), [&](const Change& change) {
                 return isSameName(change.attribute.name, current.name);
@@ -308,10 +307,10 @@ private:
         while (line != nullptr) {
             Change& change =
                 record.changes.emplace_back(Change{operation(), {current.values.front(), {}}, stream.lineNumber()});
-            for (advance(); line != nullptr && !isSeparator(); advance()) {
+            for (advance(); line != nullptr && !isSeparator; advance()) {
                 if (!isSameName(current.name, change.attribute.name))
-                    throw stream.failure(0, current.name + " stands where values of " + change.attribute.name +
-                                                " or a line \"-\" are expected");
+                    throw stream.failure(0, shownLine(current.name) + " stands where values of " +
+                                                shownLine(change.attribute.name) + " or a line \"-\" are expected");
                 addValue(change);
             }
             if (line != nullptr)
@@ -341,7 +340,7 @@ private:
 
     void requireLine(const char* name) const
     {
-        if (line == nullptr || isSeparator() || !isSameName(current.name, name))
+        if (line == nullptr || isSeparator || !isSameName(current.name, name))
             throw stream.failure(0, "a modrdn has the lines newrdn, deleteoldrdn and, to move the entry elsewhere, "
                                     "newsuperior");
     }
@@ -354,7 +353,7 @@ private:
 
     int operation() const
     {
-        if (!isSeparator()) {
+        if (!isSeparator) {
             if (isSameName(current.name, "add"))
                 return LDAP_MOD_ADD;
             if (isSameName(current.name, "delete"))
@@ -368,7 +367,8 @@ private:
     Stream& stream;
     LdifRecord& record;
     char* line = nullptr;
-    Attribute current;  // the line taken apart, unless it is a separator
+    bool isSeparator = false;  // "-" alone; taking a line apart cuts it
+    Attribute current;         // the line taken apart, unless it is a separator
 };
 
 const std::string& LdifReader::record() const

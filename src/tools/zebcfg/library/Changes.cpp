@@ -21,7 +21,7 @@ constexpr const char* loginNames[] = {"objectclass", "zeb-slapdAdminDN", "zeb-sl
 Failure attributeFailure(int code, const std::string& dn, const std::string& name, const std::string& text)
 {
     Failure failure(code, text);
-    failure.attribute = name;
+    failure.attribute = shownLine(name);
     failure.entry = dn;
     return failure;
 }
@@ -50,8 +50,31 @@ void atLineOf(const Change& change, Body body)
 try {
     body();
 } catch (Failure& failure) {
-    failure.inputLine = lineOf(change, failure.value);
+    if (failure.inputLine == 0)
+        failure.inputLine = lineOf(change, failure.value);
     throw;
+}
+
+// The place of the first value that an earlier one is the same as; the number of values without one.
+std::size_t placeOfSecond(const std::vector<std::string>& values, bool (*isSame)(std::string_view, std::string_view))
+{
+    std::size_t place = 0;
+    while (place < values.size() && std::none_of(values.data(), values.data() + place, [&](const std::string& earlier) {
+               return isSame(earlier, values[place]);
+           }))
+        ++place;
+    return place;
+}
+
+// The line of the input with that value. Case counts unless nothing else is the same.
+int lineOfSecond(const Change& change)
+{
+    const auto& values = change.attribute.values;
+    std::size_t place =
+        placeOfSecond(values, [](std::string_view left, std::string_view right) { return left == right; });
+    if (place == values.size())
+        place = placeOfSecond(values, &isSameName);
+    return place < change.valueLines.size() ? change.valueLines[place] : change.line;
 }
 
 // A value that the file cannot hold would come back as another one, or as several.
@@ -139,10 +162,14 @@ void Changes::requireNameAndValues(const std::string& dn, const Attribute& attri
     usedNames.push_back(name);
 }
 
-void Changes::requireEachOnce(const std::string& dn, const Attribute& attribute) const
+void Changes::requireEachOnce(const std::string& dn, const Change& change) const
 {
-    if (opened->values(dn, attribute.name).size() != attribute.values.size())
-        throw attributeFailure(LDAP_TYPE_OR_VALUE_EXISTS, dn, attribute.name, "a value is given twice");
+    const Attribute& attribute = change.attribute;
+    if (opened->values(dn, attribute.name).size() == attribute.values.size())
+        return;
+    Failure failure = attributeFailure(LDAP_TYPE_OR_VALUE_EXISTS, dn, attribute.name, "a value is given twice");
+    failure.inputLine = lineOfSecond(change);
+    throw failure;
 }
 
 void Changes::requireParent(const std::string& dn, const std::string& advice) const
@@ -167,7 +194,7 @@ void Changes::add(const std::string& dn, const std::vector<Change>& attributes, 
         addEntry(dn, attributes);
         for (const Change& change : attributes) {
             atLineOf(change, [&] {
-                requireEachOnce(dn, change.attribute);
+                requireEachOnce(dn, change);
                 requireSingle(dn, change);
             });
         }
@@ -205,7 +232,7 @@ void Changes::modify(const std::string& dn, const std::vector<Change>& changes)
         }
         for (auto change = changes.rbegin(); change != changes.rend(); ++change)
             atLineOf(*change, [&] { requireSingle(dn, *change); });
-        requireLogin(dn, loginBefore);
+        requireLogin(dn, loginBefore, changes);
     });
 }
 
@@ -234,7 +261,7 @@ void Changes::replaceValues(const std::string& dn, const Change& change)
     const bool isThere = !opened->search(dn, LDAP_SCOPE_BASE, attribute.name + "=*", {"objectclass"}).empty();
     if (isThere || !attribute.values.empty())
         opened->modify(dn, {change});
-    requireEachOnce(dn, attribute);
+    requireEachOnce(dn, change);
 }
 
 // A file that has several values already keeps them.
@@ -266,14 +293,21 @@ std::vector<std::string> Changes::loginAttributes(const std::string& dn) const
     return found;
 }
 
-void Changes::requireLogin(const std::string& dn, const std::vector<std::string>& before) const
+void Changes::requireLogin(const std::string& dn, const std::vector<std::string>& before,
+                           const std::vector<Change>& changes) const
 {
     if (isForced)
         return;
     for (const std::string& name : before) {
-        if (!opened->has(dn, name))
-            throw attributeFailure(LDAP_OBJECT_CLASS_VIOLATION, dn, name,
-                                   "without it nobody can log in; --force removes it");
+        if (opened->has(dn, name))
+            continue;
+        Failure failure =
+            attributeFailure(LDAP_OBJECT_CLASS_VIOLATION, dn, name, "without it nobody can log in; --force removes it");
+        for (const Change& change : changes) {
+            if (isSameName(change.attribute.name, name))
+                failure.inputLine = change.line;
+        }
+        throw failure;
     }
 }
 

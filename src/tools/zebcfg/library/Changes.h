@@ -57,10 +57,11 @@ private:
     void addEntry(const std::string& dn, const std::vector<Change>& attributes);
     void applyChange(const std::string& dn, const Change& change);
     void replaceValues(const std::string& dn, const Change& change);
-    void requireEachOnce(const std::string& dn, const Attribute& attribute) const;
+    void requireEachOnce(const std::string& dn, const Change& change) const;
     void requireSingle(const std::string& dn, const Change& change) const;
     std::vector<std::string> loginAttributes(const std::string& dn) const;
-    void requireLogin(const std::string& dn, const std::vector<std::string>& before) const;
+    void requireLogin(const std::string& dn, const std::vector<std::string>& before,
+                      const std::vector<Change>& changes) const;
 
     const std::string path;
     const std::string shownName;

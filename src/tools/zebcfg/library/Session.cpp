@@ -84,14 +84,13 @@ bool isTextFailure(int code)
 
 std::string escapedForFilter(const std::string& value)
 {
-    constexpr char digits[] = "0123456789abcdef";
     std::string escaped;
     for (const char character : value) {
         const auto byte = static_cast<unsigned char>(character);
         if (std::isalnum(byte) != 0 && byte < 0x80)
             escaped += character;
         else
-            escaped.append(1, '\\').append(1, digits[byte >> 4]).append(1, digits[byte & 15]);
+            escaped += '\\' + hexOf(byte);
     }
     return escaped;
 }
@@ -201,7 +200,10 @@ bool Session::exists(const std::string& dn) const
 
 bool Session::has(const std::string& dn, const std::string& attribute) const
 {
-    return !search(dn, LDAP_SCOPE_BASE, attribute + "=*", {"1.1"}).empty();
+    if (isPassword(attribute))
+        return !search(dn, LDAP_SCOPE_BASE, attribute + "=*", {"1.1"}).empty();
+    const auto found = values(dn, attribute);
+    return std::any_of(found.begin(), found.end(), [](const std::string& value) { return !value.empty(); });
 }
 
 Failure Session::missingEntry(const std::string& dn) const

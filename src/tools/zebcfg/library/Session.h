@@ -29,7 +29,7 @@ public:
     std::vector<Entry> search(const std::string& base, int scope, const std::string& filter = {},
                               const std::vector<std::string>& names = {}) const;
     bool exists(const std::string& dn) const;
-    // Whether the entry has any value of the attribute. No password is decoded.
+    // Whether the entry has a value of the attribute that is not empty. No password is decoded.
     bool has(const std::string& dn, const std::string& attribute) const;
     // Failure (32) for a DN in the library's spelling that does not exist.
     Failure missingEntry(const std::string& dn) const;

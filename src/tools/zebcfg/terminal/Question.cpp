@@ -1,6 +1,7 @@
 #include "terminal/Question.h"
 
 #include "base/Failure.h"
+#include "base/Text.h"
 
 #include <fstream>
 
@@ -14,7 +15,7 @@ std::string answerTo(const std::string& question, IsAccepted isAccepted)
     std::ofstream out("/dev/tty");
     if (!in || !out)
         throw Failure(0, "there is no terminal for a question, and nothing is changed");
-    for (std::string line; out << question << std::flush && std::getline(in, line);) {
+    for (std::string line; out << visible(question) << std::flush && std::getline(in, line);) {
         if (isAccepted(line))
             return line;
     }

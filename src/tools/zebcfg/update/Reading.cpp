@@ -1,6 +1,7 @@
 #include "update/Reading.h"
 
 #include "base/Attributes.h"
+#include "base/Masking.h"
 
 namespace {
 
@@ -20,6 +21,6 @@ Reading::Reading(const Target& target)
 Failure missingAttribute(const std::string& name, const std::string& shownFile)
 {
     Failure failure(LDAP_NO_SUCH_ATTRIBUTE, "the entry has no such attribute" + attributeHint(name), shownFile);
-    failure.attribute = name;
+    failure.attribute = shownLine(name);
     return failure;
 }
