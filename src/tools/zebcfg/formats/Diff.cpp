@@ -155,14 +155,14 @@ void writeMissing(Writer& writer, dtl::edit_t type, const Attribute& attribute, 
 // The values of each attribute that were removed and added, one after the other.
 void writeAttributes(Writer& writer, const Entry& before, const Entry& after)
 {
-    for (const Attribute& attribute : before.attributes) {
-        const Attribute other = attributeIn(after, attribute.name);
-        writeMissing(writer, dtl::SES_DELETE, attribute, other);
-        writeMissing(writer, dtl::SES_ADD, other, attribute);
+    for (const Attribute& old : before.attributes) {
+        const Attribute present = attributeIn(after, old.name);
+        writeMissing(writer, dtl::SES_DELETE, old, present);
+        writeMissing(writer, dtl::SES_ADD, present, old);
     }
-    for (const Attribute& attribute : after.attributes) {
-        if (attributeIn(before, attribute.name).values.empty())
-            writeMissing(writer, dtl::SES_ADD, attribute, {});
+    for (const Attribute& present : after.attributes) {
+        if (attributeIn(before, present.name).values.empty())
+            writeMissing(writer, dtl::SES_ADD, present, {});
     }
 }
 
