@@ -2,7 +2,7 @@
 #include "platform.h"
 #include "zebldapcfg.h"
 
-#include <cstring>
+#include <cstdio>
 #include <memory>
 
 namespace {
@@ -42,11 +42,7 @@ const char* getDefaultConfigFilename(void)
     const char* const installPath = getInstallPath();
     if (installPath == nullptr)
         return nullptr;
-    filepath[0] = '\0';
-    for (const char* part : {installPath, pathSeparator, "etc", pathSeparator, "zebslapd.conf"}) {
-        if (std::strlen(filepath) + std::strlen(part) >= bufferSize)
-            return nullptr;
-        std::strcat(filepath, part);
-    }
-    return filepath;
+    const int length =
+        std::snprintf(filepath, bufferSize, "%s%setc%szebslapd.conf", installPath, pathSeparator, pathSeparator);
+    return length > 0 && length < static_cast<int>(bufferSize) ? filepath : nullptr;
 }

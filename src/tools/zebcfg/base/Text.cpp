@@ -32,6 +32,12 @@ std::string replaced(std::string text, const std::string& word, const std::strin
     return text;
 }
 
+std::string lowerCase(std::string text)
+{
+    std::transform(text.begin(), text.end(), text.begin(), lowered);
+    return text;
+}
+
 std::string hexOf(unsigned char byte)
 {
     constexpr char digits[] = "0123456789abcdef";
@@ -46,13 +52,6 @@ std::size_t blankAt(const std::string& text, std::size_t place)
     std::mbstate_t state = {};
     const std::size_t length = std::mbrtowc(&unit, text.data() + place, text.size() - place, &state);
     return length <= text.size() - place && std::iswspace(static_cast<std::wint_t>(unit)) != 0 ? length : 0;
-}
-
-std::string lowerCase(std::string text)
-{
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](unsigned char byte) { return static_cast<char>(byte < 0x80 ? std::tolower(byte) : byte); });
-    return text;
 }
 
 bool hasByteOrderMark(const std::string& text)

@@ -13,11 +13,11 @@ constexpr char lowered(char letter)
 // The text with each occurrence of a word replaced. An empty word changes nothing.
 std::string replaced(std::string text, const std::string& word, const std::string& replacement);
 
-// Two hex digits.
-std::string hexOf(unsigned char byte);
-
 // The ASCII letters in lower case.
 std::string lowerCase(std::string text);
+
+// Two hex digits.
+std::string hexOf(unsigned char byte);
 
 // One line in which every control character, the byte order mark too, is written as \x1b and the like. Tabs are left.
 std::string visible(const std::string& text);

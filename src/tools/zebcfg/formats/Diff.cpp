@@ -130,44 +130,39 @@ const Entry* findIn(const EntriesByDn& entries, const std::string& dn)
     return found != entries.end() ? found->second : nullptr;
 }
 
-std::multiset<std::string> valuesOf(const Entry* entry, const std::string& name)
+// An attribute with that name, or without values where there is none.
+Attribute attributeIn(const Entry& entry, const std::string& name)
 {
-    if (entry == nullptr)
-        return {};
-    for (const Attribute& attribute : entry->attributes) {
-        if (isSameName(attribute.name, name))
-            return {attribute.values.begin(), attribute.values.end()};
-    }
-    return {};
+    const auto found = std::find_if(entry.attributes.begin(), entry.attributes.end(),
+                                    [&](const Attribute& attribute) { return isSameName(attribute.name, name); });
+    return found != entry.attributes.end() ? *found : Attribute{name, {}};
 }
 
-// A value of one side that the other does not have.
-void writeMissing(Writer& writer, dtl::edit_t type, const Attribute& attribute, std::multiset<std::string> others)
+// The values of one side that the other does not have.
+void writeMissing(Writer& writer, dtl::edit_t type, const Attribute& attribute, const Attribute& other)
 {
+    std::multiset<std::string> others(other.values.begin(), other.values.end());
     for (const std::string& value : attribute.values) {
-        const auto other = others.find(value);
-        if (other != others.end())
-            others.erase(other);
+        const auto known = others.find(value);
+        if (known != others.end())
+            others.erase(known);
         else
             writer.line(colorOf(type),
                         markOf(type) + visible(shownLine(attribute.name) + ": " + shownValue(attribute.name, value)));
     }
 }
 
-// The values of an attribute that went and came, one after the other.
-void writeAttributes(Writer& writer, const Entry* before, const Entry* after)
+// The values of each attribute that were removed and added, one after the other.
+void writeAttributes(Writer& writer, const Entry& before, const Entry& after)
 {
-    const Entry none;
-    for (const Attribute& attribute : (before != nullptr ? before : &none)->attributes) {
-        writeMissing(writer, dtl::SES_DELETE, attribute, valuesOf(after, attribute.name));
-        for (const Attribute& other : (after != nullptr ? after : &none)->attributes) {
-            if (isSameName(other.name, attribute.name))
-                writeMissing(writer, dtl::SES_ADD, other, valuesOf(before, other.name));
-        }
+    for (const Attribute& old : before.attributes) {
+        const Attribute present = attributeIn(after, old.name);
+        writeMissing(writer, dtl::SES_DELETE, old, present);
+        writeMissing(writer, dtl::SES_ADD, present, old);
     }
-    for (const Attribute& other : (after != nullptr ? after : &none)->attributes) {
-        if (valuesOf(before, other.name).empty())
-            writeMissing(writer, dtl::SES_ADD, other, {});
+    for (const Attribute& present : after.attributes) {
+        if (attributeIn(before, present.name).values.empty())
+            writeMissing(writer, dtl::SES_ADD, present, {});
     }
 }
 
@@ -176,7 +171,7 @@ void writeEntry(Writer& writer, const Entry* before, const Entry* after)
 {
     Writer attributes(writer);
     attributes.out.clear();
-    writeAttributes(attributes, before, after);
+    writeAttributes(attributes, before != nullptr ? *before : Entry(), after != nullptr ? *after : Entry());
     if (before != nullptr && after != nullptr && attributes.out.empty())
         return;
     const dtl::edit_t type = before == nullptr ? dtl::SES_ADD : after == nullptr ? dtl::SES_DELETE : dtl::SES_COMMON;

@@ -38,19 +38,25 @@ char byteAt(const std::string& text, std::size_t at)
     return static_cast<char>(std::stoi(text.substr(at, 2), nullptr, radix));
 }
 
+// Takes a hex pair, or else one character.
+char takeByte(const std::string& text, std::size_t& at)
+{
+    const bool isByte = isHexPair(text, at);
+    const char byte = isByte ? byteAt(text, at) : text[at];
+    at += isByte ? 2 : 1;
+    return byte;
+}
+
 // value = "#" *hexpair / quote quoted quote / plain, where an escape is a backslash and a hex pair or a character
 std::string plainValue(const std::string& value)
 {
-    const bool isHex = !value.empty() && value.front() == '#';
-    const bool isQuoted = value.size() > 1 && value.front() == '"';
-    const std::size_t end = value.size() - (isQuoted ? 1 : 0);
+    const char form = value.empty() ? '\0' : value.front();
+    const std::size_t end = value.size() - (form == '"' && value.size() > 1 ? 1 : 0);
     std::string plain;
-    for (std::size_t i = isHex || isQuoted ? 1 : 0; i < end; ++i) {
-        const bool isEscaped = value[i] == '\\' && i + 1 < end;
-        i += isEscaped ? 1 : 0;
-        const bool isByte = (isHex || isEscaped) && isHexPair(value, i);
-        plain += isByte ? byteAt(value, i) : value[i];
-        i += isByte ? 1 : 0;
+    for (std::size_t at = form == '#' || form == '"' ? 1 : 0; at < end;) {
+        const bool isEscaped = value[at] == '\\' && at + 1 < end;
+        at += isEscaped ? 1 : 0;
+        plain += isEscaped || form == '#' ? takeByte(value, at) : value[at++];
     }
     return plain;
 }
