@@ -1,14 +1,30 @@
 #include "base/Attributes.h"
 
+#include "base/Answers.h"
+
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <numeric>
+#include <unordered_map>
 
 namespace {
 
+// In lower case, as the locale has it. A call for each byte would be most of the cost of a comparison.
+const std::array<char, 256>& lowerLetters()
+{
+    static const auto letters = [] {
+        std::array<char, 256> table = {};
+        for (int byte = 0; byte < 256; ++byte)
+            table[static_cast<std::size_t>(byte)] = static_cast<char>(std::tolower(byte));
+        return table;
+    }();
+    return letters;
+}
+
 char lower(char character)
 {
-    return static_cast<char>(std::tolower(static_cast<unsigned char>(character)));
+    return lowerLetters()[static_cast<unsigned char>(character)];
 }
 
 bool isBefore(std::string_view left, std::string_view right)
@@ -36,6 +52,22 @@ std::string describeLength(const AttributeType& type, const std::string& noun)
                              : noun + " of " + std::to_string(type.minimum) + " to " + most;
 }
 
+// Without regard to case.
+struct HashOfName {
+    std::size_t operator()(std::string_view name) const
+    {
+        const auto& letters = lowerLetters();
+        std::size_t hash = 0;
+        for (const unsigned char byte : name)
+            hash = hash * 31 + static_cast<unsigned char>(letters[byte]);
+        return hash;
+    }
+};
+
+struct EqualNames {
+    bool operator()(std::string_view left, std::string_view right) const { return isSameName(left, right); }
+};
+
 // The number of letters that have to be put in, taken out or exchanged to make one word of the other.
 std::size_t distance(std::string_view left, std::string_view right)
 {
@@ -62,17 +94,22 @@ const std::vector<AttributeType>& attributeTypes()
 
 bool isSameName(std::string_view left, std::string_view right)
 {
-    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
-                      [](char a, char b) { return lower(a) == lower(b); });
+    const auto& letters = lowerLetters();
+    return left.size() == right.size() &&
+           std::equal(left.begin(), left.end(), right.begin(),
+                      [&](unsigned char a, unsigned char b) { return a == b || letters[a] == letters[b]; });
 }
 
 const AttributeType* findAttributeType(std::string_view name)
 {
-    const auto& rows = attributeTypes();
-    const auto found =
-        std::lower_bound(rows.begin(), rows.end(), name,
-                         [](const AttributeType& row, std::string_view wanted) { return isBefore(row.name, wanted); });
-    return found != rows.end() && isSameName(found->name, name) ? &*found : nullptr;
+    static const auto rowsByName = [] {
+        std::unordered_map<std::string_view, const AttributeType*, HashOfName, EqualNames> rows;
+        for (const AttributeType& row : attributeTypes())
+            rows.emplace(row.name, &row);
+        return rows;
+    }();
+    const auto found = rowsByName.find(name);
+    return found != rowsByName.end() ? found->second : nullptr;
 }
 
 bool isPassword(std::string_view name)
@@ -105,7 +142,7 @@ std::string describeValues(const AttributeType& type)
 
 std::string nearest(std::string_view word, const std::vector<std::string>& candidates)
 {
-    std::size_t best = std::min<std::size_t>(word.size() / 3 + 1, 3);  // as far as a slip of the fingers goes
+    std::size_t best = std::min(word.size() / 3, mostSlips) + 1;
     std::string found;
     for (const std::string& candidate : candidates) {
         const std::size_t length = candidate.size();
@@ -122,9 +159,13 @@ std::string nearest(std::string_view word, const std::vector<std::string>& candi
 
 std::string attributeHint(std::string_view name)
 {
-    std::vector<std::string> names;
-    for (const AttributeType& type : attributeTypes())
-        names.push_back(type.name);
-    const std::string found = findAttributeType(name) == nullptr ? nearest(name, names) : "";
+    static const std::vector<std::string> names = [] {
+        std::vector<std::string> known;
+        for (const AttributeType& type : attributeTypes())
+            known.push_back(type.name);
+        return known;
+    }();
+    static Answers<std::string> answers([](std::string_view asked) { return nearest(asked, names); });
+    const std::string found = findAttributeType(name) == nullptr ? answers.of(name) : "";
     return found.empty() ? "" : " (did you mean " + found + "?)";
 }

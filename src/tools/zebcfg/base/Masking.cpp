@@ -1,8 +1,10 @@
 #include "base/Masking.h"
 
+#include "base/Answers.h"
 #include "base/Attributes.h"
 
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <sstream>
 #include <vector>
@@ -13,28 +15,50 @@ constexpr char blanks[] = " \t\v\f\r";
 constexpr char marks[] = ":=";
 bool passwordsAreShown = false;
 
-bool isNameCharacter(char character)
+// A letter or digit of ASCII.
+constexpr bool isLetter(char character)
 {
-    const auto byte = static_cast<unsigned char>(character);
-    return byte >= 0x80 || std::isalnum(byte) != 0 || character == '-' || character == '_' || character == '.';
+    return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z') ||
+           (character >= '0' && character <= '9');
 }
 
-// The letters and digits of a text in lower case, and where they stand.
-struct Letters {
-    explicit Letters(std::string_view text)
-    {
-        for (std::size_t i = 0; i < text.size(); ++i) {
-            const auto byte = static_cast<unsigned char>(text[i]);
-            if (byte >= 0x80 || std::isalnum(byte) == 0)
-                continue;
-            joined += static_cast<char>(std::tolower(byte));
-            places.push_back(i);
-        }
-    }
+constexpr auto nameCharacters = [] {
+    std::array<bool, 256> table = {};
+    for (std::size_t byte = 0; byte < table.size(); ++byte)
+        table[byte] = byte >= 0x80 || isLetter(static_cast<char>(byte)) || byte == '-' || byte == '_' || byte == '.';
+    return table;
+}();
 
-    std::string joined;
-    std::vector<std::size_t> places;
-};
+bool isNameCharacter(char character)
+{
+    return nameCharacters[static_cast<unsigned char>(character)];
+}
+
+bool hasMark(std::string_view text)
+{
+    return std::any_of(text.begin(), text.end(), [](char character) { return character == ':' || character == '='; });
+}
+
+// The letters and digits of a text in lower case.
+std::string lettersOf(std::string_view text)
+{
+    std::string letters;
+    letters.reserve(text.size());
+    for (const char character : text) {
+        if (isLetter(character))
+            letters += static_cast<char>(character >= 'A' && character <= 'Z' ? character - 'A' + 'a' : character);
+    }
+    return letters;
+}
+
+// The place after that many letters and digits.
+std::size_t placeAfterLetters(std::string_view text, std::size_t count)
+{
+    std::size_t place = 0;
+    for (; count > 0; ++place)
+        count -= isLetter(text[place]) ? 1 : 0;
+    return place;
+}
 
 const std::vector<std::string>& passwordNames()
 {
@@ -49,21 +73,39 @@ const std::vector<std::string>& passwordNames()
     return names;
 }
 
-// Where the name of an attribute for a password ends in the text, whatever joins its letters; npos for none.
-std::size_t endOfPasswordName(std::string_view text)
+// Their letters alone.
+const std::vector<std::string>& joinedNames()
 {
     static const std::vector<std::string> names = [] {
         std::vector<std::string> joined;
         for (const std::string& name : passwordNames())
-            joined.push_back(Letters(name).joined);
+            joined.push_back(lettersOf(name));
         return joined;
     }();
-    const Letters letters(text);
+    return names;
+}
+
+// In letters. What is shorter cannot be or hold such a name, which spares most words of a file a comparison.
+std::size_t shortestName()
+{
+    static const std::size_t length =
+        std::min_element(joinedNames().begin(), joinedNames().end(), [](const auto& left, const auto& right) {
+            return left.size() < right.size();
+        })->size();
+    return length;
+}
+
+// Where the name of an attribute for a password ends in the text, whatever joins its letters; npos for none.
+std::size_t endOfPasswordName(std::string_view text)
+{
     std::size_t end = std::string::npos;
-    for (const std::string& name : names) {
-        const auto found = letters.joined.find(name);
+    if (text.size() < shortestName())
+        return end;
+    const std::string letters = lettersOf(text);
+    for (const std::string& name : joinedNames()) {
+        const auto found = letters.find(name);
         if (found != std::string::npos)
-            end = std::min(end, letters.places[found + name.size() - 1] + 1);
+            end = std::min(end, placeAfterLetters(text, found + name.size()));
     }
     return end;
 }
@@ -78,10 +120,15 @@ bool contains(std::string_view text, std::string_view name)
 // The name of an attribute for a password, with something in it or around it, or one that is near to it.
 bool isNearPassword(std::string_view word)
 {
+    if (word.size() + mostSlips < shortestName())
+        return false;
     const AttributeType* const type = findAttributeType(word);
     if (type != nullptr)
         return type->syntax == Syntax::password;
-    return endOfPasswordName(word) != std::string::npos || !nearest(word, passwordNames()).empty();
+    if (endOfPasswordName(word) != std::string::npos)
+        return true;
+    static Answers<bool> answers([](std::string_view asked) { return !nearest(asked, passwordNames()).empty(); });
+    return answers.of(word);
 }
 
 bool soundsSecret(std::string_view name)
@@ -115,13 +162,17 @@ std::size_t secretAfterName(const std::string& line)
 // The same after a word that is near to such a name, or, with a mark after it, sounds like one.
 std::size_t secretAfterWord(const std::string& line)
 {
+    const bool mayBeNamed = hasMark(line);
     for (std::string_view word = wordFrom(line, 0); !word.empty();) {
         const auto end = static_cast<std::size_t>(word.data() + word.size() - line.data());
+        if (!mayBeNamed && !isNearPassword(word)) {
+            word = wordFrom(line, end);
+            continue;
+        }
         const auto next = std::find_if(line.begin() + static_cast<std::ptrdiff_t>(end), line.end(), isNameCharacter);
         const auto value = line.find_first_not_of(std::string(blanks) + marks, end);
         const bool isNamed =
-            line.substr(end, static_cast<std::size_t>(next - line.begin()) - end).find_first_of(marks) !=
-            std::string::npos;
+            hasMark(std::string_view(line).substr(end, static_cast<std::size_t>(next - line.begin()) - end));
         if (value != std::string::npos && (isNearPassword(word) || (isNamed && isSecret(word))))
             return value;
         word = wordFrom(line, end);
@@ -168,8 +219,10 @@ bool isSecret(std::string_view attribute)
 
 std::size_t secretOf(const std::string& line)
 {
-    return passwordsAreShown ? std::string::npos
-                             : std::min({secretAfterName(line), secretAfterWord(line), fragmentIn(line)});
+    const bool isShort = line.size() + mostSlips < shortestName();
+    if (passwordsAreShown || (isShort && !hasMark(line)))
+        return std::string::npos;
+    return std::min({secretAfterName(line), secretAfterWord(line), fragmentIn(line)});
 }
 
 // Numbers, words and DNs are what they are. A text may be a refused line, one that a blank in front has joined to the
@@ -178,11 +231,11 @@ std::string shownValue(const std::string& attribute, const std::string& value)
 {
     if (passwordsAreShown)
         return value;
-    if (isSecret(attribute))
+    const AttributeType* const type = findAttributeType(attribute);
+    if (type == nullptr ? isSecret(attribute) : type->syntax == Syntax::password)
         return passwordMask;
     if (isSameName(attribute, invalidLine) && isFragment(value))
         return passwordMask;
-    const AttributeType* const type = findAttributeType(attribute);
     return type != nullptr && type->syntax != Syntax::text ? value : shownLine(value);
 }
 
