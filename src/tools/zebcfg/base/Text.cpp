@@ -37,8 +37,10 @@ std::string hexOf(unsigned char byte)
     return {digits[byte >> 4], digits[byte & 15]};
 }
 
-std::size_t blankAt(const std::string& text, std::size_t place)
+std::size_t blankAt(std::string_view text, std::size_t place)
 {
+    if (place >= text.size() || (text[place] > ' ' && text[place] <= '~'))
+        return 0;  // in every locale
     wchar_t unit = 0;
     std::mbstate_t state = {};
     const std::size_t length = std::mbrtowc(&unit, text.data() + place, text.size() - place, &state);

@@ -3,6 +3,7 @@
 #define ZEBCFG_TEXT_H
 
 #include <string>
+#include <string_view>
 
 // The text with each occurrence of a word replaced. An empty word changes nothing.
 std::string replaced(std::string text, const std::string& word, const std::string& replacement);
@@ -16,7 +17,7 @@ std::string visible(const std::string& text);
 std::string visibleLines(const std::string& text);
 
 // The length of the white space character at a place, as the locale has it; 0 for any other.
-std::size_t blankAt(const std::string& text, std::size_t place);
+std::size_t blankAt(std::string_view text, std::size_t place);
 
 // Some editors write one in front of UTF-8, where it is part of the first name.
 constexpr char byteOrderMark[] = "\xEF\xBB\xBF";

@@ -2,11 +2,14 @@
 
 #include "base/Failure.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <string_view>
 
 #include <fcntl.h>
 #include <ldap.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 Descriptor::~Descriptor()
@@ -33,29 +36,79 @@ int openForReading(const std::string& name) noexcept
     return file < 0 && errno == EPERM ? ::open(name.c_str(), flags) : file;
 }
 
-std::string readAll(int file, const std::string& shownName)
+namespace {
+
+// Hands over what is left to read, piece by piece, until take gives false.
+template <typename Take>
+void readPieces(int file, const std::string& shownName, Take take)
 {
-    std::string text;
     std::array<char, 65536> buffer = {};
     for (;;) {
         const ssize_t count = ::read(file, buffer.data(), buffer.size());
-        if (count == 0)
-            return text;
         if (count < 0 && errno != EINTR)
             throw systemFailure(LDAP_OTHER, "cannot read", shownName);
-        text.append(buffer.data(), count > 0 ? static_cast<std::size_t>(count) : 0);
+        if (count == 0 || (count > 0 && !take(std::string_view(buffer.data(), static_cast<std::size_t>(count)))))
+            return;
     }
+}
+
+Descriptor openedFile(const std::string& name, const std::string& shownName)
+{
+    const int file = openForReading(name);
+    if (file < 0)
+        throw systemFailure(LDAP_OTHER, "cannot open", shownName);
+    return Descriptor(file);
+}
+
+}  // namespace
+
+std::string readAll(int file, const std::string& shownName)
+{
+    std::string text;
+    struct stat status = {};
+    if (::fstat(file, &status) == 0 && S_ISREG(status.st_mode))
+        text.reserve(static_cast<std::size_t>(status.st_size));
+    readPieces(file, shownName, [&](std::string_view piece) {
+        text += piece;
+        return true;
+    });
+    return text;
 }
 
 std::string readFile(const std::string& name, const std::string& shownName)
 {
-    const Descriptor file(openForReading(name));
-    if (!file.isOpen())
-        throw systemFailure(LDAP_OTHER, "cannot open", shownName);
-    return readAll(file.get(), shownName);
+    return readAll(openedFile(name, shownName).get(), shownName);
 }
 
-void writeAll(int file, const std::string& text, const std::string& shownName)
+bool holdsText(const std::string& name, const std::string& text, const std::string& shownName)
+{
+    std::string_view rest = text;
+    bool isSame = true;
+    readPieces(openedFile(name, shownName).get(), shownName, [&](std::string_view piece) {
+        isSame = rest.substr(0, piece.size()) == piece;
+        rest.remove_prefix(std::min(piece.size(), rest.size()));
+        return isSame;
+    });
+    return isSame && rest.empty();
+}
+
+bool isSameContent(const std::string& name, const std::string& other, const std::string& shownName)
+{
+    const Descriptor otherFile = openedFile(other, shownName);
+    off_t done = 0;
+    bool isSame = true;
+    std::array<char, 65536> buffer = {};
+    readPieces(openedFile(name, shownName).get(), shownName, [&](std::string_view piece) {
+        const ssize_t count = ::pread(otherFile.get(), buffer.data(), piece.size(), done);
+        isSame = count >= 0 && piece == std::string_view(buffer.data(), static_cast<std::size_t>(count));
+        done += static_cast<off_t>(piece.size());
+        return isSame;
+    });
+    struct stat status = {};
+    return isSame && ::fstat(otherFile.get(), &status) == 0 && status.st_size == done;
+}
+
+void writeAll(int file, std::string_view text, const std::string& shownName)
 {
     for (std::size_t done = 0; done < text.size();) {
         const ssize_t count = ::write(file, text.data() + done, text.size() - done);
@@ -63,6 +116,14 @@ void writeAll(int file, const std::string& text, const std::string& shownName)
             throw systemFailure(LDAP_OTHER, "cannot write " + shownName + ", and nothing is changed");
         done += count > 0 ? static_cast<std::size_t>(count) : 0;
     }
+}
+
+void copyAll(const std::string& name, int target, const std::string& shownName)
+{
+    readPieces(openedFile(name, shownName).get(), shownName, [&](std::string_view piece) {
+        writeAll(target, piece, shownName);
+        return true;
+    });
 }
 
 void overwriteFile(const std::string& name, const std::string& text)

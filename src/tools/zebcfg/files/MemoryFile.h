@@ -9,8 +9,12 @@
 class MemoryFile {
 public:
     explicit MemoryFile(const std::string& text);
+    // With the content of another file, which messages call shownName.
+    MemoryFile(const std::string& source, const std::string& shownName);
     // A name under which this process can open it.
     std::string name() const { return file.name(); }
+    // Throws when there is no room for as many bytes more.
+    void requireRoomFor(std::size_t size) const;
 
 private:
     const Descriptor file;

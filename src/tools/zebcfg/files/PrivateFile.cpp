@@ -105,25 +105,22 @@ PrivateFile::~PrivateFile()
     keepOnSignals(path);
 }
 
-std::string PrivateFile::openName() const
+void PrivateFile::clear()
 {
-    constexpr std::size_t longest = 260;
-    return path.size() <= longest ? path : file.name();
+    if (::ftruncate(file.get(), 0) != 0 || ::lseek(file.get(), 0, SEEK_SET) != 0)
+        throw systemFailure(LDAP_OTHER, "cannot write " + path);
 }
 
 void PrivateFile::write(const std::string& text)
 {
-    if (::ftruncate(file.get(), 0) != 0 || ::lseek(file.get(), 0, SEEK_SET) != 0)
-        throw systemFailure(LDAP_OTHER, "cannot write " + path);
+    clear();
     writeAll(file.get(), text, path);
 }
 
-void PrivateFile::requireRoomFor(std::size_t size)
+void PrivateFile::take(const std::string& source)
 {
-    const off_t end = ::lseek(file.get(), 0, SEEK_END);
-    writeAll(file.get(), std::string(size, '\n'), path);
-    if (end < 0 || ::ftruncate(file.get(), end) != 0)
-        throw systemFailure(LDAP_OTHER, "cannot write " + path);
+    clear();
+    copyAll(source, file.get(), path);
 }
 
 void PrivateFile::sync()

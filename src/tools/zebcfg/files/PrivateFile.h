@@ -25,12 +25,11 @@ public:
     PrivateFile& operator=(const PrivateFile&) = delete;
     ~PrivateFile();
 
-    // A name under which this process can open it: the library takes none that is longer than 260 bytes.
-    std::string openName() const;
-    // Replaces the content.
+    // A name under which this process can open it, as long as it has not been moved.
+    std::string openName() const { return file.name(); }
+    // Replaces the content, by a text or by the content of a file.
     void write(const std::string& text);
-    // Throws when there is no room for as many bytes more.
-    void requireRoomFor(std::size_t size);
+    void take(const std::string& source);
     void sync();
     // Programs notice a change by the modification time in whole seconds: it is made later than the other one, unless
     // that is more than a second ahead of the clock, and then is another one all the same.
@@ -41,6 +40,8 @@ public:
     const std::vector<std::string>& lostAttributes() const noexcept { return lost; }
 
 private:
+    void clear();
+
     const std::string path;
     Descriptor file;
     bool isMoved = false;

@@ -81,15 +81,19 @@ bool isReadableValue(const std::string& value)
 Changes::Changes(std::string copyPath, std::string shown, std::optional<Login> wanted, bool force)
     : path(std::move(copyPath)), shownName(std::move(shown)), login(std::move(wanted)), isForced(force)
 {
+    checkpoint = readFile(path, shownName);
     open();
-    // What the library changes at its first write is no part of the changes that are compared later.
+    // What the library changes at its first write is no part of the changes that are compared later. The same text
+    // again would load as the same entries.
     opened->flush();
-    open();
-    if (!opened->search("", LDAP_SCOPE_BASE, "charset=*").empty())
-        return;
-    opened->modify("", {{LDAP_MOD_ADD, {"charset", {::nl_langinfo(CODESET)}}}});
-    if (opened->search("", LDAP_SCOPE_BASE, "version=*").empty())
-        opened->modify("", {{LDAP_MOD_ADD, {"version", {"1"}}}});
+    if (!holdsText(path, checkpoint, shownName))
+        open();
+    if (opened->search("", LDAP_SCOPE_BASE, "charset=*").empty()) {
+        opened->modify("", {{LDAP_MOD_ADD, {"charset", {::nl_langinfo(CODESET)}}}});
+        if (opened->search("", LDAP_SCOPE_BASE, "version=*").empty())
+            opened->modify("", {{LDAP_MOD_ADD, {"version", {"1"}}}});
+    }
+    keepCheckpoint();
 }
 
 void Changes::open()
@@ -97,16 +101,41 @@ void Changes::open()
     opened = std::make_unique<Session>(path, shownName, login);
 }
 
+void Changes::keepCheckpoint()
+{
+    calls.clear();
+    if (!holdsText(path, checkpoint, shownName))
+        checkpoint = readFile(path, shownName);
+}
+
 void Changes::step(const std::function<void()>& body)
 {
-    const std::string before = readFile(path, shownName);
+    const std::size_t before = calls.size();
     try {
         body();
     } catch (const Failure&) {
-        overwriteFile(path, before);
-        open();
+        if (calls.size() > before)
+            goBack(before);
         throw;
     }
+}
+
+// Each call writes the file as a whole, so a copy at each step would double the work: the calls since the last copy are
+// made again.
+void Changes::goBack(std::size_t count)
+{
+    calls.resize(count);
+    overwriteFile(path, checkpoint);
+    open();
+    for (const auto& call : calls)
+        call(*opened);
+    keepCheckpoint();
+}
+
+void Changes::make(Call call)
+{
+    calls.push_back(std::move(call));
+    calls.back()(*opened);
 }
 
 void Changes::requireNameAndValues(const std::string& dn, const Attribute& attribute)
@@ -153,12 +182,32 @@ void Changes::add(const std::string& dn, const std::vector<Change>& attributes, 
         for (const Change& change : attributes)
             atLineOf(change, [&] { requireNameAndValues(dn, change.attribute); });
         addEntry(dn, attributes);
+        if (hasPlainly(dn, attributes))
+            return;
         for (const Change& change : attributes) {
             atLineOf(change, [&] {
                 requireEachOnce(dn, change);
                 requireSingle(dn, change);
             });
         }
+    });
+}
+
+// Whether one search shows that the entry has each value once and no single value twice, as nearly every one does.
+bool Changes::hasPlainly(const std::string& dn, const std::vector<Change>& attributes) const
+{
+    if (attributes.empty())
+        return true;
+    const auto found = opened->search(dn, LDAP_SCOPE_BASE, attributes.front().attribute.name + "=*");
+    return !found.empty() && std::all_of(attributes.begin(), attributes.end(), [&](const Change& change) {
+        const Attribute& wanted = change.attribute;
+        const AttributeType* const type = findAttributeType(wanted.name);
+        const bool isPlain = wanted.values.size() < 2 || type == nullptr || !type->isSingle;
+        const auto& names = found.front().attributes;
+        const auto present = std::find_if(names.begin(), names.end(), [&](const Attribute& candidate) {
+            return isSameName(candidate.name, wanted.name);
+        });
+        return isPlain && present != names.end() && present->values.size() == wanted.values.size();
     });
 }
 
@@ -169,7 +218,7 @@ void Changes::addEntry(const std::string& dn, const std::vector<Change>& attribu
     for (const Change& change : attributes)
         entry.attributes.push_back(change.attribute);
     try {
-        opened->add(entry);
+        make([entry](Session& session) { session.add(entry); });
     } catch (Failure& failure) {
         for (const Change& change : attributes) {
             if (isSameName(change.attribute.name, failure.attribute))
@@ -206,13 +255,15 @@ void Changes::applyChange(const std::string& dn, const Change& change)
     if (attribute.values.empty() && isAdded)
         throw attributeFailure(0, dn, attribute.name, "there is no value to add");
     if (attribute.values.empty())
-        opened->modify(dn, {change});
+        make([dn, change](Session& session) { session.modify(dn, {change}); });
     for (const std::string& value : attribute.values) {
         if (opened->holds(dn, attribute.name, value) == isAdded)
             throw valueFailure(
                 isAdded ? LDAP_TYPE_OR_VALUE_EXISTS : LDAP_NO_SUCH_ATTRIBUTE, dn, {attribute.name, {value}},
                 '"' + shownValue(attribute.name, value) + (isAdded ? "\" is there already" : "\" is not there"));
-        opened->modify(dn, {{change.operation, {attribute.name, {value}}}});
+        make([dn, single = Change{change.operation, {attribute.name, {value}}}](Session& session) {
+            session.modify(dn, {single});
+        });
     }
 }
 
@@ -221,7 +272,7 @@ void Changes::replaceValues(const std::string& dn, const Change& change)
     const Attribute& attribute = change.attribute;
     const bool isThere = !opened->search(dn, LDAP_SCOPE_BASE, attribute.name + "=*", {"objectclass"}).empty();
     if (isThere || !attribute.values.empty())
-        opened->modify(dn, {change});
+        make([dn, change](Session& session) { session.modify(dn, {change}); });
     requireEachOnce(dn, change);
 }
 
@@ -278,7 +329,7 @@ void Changes::erase(const std::string& dn, bool withChildren)
         throw Failure(LDAP_UNWILLING_TO_PERFORM, "the root cannot be deleted");
     if (!isForced && !loginAttributes(dn).empty())
         throw Failure(LDAP_OBJECT_CLASS_VIOLATION, "without cn=Configuration nobody can log in; --force deletes it");
-    step([&] { opened->erase(dn, withChildren); });
+    step([&] { make([dn, withChildren](Session& session) { session.erase(dn, withChildren); }); });
 }
 
 void Changes::apply(const LdifRecord& record, bool needsParent)

@@ -31,10 +31,17 @@ public:
     const std::vector<std::string>& names() const noexcept { return usedNames; }
 
 private:
+    // A call of the library that changes the copy.
+    using Call = std::function<void(Session& session)>;
+
     void open();
+    void make(Call call);
+    void keepCheckpoint();
+    void goBack(std::size_t count);
     void step(const std::function<void()>& body);
     void requireNameAndValues(const std::string& dn, const Attribute& attribute);
     void addEntry(const std::string& dn, const std::vector<Change>& attributes);
+    bool hasPlainly(const std::string& dn, const std::vector<Change>& attributes) const;
     void applyChange(const std::string& dn, const Change& change);
     void replaceValues(const std::string& dn, const Change& change);
     void requireEachOnce(const std::string& dn, const Change& change) const;
@@ -50,6 +57,8 @@ private:
     std::unique_ptr<Session> opened;
     const DnSpeller spelled;
     std::vector<std::string> usedNames;
+    std::string checkpoint;   // the copy as it was at one time
+    std::vector<Call> calls;  // since then
 };
 
 #endif

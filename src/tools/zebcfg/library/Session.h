@@ -15,6 +15,12 @@
 // The entry that the login stands in.
 constexpr char configurationDn[] = "cn=Configuration";
 
+struct ResultRelease {
+    void operator()(CFGMessage* result) const noexcept { cfg_msgfree(result); }
+};
+// The library's records of what a search has found.
+using SearchResult = std::unique_ptr<CFGMessage, ResultRelease>;
+
 struct Login {
     std::string dn;
     std::string password;
@@ -28,6 +34,9 @@ public:
     // An empty filter stands for (objectclass=*); no names means all attributes.
     std::vector<Entry> search(const std::string& base, int scope, const std::string& filter = {},
                               const std::vector<std::string>& names = {}) const;
+    // The same as it comes from the library. Null when nothing is found.
+    SearchResult find(const std::string& base, int scope, const std::string& filter = {},
+                      const std::vector<std::string>& names = {}) const;
     bool exists(const std::string& dn) const;
     // Whether the entry has a value of the attribute that is not empty. No password is decoded.
     bool has(const std::string& dn, const std::string& attribute) const;

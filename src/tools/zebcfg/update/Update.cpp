@@ -10,6 +10,7 @@
 #include "formats/ConfigText.h"
 #include "formats/Diff.h"
 #include "formats/Json.h"
+#include "library/Comparison.h"
 #include "library/Outline.h"
 #include "update/Workplace.h"
 
@@ -45,24 +46,45 @@ Failure differenceOf(const std::vector<Entry>& wanted, const std::vector<Entry>&
     return failure;
 }
 
-// Loads the new text as every program will, and compares all entries with those that the changes have made.
-std::optional<Failure> readBackFailure(Workplace& place, const Changes& changes)
+std::vector<std::string> namesIn(const std::string& text, std::vector<std::string> names)
 {
-    const std::string text = readFile(place.name(), place.file().shownName());
-    std::vector<std::string> names = changes.names();
     for (const ConfigLine& line : linesOf(text))
-        names.push_back(line.name);
+        names.emplace_back(line.name);
     std::sort(names.begin(), names.end());
     names.erase(std::unique(names.begin(), names.end()), names.end());
     names.erase(std::remove(names.begin(), names.end(), ""), names.end());
+    return names;
+}
 
-    const MemoryFile copy(text);
-    const Session again(copy.name(), place.file().shownName());
+// The entries that the library has written to a text.
+std::size_t entriesIn(const std::string& text)
+{
+    constexpr char begin[] = "\ndn: ";
+    std::size_t count = text.rfind(begin + 1, 0) == 0 ? 1 : 0;
+    for (auto place = text.find(begin); place != std::string::npos; place = text.find(begin, place + 1))
+        ++count;
+    return count;
+}
+
+// Loads the new text as every program will, and compares all entries with those that the changes have made. Those that
+// no plain search finds, for they have no objectclass, are looked for by their other attributes.
+std::optional<Failure> readBackFailure(Workplace& place, const Changes& changes)
+{
+    const std::string& shownName = place.file().shownName();
+    const std::string written = place.name();
+    const std::size_t expected = entriesIn(readFile(written, shownName));
+    const MemoryFile result = place.result();
+    const Session again(result.name(), shownName);
+    const bool isWhole = isSameContent(result.name(), written, shownName);
+    if (isWhole && countSameEntries(changes.session(), again) == expected)
+        return std::nullopt;
+
+    const auto names = namesIn(readFile(written, shownName), changes.names());
     const std::string outline = changes.session().outline();
     const std::size_t count = outlineOf(changes.session()).size();
     const auto wanted = changes.session().entriesWith(names, count);
     const auto found = again.entriesWith(names, count);
-    if (wanted == found && outline == again.outline() && readFile(copy.name(), place.file().shownName()) == text)
+    if (isWhole && wanted == found && outline == again.outline())
         return std::nullopt;
     place.requireRoom();
     return differenceOf(wanted, found);
@@ -75,6 +97,8 @@ void reportQuarantined(const Messages& messages, const Workplace& place, const C
     for (const Entry& entry :
          changes.session().search("", LDAP_SCOPE_SUBTREE, std::string(invalidLine) + "=*", {invalidLine}))
         count += entry.attributes.front().values.size();
+    if (count == 0)
+        return;
     for (const ConfigLine& line : linesOf(place.file().text()))
         count -= isSameName(line.name, invalidLine) && count > 0 ? 1 : 0;
     if (count > 0)

@@ -10,25 +10,42 @@
 
 namespace {
 
-// A private copy beside the file, which takes its place.
+// A private copy beside the file, which takes its place. It is written once, from the copy in memory.
 class Installation : public Workplace {
 public:
-    explicit Installation(const Target& wanted) : target(wanted), replacement(wanted.file, handlingOf(wanted)) {}
+    explicit Installation(const Target& wanted)
+        : target(wanted), replacement(wanted.file, handlingOf(wanted)), working(replacement.live().text())
+    {}
 
     const LiveFile& file() const override { return replacement.live(); }
-    std::string name() const override { return replacement.copy().openName(); }
-    void requireRoom() override { replacement.copy().requireRoomFor(file().text().size()); }
+    std::string name() const override { return working.name(); }
+    void requireRoom() const override { working.requireRoomFor(file().text().size()); }
+
+    MemoryFile result() override
+    {
+        writeOnce();
+        return MemoryFile(replacement.copy().openName(), file().shownName());
+    }
 
     void finish() override
     {
-        const bool isChanged = readFile(name(), file().shownName()) != file().text();
-        if (isChanged)
+        const bool isChanged = !holdsText(working.name(), file().text(), file().shownName());
+        if (isChanged) {
+            writeOnce();
             replacement.install();
+        }
         if (target.messages.isVerbose)
             target.messages.say(file().shownName() + (isChanged ? " is replaced" + backupNote() : " is as it was"));
     }
 
 private:
+    void writeOnce()
+    {
+        if (!isWritten)
+            replacement.copy().take(working.name());
+        isWritten = true;
+    }
+
     std::string backupNote() const
     {
         return target.backup.empty() ? "" : ", and " + target.backup + " keeps the old text";
@@ -36,25 +53,31 @@ private:
 
     const Target& target;
     Replacement replacement;
+    const MemoryFile working;
+    bool isWritten = false;
 };
 
-// A copy in memory, which nothing becomes of but a diff.
+// The copy in memory, which nothing becomes of but a diff.
 class Rehearsal : public Workplace {
 public:
-    explicit Rehearsal(const Target& wanted) : target(wanted), live(wanted.file), copy(live.text())
+    explicit Rehearsal(const Target& wanted) : target(wanted), live(wanted.file), working(live.text())
     {
         requireReplaceable(live, handlingOf(wanted));
     }
 
     const LiveFile& file() const override { return live; }
-    std::string name() const override { return copy.name(); }
-    void requireRoom() override {}
-    void finish() override { showDiff(target, live.text(), readFile(name(), live.shownName()), live.shownName()); }
+    std::string name() const override { return working.name(); }
+    void requireRoom() const override { working.requireRoomFor(file().text().size()); }
+    MemoryFile result() override { return MemoryFile(working.name(), live.shownName()); }
+    void finish() override
+    {
+        showDiff(target, live.text(), readFile(working.name(), live.shownName()), live.shownName());
+    }
 
 private:
     const Target& target;
     const LiveFile live;
-    const MemoryFile copy;
+    const MemoryFile working;
 };
 
 }  // namespace

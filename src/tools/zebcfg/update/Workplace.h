@@ -3,6 +3,7 @@
 #define ZEBCFG_WORKPLACE_H
 
 #include "files/LiveFile.h"
+#include "files/MemoryFile.h"
 #include "files/Replacement.h"
 #include "update/Target.h"
 
@@ -17,10 +18,12 @@ public:
     virtual ~Workplace() = default;
 
     virtual const LiveFile& file() const = 0;
-    // The copy to work on, under a name that the library can open.
+    // The copy to work on, in memory, for the library writes it at each change, under a name that the library can open.
     virtual std::string name() const = 0;
     // A library that finds no room reports nothing: it is asked for here.
-    virtual void requireRoom() = 0;
+    virtual void requireRoom() const = 0;
+    // A copy of what would be installed, as a load will find it.
+    virtual MemoryFile result() = 0;
     // Installs the copy, or shows what it changes. A text that is the same as before leaves the file alone.
     virtual void finish() = 0;
 };
