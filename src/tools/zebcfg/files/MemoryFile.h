@@ -13,6 +13,7 @@ public:
     MemoryFile(const std::string& source, const std::string& shownName);
     // A name under which this process can open it.
     std::string name() const { return file.name(); }
+    int descriptor() const noexcept { return file.get(); }
     // Throws when there is no room for as many bytes more.
     void requireRoomFor(std::size_t size) const;
 

@@ -78,8 +78,8 @@ bool isReadableValue(const std::string& value)
 
 }  // namespace
 
-Changes::Changes(std::string copyPath, std::string shown, std::optional<Login> wanted, bool force)
-    : path(std::move(copyPath)), shownName(std::move(shown)), login(std::move(wanted)), isForced(force)
+Changes::Changes(GuardedFile& workingCopy, std::string shown, std::optional<Login> wanted, bool force)
+    : copy(workingCopy), path(copy.name()), shownName(std::move(shown)), login(std::move(wanted)), isForced(force)
 {
     checkpoint = readFile(path, shownName);
     open();
@@ -106,6 +106,20 @@ void Changes::keepCheckpoint()
     calls.clear();
     if (!holdsText(path, checkpoint, shownName))
         checkpoint = readFile(path, shownName);
+    holdBack();
+}
+
+void Changes::holdBack()
+{
+    copy.refuseWrites();
+    opened->deferWrites(true);
+}
+
+void Changes::write()
+{
+    copy.allowWrites();
+    opened->deferWrites(false);
+    opened->flush();
 }
 
 void Changes::step(const std::function<void()>& body)
@@ -120,15 +134,18 @@ void Changes::step(const std::function<void()>& body)
     }
 }
 
-// Each call writes the file as a whole, so a copy at each step would double the work: the calls since the last copy are
-// made again.
+// A copy of the whole at each step would be most of the work: the calls since the last one are made again.
 void Changes::goBack(std::size_t count)
 {
     calls.resize(count);
+    lastParent.clear();
+    copy.allowWrites();
     overwriteFile(path, checkpoint);
     open();
+    holdBack();
     for (const auto& call : calls)
         call(*opened);
+    write();
     keepCheckpoint();
 }
 
@@ -171,14 +188,16 @@ void Changes::requireEachOnce(const std::string& dn, const Change& change) const
 void Changes::add(const std::string& dn, const std::vector<Change>& attributes, bool needsParent)
 {
     step([&] {
-        if (opened->exists(dn))
+        const auto spelling = opened->spellingIfMissing(dn);
+        if (!spelling)
             throw Failure(LDAP_ALREADY_EXISTS, "the entry " + dn + " exists already");
-        const std::string parent = parentOf(spelled(dn));
-        if (needsParent && !parent.empty() && !opened->exists(parent))
+        const std::string parent = parentOf(*spelling);
+        if (needsParent && !parent.empty() && parent != lastParent && !opened->exists(parent))
             throw Failure(LDAP_NO_SUCH_OBJECT,
                           "the parent " + parent + " does not exist" +
                               nearestNote(parent, [this](const std::string& above) { return opened->exists(above); }) +
                               " (--no-parent-check adds the entry all the same)");
+        lastParent = needsParent ? parent : "";
         for (const Change& change : attributes)
             atLineOf(change, [&] { requireNameAndValues(dn, change.attribute); });
         addEntry(dn, attributes);
@@ -329,6 +348,7 @@ void Changes::erase(const std::string& dn, bool withChildren)
         throw Failure(LDAP_UNWILLING_TO_PERFORM, "the root cannot be deleted");
     if (!isForced && !loginAttributes(dn).empty())
         throw Failure(LDAP_OBJECT_CLASS_VIOLATION, "without cn=Configuration nobody can log in; --force deletes it");
+    lastParent.clear();
     step([&] { make([dn, withChildren](Session& session) { session.erase(dn, withChildren); }); });
 }
 

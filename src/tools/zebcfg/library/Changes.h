@@ -2,6 +2,7 @@
 #ifndef ZEBCFG_CHANGES_H
 #define ZEBCFG_CHANGES_H
 
+#include "files/GuardedFile.h"
 #include "formats/Ldif.h"
 #include "library/Dn.h"
 #include "library/Session.h"
@@ -17,7 +18,7 @@ class Changes {
 public:
     // shown: what messages call the copy. force allows what is only refused for what it may break: a
     // second value of an attribute that takes one (19), and the end of the login (65).
-    Changes(std::string copyPath, std::string shown, std::optional<Login> wanted, bool force);
+    Changes(GuardedFile& workingCopy, std::string shown, std::optional<Login> wanted, bool force);
 
     // 68 for an entry that exists, 32 without a parent, 20 for a value that is given twice.
     void add(const std::string& dn, const std::vector<Change>& attributes, bool needsParent);
@@ -25,6 +26,9 @@ public:
     void modify(const std::string& dn, const std::vector<Change>& changes);
     void erase(const std::string& dn, bool withChildren);
     void apply(const LdifRecord& record, bool needsParent);
+
+    // Writes the copy, which is closed for writing until then.
+    void write();
 
     const Session& session() const noexcept { return *opened; }
     // The names of attributes that have been used.
@@ -37,6 +41,7 @@ private:
     void open();
     void make(Call call);
     void keepCheckpoint();
+    void holdBack();
     void goBack(std::size_t count);
     void step(const std::function<void()>& body);
     void requireNameAndValues(const std::string& dn, const Attribute& attribute);
@@ -50,6 +55,7 @@ private:
     void requireLogin(const std::string& dn, const std::vector<std::string>& before,
                       const std::vector<Change>& changes) const;
 
+    GuardedFile& copy;
     const std::string path;
     const std::string shownName;
     const std::optional<Login> login;
@@ -57,6 +63,7 @@ private:
     std::unique_ptr<Session> opened;
     const DnSpeller spelled;
     std::vector<std::string> usedNames;
+    std::string lastParent;   // of an entry that was added: it exists, and often is the next one's too
     std::string checkpoint;   // the copy as it was at one time
     std::vector<Call> calls;  // since then
 };

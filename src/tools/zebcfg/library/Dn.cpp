@@ -8,7 +8,7 @@ DnSpeller::DnSpeller() : emptyFile(""), session(emptyFile.name(), "") {}
 
 std::string DnSpeller::operator()(const std::string& dn) const
 {
-    return isRootDn(dn) ? std::string() : session.spellingOfMissing(dn);
+    return isRootDn(dn) ? std::string() : session.spellingIfMissing(dn).value_or(dn);
 }
 
 std::string DnSpeller::orNothing(const std::string& dn) const

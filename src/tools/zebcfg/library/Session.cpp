@@ -148,6 +148,13 @@ void Session::require(int code) const
     throw failure;
 }
 
+void Session::requireMade(int code) const
+{
+    const bool isRefused = code == LDAP_INSUFFICIENT_ACCESS && cfg_get_exterror(cfg.get()) == CFG_ERR_CONFIG_OPEN;
+    if (!isDeferring || !isRefused)
+        require(code);
+}
+
 std::string Session::explain(int code) const
 {
     CFG* const handle = cfg.get();
@@ -236,9 +243,9 @@ Failure Session::missingEntry(const std::string& dn) const
 }
 
 // The report of the failed search holds it.
-std::string Session::spellingOfMissing(const std::string& dn) const
+std::optional<std::string> Session::spellingIfMissing(const std::string& dn) const
 {
-    return exists(dn) ? dn : textOf(cfg_get_entry(cfg.get()));
+    return exists(dn) ? std::nullopt : std::optional<std::string>(textOf(cfg_get_entry(cfg.get())));
 }
 
 std::vector<std::string> Session::values(const std::string& dn, const std::string& attribute) const
@@ -279,18 +286,18 @@ void Session::add(const Entry& entry)
     std::vector<Change> changes;
     for (const Attribute& attribute : entry.attributes)
         changes.push_back({LDAP_MOD_ADD, attribute});
-    require(cfg_add_s(cfg.get(), entry.dn.c_str(), Mods(changes).data()));
+    requireMade(cfg_add_s(cfg.get(), entry.dn.c_str(), Mods(changes).data()));
 }
 
 void Session::modify(const std::string& dn, const std::vector<Change>& changes)
 {
-    require(cfg_modify_s(cfg.get(), dn.c_str(), Mods(changes).data()));
+    requireMade(cfg_modify_s(cfg.get(), dn.c_str(), Mods(changes).data()));
 }
 
 void Session::erase(const std::string& dn, bool withChildren)
 {
     require(cfg_set_option(cfg.get(), CFG_OPT_DELETE_NON_LEAVES, withChildren ? cfg.get() : nullptr));
-    require(cfg_delete_s(cfg.get(), dn.c_str()));
+    requireMade(cfg_delete_s(cfg.get(), dn.c_str()));
 }
 
 void Session::flush()

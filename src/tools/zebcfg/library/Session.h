@@ -50,9 +50,11 @@ public:
     // The root and every entry that has one of the attributes. Those with an objectclass come first, and only while
     // fewer than count entries have been found are the others looked for.
     std::vector<Entry> entriesWith(const std::vector<std::string>& names, std::size_t count) const;
-    // The library's spelling of a DN that is not in the file. Throws Failure (34) for a text that is no DN.
-    std::string spellingOfMissing(const std::string& dn) const;
+    // The library's spelling of a DN, or nothing when the entry exists. Throws Failure (34) for a text that is no DN.
+    std::optional<std::string> spellingIfMissing(const std::string& dn) const;
 
+    // Whether a change counts as made that the library may not write: it is in memory, and the next write has it.
+    void deferWrites(bool areDeferred) noexcept { isDeferring = areDeferred; }
     void add(const Entry& entry);
     void modify(const std::string& dn, const std::vector<Change>& changes);
     void erase(const std::string& dn, bool withChildren);
@@ -66,11 +68,13 @@ private:
 
     // Throws what the handle knows of a call that has not given 0.
     void require(int code) const;
+    void requireMade(int code) const;
     std::string explain(int code) const;
 
     std::unique_ptr<CFG, Release> cfg;
     std::string path;
     std::string shownName;
+    bool isDeferring = false;
 };
 
 // The configuration file of the installation; empty when there is none.

@@ -71,7 +71,7 @@ std::size_t entriesIn(const std::string& text)
 std::optional<Failure> readBackFailure(Workplace& place, const Changes& changes)
 {
     const std::string& shownName = place.file().shownName();
-    const std::string written = place.name();
+    const std::string written = place.copy().name();
     const std::size_t expected = entriesIn(readFile(written, shownName));
     const MemoryFile result = place.result();
     const Session again(result.name(), shownName);
@@ -86,7 +86,7 @@ std::optional<Failure> readBackFailure(Workplace& place, const Changes& changes)
     const auto found = again.entriesWith(names, count);
     if (isWhole && wanted == found && outline == again.outline())
         return std::nullopt;
-    place.requireRoom();
+    place.copy().requireRoomFor(place.file().text().size());  // A library that finds no room reports nothing.
     return differenceOf(wanted, found);
 }
 
@@ -127,9 +127,10 @@ void update(const Target& target, const std::function<void(Changes& changes)>& b
     place->file().requireUsable(target.backup);
     requireNoNul(place->file());
     try {
-        Changes changes(place->name(), place->file().shownName(), target.login, target.isForced);
+        Changes changes(place->copy(), place->file().shownName(), target.login, target.isForced);
         reportQuarantined(target.messages, *place, changes);
         body(changes);
+        changes.write();
         if (auto difference = readBackFailure(*place, changes)) {
             addInputPlace(*difference);
             throw *difference;
@@ -144,7 +145,7 @@ void update(const Target& target, const std::function<void(Changes& changes)>& b
 void replaceText(const Target& target, const std::function<std::string(const LiveFile& file)>& newText)
 {
     const auto place = openWorkplace(target);
-    overwriteFile(place->name(), newText(place->file()));
+    overwriteFile(place->copy().name(), newText(place->file()));
     place->finish();
 }
 

@@ -18,8 +18,7 @@ public:
     {}
 
     const LiveFile& file() const override { return replacement.live(); }
-    std::string name() const override { return working.name(); }
-    void requireRoom() const override { working.requireRoomFor(file().text().size()); }
+    GuardedFile& copy() override { return working; }
 
     MemoryFile result() override
     {
@@ -53,7 +52,7 @@ private:
 
     const Target& target;
     Replacement replacement;
-    const MemoryFile working;
+    GuardedFile working;
     bool isWritten = false;
 };
 
@@ -66,8 +65,7 @@ public:
     }
 
     const LiveFile& file() const override { return live; }
-    std::string name() const override { return working.name(); }
-    void requireRoom() const override { working.requireRoomFor(file().text().size()); }
+    GuardedFile& copy() override { return working; }
     MemoryFile result() override { return MemoryFile(working.name(), live.shownName()); }
     void finish() override
     {
@@ -77,7 +75,7 @@ public:
 private:
     const Target& target;
     const LiveFile live;
-    const MemoryFile working;
+    GuardedFile working;
 };
 
 }  // namespace

@@ -2,6 +2,7 @@
 #ifndef ZEBCFG_WORKPLACE_H
 #define ZEBCFG_WORKPLACE_H
 
+#include "files/GuardedFile.h"
 #include "files/LiveFile.h"
 #include "files/MemoryFile.h"
 #include "files/Replacement.h"
@@ -18,10 +19,8 @@ public:
     virtual ~Workplace() = default;
 
     virtual const LiveFile& file() const = 0;
-    // The copy to work on, in memory, for the library writes it at each change, under a name that the library can open.
-    virtual std::string name() const = 0;
-    // A library that finds no room reports nothing: it is asked for here.
-    virtual void requireRoom() const = 0;
+    // The copy to work on, in memory.
+    virtual GuardedFile& copy() = 0;
     // A copy of what would be installed, as a load will find it.
     virtual MemoryFile result() = 0;
     // Installs the copy, or shows what it changes. A text that is the same as before leaves the file alone.
