@@ -135,7 +135,8 @@ private:
                 scratch.add({"cn=line", {{std::string(line.name), {std::string(line.value)}}}});
         } catch (const Failure& failure) {
             const bool isAllowedKnown = failure.extended != CFG_ERR_INT_SYNTAX;  // The text of the others tells it.
-            return findingOf(failure, line.first, isAllowedKnown ? next : allowedFor(std::string(line.name)) + "; " + next);
+            return findingOf(failure, line.first,
+                             isAllowedKnown ? next : allowedFor(std::string(line.name)) + "; " + next);
         }
         const std::string reason =
             line.hasColon ? shownLine(std::string(line.name)) + ": the value is refused beside those before it"
@@ -174,15 +175,19 @@ private:
                 entry = line.entry;
             }
             const AttributeType* const type = line.isDn ? nullptr : findAttributeType(line.name);
-            if (type == nullptr || !type->isSingle)
-                continue;
-            int& first = ofEntry->emplace(type, line.first).first->second;
-            if (first == 0 || first == line.first)
-                continue;
-            if (countOf(dnOf(line), type->name) > 1)
-                findings.push_back(severalOf(*type, first, line.first));
-            first = 0;
+            if (type != nullptr && type->isSingle)
+                takeSingle(*type, line, *ofEntry);
         }
+    }
+
+    void takeSingle(const AttributeType& type, const ConfigLine& line, FirstLines& known)
+    {
+        int& first = known.emplace(&type, line.first).first->second;
+        if (first == 0 || first == line.first)
+            return;
+        if (countOf(dnOf(line), type.name) > 1)
+            findings.push_back(severalOf(type, first, line.first));
+        first = 0;
     }
 
     static Finding severalOf(const AttributeType& type, int firstLine, int secondLine)

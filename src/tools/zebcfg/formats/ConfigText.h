@@ -24,6 +24,7 @@ public:
     explicit ConfigLines(const std::string& text);
     ConfigLines(const ConfigLines&) = delete;
     ConfigLines& operator=(const ConfigLines&) = delete;
+    ~ConfigLines() = default;
 
     auto begin() const noexcept { return lines.begin(); }
     auto end() const noexcept { return lines.end(); }

@@ -120,6 +120,7 @@ void Changes::write()
     copy.allowWrites();
     opened->deferWrites(false);
     opened->flush();
+    std::string().swap(checkpoint);  // A large file has to be loaded beside this one.
 }
 
 void Changes::step(const std::function<void()>& body)
