@@ -6,6 +6,7 @@
 #include "update/Update.h"
 #include "update/Workplace.h"
 
+#include <algorithm>
 #include <iostream>
 #include <optional>
 #include <utility>
@@ -61,10 +62,11 @@ Agreement confirm(const Target& target, const LiveFile& backup)
 
 int runRestore(const Call& call)
 {
-    const Target target = call.target();
+    Target target = call.target();
     if (target.backup.empty())
         throw Failure(0, "there is no backup to restore under --no-backup");
     const std::string name = generationName(target.backup, numberOf(call));
+    target.generations = std::max(target.generations, numberOf(call));  // the one restored goes, and no other
     if (::access(target.file.c_str(), F_OK) != 0) {
         putInPlace(target, usableBackup(target, name));
         return 0;

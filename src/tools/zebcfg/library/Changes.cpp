@@ -185,10 +185,11 @@ void Changes::requireParent(const std::string& dn, const std::string& advice) co
 void Changes::add(const std::string& dn, const std::vector<Change>& attributes, bool needsParent)
 {
     step([&] {
+        const std::string spelling = spelled(dn);
         if (opened->exists(dn))
             throw Failure(LDAP_ALREADY_EXISTS, "the entry " + dn + " exists already");
         if (needsParent)
-            requireParent(spelled(dn), " (--no-parent-check adds the entry all the same)");
+            requireParent(spelling, " (--no-parent-check adds the entry all the same)");
         for (const Change& change : attributes)
             atLineOf(change, [&] { requireNameAndValues(dn, change.attribute); });
         addEntry(dn, attributes);

@@ -61,12 +61,22 @@ std::string plainValue(const std::string& value)
     return plain;
 }
 
+void requireNoNul(const std::string& dn)
+{
+    for (std::size_t at = dn.find('\\'); at < dn.size(); at = dn.find('\\', at + 2)) {
+        if (isHexPair(dn, at + 1) && byteAt(dn, at + 1) == '\0')
+            throw Failure(LDAP_INVALID_DN_SYNTAX,
+                          "the DN holds a NUL byte, and a write would drop the rest of the value");
+    }
+}
+
 }  // namespace
 
 DnSpeller::DnSpeller() : emptyFile(""), session(emptyFile.name(), "") {}
 
 std::string DnSpeller::operator()(const std::string& dn) const
 {
+    requireNoNul(dn);
     return isRootDn(dn) ? std::string() : session.spellingOfMissing(dn);
 }
 

@@ -14,7 +14,7 @@
 class DnSpeller {
 public:
     DnSpeller();
-    // Throws Failure (34) for a text that is no DN.
+    // Throws Failure (34) for a text that is no DN, or has a NUL byte, which the library would not write.
     std::string operator()(const std::string& dn) const;
     // The empty text for one that is no DN.
     std::string orNothing(const std::string& dn) const;
