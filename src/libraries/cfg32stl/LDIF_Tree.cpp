@@ -163,7 +163,7 @@ try {
     for (Number number = 1; number < nodes.size(); ++number) {
         if (nodes[number].parent != none)
             continue;
-        if (number + entriesAhead < nodes.size())
+        if (number + entriesAhead < nodes.size() && nodes[number + entriesAhead].text != nullptr)
             fetch(text(number + entriesAhead).dn().data());
         assignKey(number, key);
         nodes[number].parent = nearestAncestor(key);

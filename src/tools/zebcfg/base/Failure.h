@@ -30,7 +30,7 @@ struct Failure : std::exception {
     std::string dump;   // the library's report, or empty
 };
 
-// Failure with the text of errno behind the message.
+// Failure with the text of errno after the message.
 Failure systemFailure(int resultCode, const std::string& message, const std::string& shownFile = {});
 
 #endif

@@ -15,7 +15,7 @@ constexpr int filterError = 87;  // its usual name has another number in <ldap.h
 constexpr int deepest = 100;     // Each level takes some of the stack.
 constexpr char blanks[] = " \t\r\n";
 
-// What is left of the text. A rule moves it behind what it has read, and leaves it where it was when it throws.
+// What is left of the text. A rule moves it past what it has read, and leaves it where it was when it throws.
 using Rest = std::string_view;
 
 // The filter itself is not repeated: its value may be a password.

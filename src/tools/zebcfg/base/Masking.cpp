@@ -4,7 +4,6 @@
 #include "base/Text.h"
 
 #include <algorithm>
-#include <sstream>
 #include <vector>
 
 namespace {
@@ -203,11 +202,7 @@ std::string shownLine(const std::string& line)
 
 std::string shownText(const std::string& text)
 {
-    std::istringstream in(text);
-    std::string shown;
-    for (std::string line; std::getline(in, line);)
-        shown += shownLine(line) + '\n';
-    return shown;
+    return eachLine(text, shownLine);
 }
 
 bool holdsMask(const std::string& value)

@@ -72,11 +72,11 @@ std::string visible(const std::string& text)
     return shown;
 }
 
-std::string visibleLines(const std::string& text)
+std::string eachLine(const std::string& text, std::string (*change)(const std::string& line))
 {
     std::istringstream in(text);
-    std::string shown;
+    std::string changed;
     for (std::string line; std::getline(in, line);)
-        shown += visible(line) + '\n';
-    return shown;
+        changed += change(line) + '\n';
+    return changed;
 }

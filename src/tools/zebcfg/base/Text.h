@@ -21,8 +21,8 @@ std::string hexOf(unsigned char byte);
 
 // One line in which every control character, the byte order mark too, is written as \x1b and the like. Tabs are left.
 std::string visible(const std::string& text);
-// The same for each line of a text that ends with a line end.
-std::string visibleLines(const std::string& text);
+// The text with each line changed; it ends with a line end.
+std::string eachLine(const std::string& text, std::string (*change)(const std::string& line));
 
 // The length of the white space character at a place, as the locale has it; 0 for any other.
 std::size_t blankAt(const std::string& text, std::size_t place);

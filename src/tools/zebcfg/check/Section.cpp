@@ -9,7 +9,7 @@
 
 namespace {
 
-// The byte behind that many lines.
+// The byte after that many lines.
 std::size_t behindLines(const std::string& text, int count)
 {
     std::size_t at = 0;

@@ -17,7 +17,7 @@ namespace {
 
 using Values = std::map<std::string, std::vector<std::string>>;
 
-// The rest of the help behind the list of options.
+// The rest of the help, after the list of options.
 std::string footerOf(const Command& command)
 {
     return std::string("Example:\n  ") + command.example + "\n\nThe options of all commands: zebcfg --help";
@@ -72,7 +72,7 @@ public:
         } catch (const CLI::ParseError& error) {
             fault = error.what();
         }
-        // What stands behind the mark are operands, whatever they look like.
+        // Words after the mark are operands, whatever they look like.
         words.insert(words.end(), mark == end ? end : mark + 1, end);
         messages = {isGiven("json"), isGiven("verbose"), isGiven("quiet")};
         if (!fault.empty())
@@ -237,7 +237,7 @@ private:
 
 Call readCommandLine(int argc, char** argv, Messages& messages)
 {
-    // The words behind the hidden command are another command line, and no options of this one.
+    // The words after the hidden command are another command line, and no options of this one.
     const Command* const hidden = argc > 1 ? findCommand(argv[1]) : nullptr;
     if (hidden != nullptr && isHidden(*hidden))
         return {hidden, {}, std::vector<std::string>(argv + 2, argv + argc)};

@@ -40,6 +40,6 @@ int runTree(const Call& call)
         return 0;
     }
     const std::string drawing = draw(nodes, linesFor(call));
-    std::cout << (::isatty(STDOUT_FILENO) == 1 ? visibleLines(drawing) : drawing);
+    std::cout << (::isatty(STDOUT_FILENO) == 1 ? eachLine(drawing, visible) : drawing);
     return 0;
 }

@@ -4,7 +4,7 @@
 
 #include <string>
 
-// The name behind symbolic links. For a file that is missing, those of its directory.
+// The name that symbolic links lead to. For a file that is missing, those of its directory.
 std::string resolvedName(const std::string& name);
 std::string directoryOf(const std::string& name);  // with its slash; empty for a plain name
 // A name in the same directory for what is to take the place of name.

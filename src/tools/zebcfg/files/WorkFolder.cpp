@@ -62,7 +62,7 @@ std::string nameStart(long process)
     return prefix + std::to_string(process) + '-' + startTimeOf(process) + '-';
 }
 
-// Whether the process that the name tells of is gone, and nobody holds the folder.
+// Whether the process in the name is gone, and nobody holds the folder.
 bool isAbandoned(const fs::path& directory)
 {
     const std::string name = directory.filename().string();

@@ -12,7 +12,7 @@ struct ConfigLine {
     bool isDn = false;
     bool hasColon = true;
     std::string name;   // before the colon; the whole line without one
-    std::string value;  // behind the colons, without white space and parentheses at both ends
+    std::string value;  // after the colons, without white space and parentheses at both ends
     int entry = 0;      // the number of the dn line above it, which is its own for that; 0 for none
 };
 

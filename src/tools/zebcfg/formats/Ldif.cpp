@@ -125,10 +125,10 @@ public:
         return status > 0;
     }
 
-    // A blank line stands behind each record: the text ends with two line ends.
+    // A blank line follows each record: the text ends with two line ends.
     int firstLine() const { return static_cast<int>(lastLine) - linesIn(recordText); }
 
-    // The next line, unfolded, or null behind the last one.
+    // The next line, unfolded, or null after the last one.
     char* nextLine()
     {
         line = nextNumber;

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-// One entry with its line ends and a blank line behind it. Values that are no plain text are in base64. wrap is the
+// One entry with its line ends and a blank line after it. Values that are no plain text are in base64. wrap is the
 // longest line, 0 for lines of any length. Passwords are masked. In UTF-8.
 std::string toLdif(const Entry& entry, bool namesOnly, std::size_t wrap);
 
@@ -40,7 +40,7 @@ public:
     ~LdifReader();
 
     // The next record into record, false at the end. A record without changetype is taken for type. Throws Failure
-    // with the line at fault; the record behind it can be read then.
+    // with the line at fault; the record after it can be read then.
     bool next(LdifRecord& record, LdifRecord::Type type);
 
     // The text of the record that was read last.

@@ -14,7 +14,7 @@ void Messages::report(const Failure& failure) const
     if (isJson)
         std::cerr << toJson(failure, isVerbose) << '\n';
     else
-        std::cerr << "zebcfg: " << failure.line() << '\n' << (isVerbose ? visibleLines(failure.dump) : "");
+        std::cerr << "zebcfg: " << failure.line() << '\n' << (isVerbose ? eachLine(failure.dump, visible) : "");
 }
 
 void Messages::say(const std::string& text) const

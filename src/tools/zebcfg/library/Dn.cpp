@@ -9,7 +9,7 @@
 
 namespace {
 
-// The first such character that is neither escaped nor within quotes. A blank stands behind each that separates.
+// The first such character that is neither escaped nor within quotes. A blank follows each that separates.
 std::size_t findPlain(const std::string& text, char character)
 {
     bool isQuoted = false;

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-// Asks the library for its spelling of DNs, behind an empty file where none of them exists.
+// Asks the library for its spelling of DNs, in an empty file where none of them exists.
 class DnSpeller {
 public:
     DnSpeller();

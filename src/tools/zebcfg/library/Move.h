@@ -20,7 +20,7 @@ public:
     bool isIntoItself() const;
     // Whether a DN, in any spelling, is the old one or below it; a text that is no DN is not.
     bool affects(const std::string& dn) const;
-    // The DN behind the move, or the same.
+    // The DN after the move, or the same.
     std::string moved(const std::string& dn) const;
     // The text with moved DNs in its dn lines. All others stay as they are.
     std::string movedText(const std::string& text) const;

@@ -36,7 +36,7 @@ bool readLine(const std::string& line, Node& node)
     return true;
 }
 
-// Whether another entry of the same level comes behind this one.
+// Whether another entry of the same level comes after this one.
 bool hasSibling(const std::vector<Node>& nodes, std::size_t place)
 {
     for (std::size_t i = place + 1; i < nodes.size() && nodes[i].depth >= nodes[place].depth; ++i) {
@@ -55,7 +55,7 @@ struct Pieces {
 constexpr Pieces asciiPieces = {"+-- ", "`-- ", "|   ", "    "};
 constexpr Pieces utf8Pieces = {"├── ", "└── ", "│   ", "    "};
 
-// The node at place, which moves behind the last one below it.
+// The node at place, which moves after the last one below it.
 JsonObject treeOf(const std::vector<Node>& nodes, std::size_t& place)
 {
     const Node& node = nodes[place++];

@@ -1,4 +1,4 @@
-// One configuration file behind the library: loaded, logged in, and released at the end. Calls throw Failure.
+// One configuration file in the library: loaded, logged in, and released at the end. Calls throw Failure.
 #ifndef ZEBCFG_SESSION_H
 #define ZEBCFG_SESSION_H
 
