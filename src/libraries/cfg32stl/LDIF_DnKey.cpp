@@ -59,6 +59,7 @@ std::size_t hashOfRdn(std::size_t seed, std::string_view rdn) noexcept
 }
 
 constexpr std::string_view separator = ", ";
+constexpr std::size_t usualLevels = 8;
 
 }  // namespace
 
@@ -84,6 +85,7 @@ bool isSimpleDn(std::string_view text) noexcept
 bool simplifyDn(std::string_view text, std::string& out)
 {
     out.clear();
+    out.reserve(text.size());
     for (;;) {
         text = withoutLeading(text);
         const std::string_view name = takeFront(text, nameLength(text));
@@ -125,13 +127,12 @@ void LDIF_DnKey::assignSimple(std::string_view canonical)
 {
     parsed.reset();
     text = canonical;
-    hashes.resize(1);
-    starts.assign(1, canonical.size());
+    ancestors.clear();
+    ancestors.reserve(usualLevels);
     for (std::size_t end = text.size(); end != 0;) {
         const std::size_t comma = text.substr(0, end).rfind(',');
         const std::size_t start = comma == std::string_view::npos ? 0 : comma + separator.size();
-        hashes.push_back(hashOfRdn(hashes.back(), text.substr(start, end - start)));
-        starts.push_back(start);
+        ancestors.push_back({hashOfRdn(hash(), text.substr(start, end - start)), start});
         end = comma == std::string_view::npos ? 0 : comma;
     }
 }
@@ -143,14 +144,14 @@ void LDIF_DnKey::assign(const LDIF_DN& dn)
         return assignSimple(printed);
     text = {};
     parsed = dn;
-    hashes.resize(1);
+    ancestors.clear();
     for (const LDIF_RDN& rdn : dn)
-        hashes.push_back(rdn.hash(hashes.back()));
+        ancestors.push_back({rdn.hash(hash()), 0});
 }
 
 std::string_view LDIF_DnKey::simpleText(std::size_t level) const noexcept
 {
-    return text.empty() ? text : text.substr(starts[level]);
+    return text.empty() || level == 0 ? std::string_view() : text.substr(ancestors[level - 1].start);
 }
 
 const LDIF_DN& LDIF_DnKey::dn()

@@ -32,9 +32,9 @@ public:
     void assignSimple(std::string_view canonical);
     void assign(const LDIF_DN& dn);
 
-    std::size_t levels() const noexcept { return hashes.size() - 1; }
-    std::size_t hash(std::size_t level) const noexcept { return hashes[level]; }
-    std::size_t hash() const noexcept { return hashes.back(); }
+    std::size_t levels() const noexcept { return ancestors.size(); }
+    std::size_t hash(std::size_t level) const noexcept { return level == 0 ? 0 : ancestors[level - 1].hash; }
+    std::size_t hash() const noexcept { return hash(levels()); }
     // The string form of the ancestor of that level; empty when the DN is not simple.
     std::string_view simpleText(std::size_t level) const noexcept;
     // The DN in its parsed form.
@@ -43,10 +43,14 @@ public:
     std::string str() const { return parsed ? printable(*parsed) : std::string(text); }
 
 private:
-    std::string_view text;               // of a simple DN
-    std::string printed;                 // what text borrows when the key was made of a parsed DN
-    std::vector<std::size_t> hashes{0};  // [n] of the n RDNs nearest the root
-    std::vector<std::size_t> starts{0};  // [n] where these stand in text
+    struct Ancestor {
+        std::size_t hash;
+        std::size_t start;  // where it stands in the text of a simple DN
+    };
+
+    std::string_view text;            // of a simple DN
+    std::string printed;              // what text borrows when the key was made of a parsed DN
+    std::vector<Ancestor> ancestors;  // from the one below the root to the DN itself
     std::optional<LDIF_DN> parsed;
 };
 

@@ -32,13 +32,13 @@ public:
         if (lines.empty() || !isInText || filter.anyValue)
             return !lines.empty() && isInText;
         (void)wanted();
-        const std::size_t start = filter.attr.size() + 2;
+        std::size_t line = 0;
         do {
-            const std::size_t end = lines.find('\n') + 1;
-            if (isWanted(lines.substr(start, end - lineEnd.size() - start)))
+            const std::size_t start = line + filter.attr.size() + 2;
+            line = lines.find('\n', start) + 1;
+            if (isWanted(lines.substr(start, line - lineEnd.size() - start)))
                 return true;
-            lines.remove_prefix(end);
-        } while (isNamed(lines, filter.attr));
+        } while (isNamed(lines.substr(line), filter.attr));
         return false;
     }
 

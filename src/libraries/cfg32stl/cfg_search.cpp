@@ -55,7 +55,7 @@ public:
         records.push_back({type, texts.size()});
         if (hasSecret)
             reserveWiping(texts, texts.size() + text.size() + 1);
-        texts.append(text).append(1, '\0');
+        texts.append(text).push_back('\0');
     }
     // A value without a text.
     void addNull() { records.push_back({CFG_MSG_VALUE, noText}); }
