@@ -4,6 +4,7 @@
 #include "session.h"
 
 #include <cerrno>
+#include <clocale>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -100,6 +101,13 @@ const struct Step {
          return firstOf({s.search("cn=Configuration", LDAP_SCOPE_BASE, ""),
                          s.search("", LDAP_SCOPE_ONELEVEL, "(zeb-slapdSuffix=o=\\c3\\a9)", names),
                          s.search("", LDAP_SCOPE_SUBTREE, "cn=*")});
+     }},
+    {"locale", "",
+     [](Session& s) {
+         setenv("LOCPATH", LOCALES, 1);
+         const bool isThere = std::setlocale(LC_ALL, "de_CH.ISO-8859-1") != nullptr;
+         unsetenv("LOCPATH");
+         return isThere ? s.search("", LDAP_SCOPE_BASE, "version") : LDAP_OTHER;
      }},
     {"navigation", "",
      [](Session& s) {

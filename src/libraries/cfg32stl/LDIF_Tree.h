@@ -158,6 +158,7 @@ private:
     void link(Number entry, Number above) noexcept;
     void unlink(Number entry) noexcept;
     void indexAnew();
+    void followSome();
     Number openLocaleBound(Number first, std::vector<Number>& opened);
     std::vector<std::string_view> gatherPieces(const LDIF_Comment& after, std::string& buffer);
     const std::string& printedObject(Number entry);
@@ -176,6 +177,9 @@ private:
     // During a load: the attributes of the entries whose DN has come more than once.
     std::unordered_map<Number, std::map<cisString, LDIF_Attribute>> merged;
     std::unique_ptr<LocaleCopy> locale;  // in which the texts are read
+    // On the way to another locale, which lack of memory may interrupt: those of entries before followed are in it.
+    std::unique_ptr<LocaleCopy> nextLocale;
+    Number followed = 1;
 };
 
 #endif

@@ -85,19 +85,29 @@ std::vector<LDIF_Tree::Number> LDIF_Tree::childrenBelow(Number ancestor, Number 
 
 void LDIF_Tree::followLocale()
 {
-    if (locale->isPresent())
-        return;
-    auto present = std::make_unique<LocaleCopy>();
-    std::vector<Number> opened;
-    for (Number first = 1; first < nodes.size(); opened.clear()) {
-        first = openLocaleBound(first, opened);
-        for (const Number number : opened)
-            (void)becomeText(number, {}, std::numeric_limits<std::size_t>::max());
+    while (nextLocale != nullptr || !locale->isPresent()) {
+        if (nextLocale == nullptr) {
+            nextLocale = std::make_unique<LocaleCopy>();
+            followed = 1;
+        }
+        while (followed < nodes.size())
+            followSome();
+        for (auto& each : objects)
+            each.second.printed.clear();
+        const LocaleCopy::Use present(*nextLocale);
+        indexAnew();
+        locale = std::move(nextLocale);
     }
-    for (auto& each : objects)
-        each.second.printed.clear();
-    indexAnew();
-    locale = std::move(present);
+}
+
+// Reads some entries in the former locale, and prints them in the next one.
+void LDIF_Tree::followSome()
+{
+    std::vector<Number> opened;
+    followed = openLocaleBound(followed, opened);
+    const LocaleCopy::Use present(*nextLocale);
+    for (const Number number : opened)
+        (void)becomeText(number, {}, std::numeric_limits<std::size_t>::max());
 }
 
 // Makes objects of some entries from that one on, which are read in the former locale. Gives where to go on.
