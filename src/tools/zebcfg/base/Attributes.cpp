@@ -34,11 +34,13 @@ std::string describeLength(const AttributeType& type, const std::string& noun)
                              : noun + " of " + std::to_string(type.minimum) + " to " + most;
 }
 
-// Without regard to case.
+// Without regard to case. The names begin alike: their ends tell them apart.
 struct HashOfName {
     std::size_t operator()(std::string_view name) const
     {
-        return std::accumulate(name.begin(), name.end(), std::size_t{0}, [](std::size_t hash, char letter) {
+        constexpr std::size_t most = 8;
+        const auto end = name.substr(name.size() - std::min(name.size(), most));
+        return std::accumulate(end.begin(), end.end(), name.size(), [](std::size_t hash, char letter) {
             return hash * 31 + static_cast<unsigned char>(lowered(letter));
         });
     }
@@ -75,7 +77,7 @@ const std::vector<AttributeType>& attributeTypes()
 bool isSameName(std::string_view left, std::string_view right)
 {
     return std::equal(left.begin(), left.end(), right.begin(), right.end(),
-                      [](char a, char b) { return lowered(a) == lowered(b); });
+                      [](char a, char b) { return a == b || lowered(a) == lowered(b); });
 }
 
 const AttributeType* findAttributeType(std::string_view name)

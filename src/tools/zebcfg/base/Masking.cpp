@@ -5,6 +5,7 @@
 #include "base/Text.h"
 
 #include <algorithm>
+#include <array>
 #include <vector>
 
 namespace {
@@ -13,16 +14,23 @@ constexpr char blanks[] = " \t\v\f\r";
 constexpr char blanksAndMarks[] = " \t\v\f\r:=";
 bool passwordsAreShown = false;
 
-bool isLetterOrDigit(char character)
+constexpr bool isLetterOrDigit(char character)
 {
     const char lower = lowered(character);
     return (lower >= 'a' && lower <= 'z') || (character >= '0' && character <= '9');
 }
 
+constexpr auto nameCharacters = [] {
+    std::array<bool, 256> table = {};
+    for (std::size_t byte = 0; byte < table.size(); ++byte)
+        table[byte] =
+            byte >= 0x80 || isLetterOrDigit(static_cast<char>(byte)) || byte == '-' || byte == '_' || byte == '.';
+    return table;
+}();
+
 bool isNameCharacter(char character)
 {
-    return isLetterOrDigit(character) || character == '-' || character == '_' || character == '.' ||
-           static_cast<unsigned char>(character) >= 0x80;
+    return nameCharacters[static_cast<unsigned char>(character)];
 }
 
 // The letters and digits of a text in lower case.
@@ -170,6 +178,13 @@ std::size_t fragmentIn(const std::string& line)
     return value != std::string::npos && isFragment(line.substr(value)) ? value : std::string::npos;
 }
 
+// A name that begins with a blank may continue a comment that has the true one.
+bool isSecretUnknown(std::string_view attribute)
+{
+    const std::string line = std::string(attribute) + ": value";
+    return blankAt(line, 0) != 0 || std::min(secretAfterName(line), secretAfterWord(line)) != std::string::npos;
+}
+
 }  // namespace
 
 void showPasswords(bool areShown)
@@ -177,15 +192,14 @@ void showPasswords(bool areShown)
     passwordsAreShown = areShown;
 }
 
-// What stands around the name of a known attribute does not make another of it. A name that begins with a blank may
-// continue a comment that has the true one.
+// What stands around the name of a known attribute does not make another of it.
 bool isSecret(std::string_view attribute)
 {
     const AttributeType* const type = findAttributeType(attribute);
     if (type != nullptr || attribute.empty())
         return type != nullptr && type->syntax == Syntax::password;
-    const std::string line = std::string(attribute) + ": value";
-    return blankAt(line, 0) != 0 || std::min(secretAfterName(line), secretAfterWord(line)) != std::string::npos;
+    static Answers<bool> answers(&isSecretUnknown);
+    return answers.of(attribute);
 }
 
 std::size_t secretOf(const std::string& line)

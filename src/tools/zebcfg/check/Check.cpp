@@ -132,7 +132,7 @@ private:
         const std::string next = std::string("put it right, or the next load moves it to ") + invalidLine;
         try {
             if (line.hasColon)
-                scratch.add({"cn=line", {{std::string(line.name), {std::string(line.value)}}}});
+                scratch.add("cn=line", {{LDAP_MOD_ADD, {std::string(line.name), {std::string(line.value)}}}});
         } catch (const Failure& failure) {
             const bool isAllowedKnown = failure.extended != CFG_ERR_INT_SYNTAX;  // The text of the others tells it.
             return findingOf(failure, line.first,

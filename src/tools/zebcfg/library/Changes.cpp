@@ -168,10 +168,10 @@ bool Changes::write()
     return isChanged;
 }
 
-void Changes::make(const Call& call)
+void Changes::make(Call call)
 {
     call(*opened);
-    calls.push_back(call);
+    calls.push_back(std::move(call));
 }
 
 // Without memory the library may have made what it reports as failed.
@@ -242,11 +242,12 @@ void Changes::requireParent(const std::string& dn, const std::string& advice) co
 void Changes::add(const std::string& dn, const std::vector<Change>& attributes, bool needsParent)
 {
     step([&] {
-        const std::string spelling = spelled(dn);
-        if (opened->exists(dn))
+        requireNoNul(dn);
+        const auto spelling = opened->spellingIfMissing(dn);
+        if (!spelling)
             throw Failure(LDAP_ALREADY_EXISTS, "the entry " + dn + " exists already");
         if (needsParent)
-            requireParent(spelling, " (--no-parent-check adds the entry all the same)");
+            requireParent(*spelling, " (--no-parent-check adds the entry all the same)");
         for (const Change& change : attributes)
             atLineOf(change, [&] { requireNameAndValues(dn, change.attribute); });
         addEntry(dn, attributes);
@@ -282,11 +283,8 @@ bool Changes::hasPlainly(const std::string& dn, const std::vector<Change>& attri
 // The failure names the attribute that the library refuses.
 void Changes::addEntry(const std::string& dn, const std::vector<Change>& attributes)
 {
-    Entry entry{dn, {}};
-    for (const Change& change : attributes)
-        entry.attributes.push_back(change.attribute);
     try {
-        make([entry](Session& session) { session.add(entry); });
+        make([dn, attributes](Session& session) { session.add(dn, attributes); });
     } catch (Failure& failure) {
         for (const Change& change : attributes) {
             if (isSameName(change.attribute.name, failure.attribute))

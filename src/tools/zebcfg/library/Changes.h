@@ -62,7 +62,7 @@ private:
     Text text() const;
     void begin(Text text);
     void step(const std::function<void()>& body);
-    void make(const Call& call);
+    void make(Call call);
     void goBack(std::size_t count);
     void requireNameAndValues(const std::string& dn, const Attribute& attribute);
     void requireParent(const std::string& dn, const std::string& advice) const;

@@ -243,9 +243,9 @@ Failure Session::missingEntry(const std::string& dn) const
 }
 
 // The report of the failed search holds it.
-std::string Session::spellingOfMissing(const std::string& dn) const
+std::optional<std::string> Session::spellingIfMissing(const std::string& dn) const
 {
-    return exists(dn) ? dn : textOf(cfg_get_entry(cfg.get()));
+    return exists(dn) ? std::nullopt : std::optional<std::string>(textOf(cfg_get_entry(cfg.get())));
 }
 
 std::vector<std::string> Session::values(const std::string& dn, const std::string& attribute) const
@@ -281,12 +281,9 @@ std::vector<Entry> Session::entriesWith(const std::vector<std::string>& names, s
     return entries;
 }
 
-void Session::add(const Entry& entry)
+void Session::add(const std::string& dn, const std::vector<Change>& attributes)
 {
-    std::vector<Change> changes;
-    for (const Attribute& attribute : entry.attributes)
-        changes.push_back({LDAP_MOD_ADD, attribute});
-    requireMade(cfg_add_s(cfg.get(), entry.dn.c_str(), Mods(changes).data()));
+    requireMade(cfg_add_s(cfg.get(), dn.c_str(), Mods(attributes).data()));
 }
 
 void Session::modify(const std::string& dn, const std::vector<Change>& changes)

@@ -50,13 +50,13 @@ public:
     // The root and every entry that has one of the attributes. Those with an objectclass come first, and only while
     // fewer than count entries have been found are the others looked for.
     std::vector<Entry> entriesWith(const std::vector<std::string>& names, std::size_t count) const;
-    // The library's spelling of a DN that is not in the file. Throws Failure (34) for a text that is no DN.
-    std::string spellingOfMissing(const std::string& dn) const;
+    // The library's spelling of a DN, or nothing when the entry exists. Throws Failure (34) for a text that is no DN.
+    std::optional<std::string> spellingIfMissing(const std::string& dn) const;
 
     // Whether a change counts as made when the library may not write the file: it is in memory then, and goes with the
     // next write.
     void deferWrites(bool areDeferred) noexcept { isDeferring = areDeferred; }
-    void add(const Entry& entry);
+    void add(const std::string& dn, const std::vector<Change>& attributes);
     void modify(const std::string& dn, const std::vector<Change>& changes);
     void erase(const std::string& dn, bool withChildren);
     void flush();
