@@ -138,11 +138,13 @@ void Changes::load(const std::string& text)
     open();
 }
 
+// The copy may be written then, and has what the tree has.
 void Changes::flush()
 {
     copy.allowWrites();
     opened->deferWrites(false);
-    opened->flush();
+    if (!calls.empty())
+        opened->flush();
 }
 
 Changes::Text Changes::text() const
@@ -190,11 +192,12 @@ void Changes::step(const std::function<void()>& body)
 // A copy of the whole at each step would be most of the work: the calls since the last one are made again.
 void Changes::goBack(std::size_t count)
 {
-    const std::vector<Call> kept(calls.begin(), calls.begin() + static_cast<std::ptrdiff_t>(count));
+    std::vector<Call> kept = std::move(calls);
+    kept.resize(count);
     load(*checkpoint);
     begin(checkpoint);
-    for (const Call& call : kept)
-        call(*opened);
+    for (Call& call : kept)
+        make(std::move(call));
     flush();
     begin(text());
 }
