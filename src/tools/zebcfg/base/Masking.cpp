@@ -178,13 +178,6 @@ std::size_t fragmentIn(const std::string& line)
     return value != std::string::npos && isFragment(line.substr(value)) ? value : std::string::npos;
 }
 
-// A name that begins with a blank may continue a comment that has the true one.
-bool isSecretUnknown(std::string_view attribute)
-{
-    const std::string line = std::string(attribute) + ": value";
-    return blankAt(line, 0) != 0 || std::min(secretAfterName(line), secretAfterWord(line)) != std::string::npos;
-}
-
 }  // namespace
 
 void showPasswords(bool areShown)
@@ -192,14 +185,15 @@ void showPasswords(bool areShown)
     passwordsAreShown = areShown;
 }
 
-// What stands around the name of a known attribute does not make another of it.
+// What stands around the name of a known attribute does not make another of it. A name that begins with a blank may
+// continue a comment that has the true one.
 bool isSecret(std::string_view attribute)
 {
     const AttributeType* const type = findAttributeType(attribute);
     if (type != nullptr || attribute.empty())
         return type != nullptr && type->syntax == Syntax::password;
-    static Answers<bool> answers(&isSecretUnknown);
-    return answers.of(attribute);
+    const std::string line = std::string(attribute) + ": value";
+    return blankAt(line, 0) != 0 || std::min(secretAfterName(line), secretAfterWord(line)) != std::string::npos;
 }
 
 std::size_t secretOf(const std::string& line)
