@@ -13,7 +13,7 @@ namespace {
 class Installation : public Workplace {
 public:
     explicit Installation(const Target& wanted)
-        : target(wanted), replacement(wanted.file, handlingOf(wanted)), working(file().text())
+        : target(wanted), replacement(wanted.file, handlingOf(wanted)), working(replacement.live().text())
     {}
 
     const LiveFile& file() const override { return replacement.live(); }
