@@ -110,12 +110,12 @@ void LDIF_File::readTree(LDIF_Tree&& emptyTree, bool& needsRewrite)
 
 void LDIF_File::flush()
 try {
-    std::string printed;
-    const std::vector<std::string_view> text = tree.pieces(comment, printed);
     FileStatus before = fileStat;
     (void)_stat(fileName.c_str(), &before);  // Its mode may have changed without its time.
     if (!isRegular(before))
         throw cannotOpen(fileName);
+    std::string printed;
+    const std::vector<std::string_view> text = tree.pieces(comment, printed);
     if (!backupFileName.empty())
         moveToBackup();
     if (!writeFile(fileName, text, before))

@@ -1,9 +1,11 @@
 #include "base/Attributes.h"
 
+#include "base/Answers.h"
 #include "base/Text.h"
 
 #include <algorithm>
 #include <numeric>
+#include <unordered_map>
 
 namespace {
 
@@ -32,6 +34,22 @@ std::string describeLength(const AttributeType& type, const std::string& noun)
                              : noun + " of " + std::to_string(type.minimum) + " to " + most;
 }
 
+// Without regard to case. The names begin alike: their ends tell them apart.
+struct HashOfName {
+    std::size_t operator()(std::string_view name) const
+    {
+        constexpr std::size_t most = 8;
+        const auto end = name.substr(name.size() - std::min(name.size(), most));
+        return std::accumulate(end.begin(), end.end(), name.size(), [](std::size_t hash, char letter) {
+            return hash * 31 + static_cast<unsigned char>(lowered(letter));
+        });
+    }
+};
+
+struct EqualNames {
+    bool operator()(std::string_view left, std::string_view right) const { return isSameName(left, right); }
+};
+
 // The number of letters that have to be put in, taken out or exchanged to make one word of the other.
 std::size_t distance(std::string_view left, std::string_view right)
 {
@@ -59,16 +77,19 @@ const std::vector<AttributeType>& attributeTypes()
 bool isSameName(std::string_view left, std::string_view right)
 {
     return std::equal(left.begin(), left.end(), right.begin(), right.end(),
-                      [](char a, char b) { return lowered(a) == lowered(b); });
+                      [](char a, char b) { return a == b || lowered(a) == lowered(b); });
 }
 
 const AttributeType* findAttributeType(std::string_view name)
 {
-    const auto& rows = attributeTypes();
-    const auto found =
-        std::lower_bound(rows.begin(), rows.end(), name,
-                         [](const AttributeType& row, std::string_view wanted) { return isBefore(row.name, wanted); });
-    return found != rows.end() && isSameName(found->name, name) ? &*found : nullptr;
+    static const auto rowsByName = [] {
+        std::unordered_map<std::string_view, const AttributeType*, HashOfName, EqualNames> rows;
+        for (const AttributeType& row : attributeTypes())
+            rows.emplace(row.name, &row);
+        return rows;
+    }();
+    const auto found = rowsByName.find(name);
+    return found != rowsByName.end() ? found->second : nullptr;
 }
 
 bool isPassword(std::string_view name)
@@ -101,7 +122,7 @@ std::string describeValues(const AttributeType& type)
 
 std::string nearest(std::string_view word, const std::vector<std::string>& candidates)
 {
-    std::size_t best = std::min<std::size_t>(word.size() / 3 + 1, 3);  // as far as a slip of the fingers goes
+    std::size_t best = std::min(word.size() / 3, mostSlips) + 1;
     std::string found;
     for (const std::string& candidate : candidates) {
         const std::size_t length = candidate.size();
@@ -118,9 +139,13 @@ std::string nearest(std::string_view word, const std::vector<std::string>& candi
 
 std::string attributeHint(std::string_view name)
 {
-    std::vector<std::string> names;
-    for (const AttributeType& type : attributeTypes())
-        names.push_back(type.name);
-    const std::string found = findAttributeType(name) == nullptr ? nearest(name, names) : "";
+    static const std::vector<std::string> names = [] {
+        std::vector<std::string> known;
+        for (const AttributeType& type : attributeTypes())
+            known.push_back(type.name);
+        return known;
+    }();
+    static Answers<std::string> answers([](std::string_view asked) { return nearest(asked, names); });
+    const std::string found = findAttributeType(name) == nullptr ? answers.of(name) : "";
     return found.empty() ? "" : " (did you mean " + found + "?)";
 }

@@ -33,6 +33,8 @@ constexpr char invalidLine[] = "zeb-slapdInvalidLine";
 
 bool isSameName(std::string_view left, std::string_view right);
 
+// As far as slips of the fingers go: letters put in, left out or exchanged.
+constexpr std::size_t mostSlips = 2;
 // The candidate that is nearest to a misspelt word, or the empty text when none is near.
 std::string nearest(std::string_view word, const std::vector<std::string>& candidates);
 // " (did you mean NAME?)" for a misspelt attribute name, else the empty text.

@@ -2,6 +2,7 @@
 
 #include "base/Failure.h"
 
+#include <cstring>
 #include <optional>
 
 #include <iconv.h>
@@ -34,12 +35,12 @@ std::optional<std::string> converted(const std::string& text, const char* from, 
     return target;
 }
 
+}  // namespace
+
 bool isUtf8Locale()
 {
-    return std::string(::nl_langinfo(CODESET)) == utf8;
+    return std::strcmp(::nl_langinfo(CODESET), utf8) == 0;
 }
-
-}  // namespace
 
 std::string toUtf8(const std::string& text)
 {

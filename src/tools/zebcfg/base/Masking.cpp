@@ -1,9 +1,11 @@
 #include "base/Masking.h"
 
+#include "base/Answers.h"
 #include "base/Attributes.h"
 #include "base/Text.h"
 
 #include <algorithm>
+#include <array>
 #include <vector>
 
 namespace {
@@ -12,16 +14,23 @@ constexpr char blanks[] = " \t\v\f\r";
 constexpr char blanksAndMarks[] = " \t\v\f\r:=";
 bool passwordsAreShown = false;
 
-bool isLetterOrDigit(char character)
+constexpr bool isLetterOrDigit(char character)
 {
     const char lower = lowered(character);
     return (lower >= 'a' && lower <= 'z') || (character >= '0' && character <= '9');
 }
 
+constexpr auto nameCharacters = [] {
+    std::array<bool, 256> table = {};
+    for (std::size_t byte = 0; byte < table.size(); ++byte)
+        table[byte] =
+            byte >= 0x80 || isLetterOrDigit(static_cast<char>(byte)) || byte == '-' || byte == '_' || byte == '.';
+    return table;
+}();
+
 bool isNameCharacter(char character)
 {
-    return isLetterOrDigit(character) || character == '-' || character == '_' || character == '.' ||
-           static_cast<unsigned char>(character) >= 0x80;
+    return nameCharacters[static_cast<unsigned char>(character)];
 }
 
 // The letters and digits of a text in lower case.
@@ -77,6 +86,16 @@ std::size_t endOfPasswordName(std::string_view text)
     return count != std::string::npos ? endOfLetters(text, count) : count;
 }
 
+// Of the names of attributes for passwords.
+std::size_t shortestName()
+{
+    static const std::size_t length =
+        std::min_element(passwordNames().begin(), passwordNames().end(), [](const auto& left, const auto& right) {
+            return left.size() < right.size();
+        })->size();
+    return length;
+}
+
 bool contains(std::string_view text, std::string_view name)
 {
     return std::search(text.begin(), text.end(), name.begin(), name.end(),
@@ -85,7 +104,10 @@ bool contains(std::string_view text, std::string_view name)
 
 bool isMisspeltPassword(std::string_view word)
 {
-    return !nearest(word, passwordNames()).empty();
+    if (word.size() + mostSlips < shortestName())
+        return false;  // as most words
+    static Answers<bool> answers([](std::string_view asked) { return !nearest(asked, passwordNames()).empty(); });
+    return answers.of(word);
 }
 
 bool soundsSecret(std::string_view name)
@@ -129,8 +151,8 @@ std::size_t secretAfterWord(const std::string& line)
 {
     for (std::string_view word = wordFrom(line, 0); !word.empty();) {
         const auto end = static_cast<std::size_t>(word.data() + word.size() - line.data());
-        if (findAttributeType(word) == nullptr &&
-            (isMisspeltPassword(word) || (soundsSecret(word) && isMarked(line, end))))
+        if ((isMisspeltPassword(word) || (isMarked(line, end) && soundsSecret(word))) &&
+            findAttributeType(word) == nullptr)
             return line.find_first_not_of(blanksAndMarks, end);
         word = wordFrom(line, end);
     }
@@ -149,11 +171,11 @@ bool isFragment(const std::string& refused)
 std::size_t fragmentIn(const std::string& line)
 {
     const std::string_view name = wordFrom(line, 0);
+    if (!isSameName(name, invalidLine))
+        return std::string::npos;
     const auto value =
         line.find_first_not_of(blanksAndMarks, static_cast<std::size_t>(name.data() + name.size() - line.data()));
-    return isSameName(name, invalidLine) && value != std::string::npos && isFragment(line.substr(value))
-               ? value
-               : std::string::npos;
+    return value != std::string::npos && isFragment(line.substr(value)) ? value : std::string::npos;
 }
 
 }  // namespace
@@ -186,11 +208,11 @@ std::string shownValue(const std::string& attribute, const std::string& value)
 {
     if (passwordsAreShown)
         return value;
-    if (isSecret(attribute))
+    const AttributeType* const type = findAttributeType(attribute);
+    if (type == nullptr ? isSecret(attribute) : type->syntax == Syntax::password)
         return passwordMask;
     if (isSameName(attribute, invalidLine) && isFragment(value))
         return passwordMask;
-    const AttributeType* const type = findAttributeType(attribute);
     return type != nullptr && type->syntax != Syntax::text ? value : shownLine(value);
 }
 

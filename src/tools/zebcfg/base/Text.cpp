@@ -44,7 +44,7 @@ std::string hexOf(unsigned char byte)
     return {digits[byte >> 4], digits[byte & 15]};
 }
 
-std::size_t blankAt(const std::string& text, std::size_t place)
+std::size_t blankAt(std::string_view text, std::size_t place)
 {
     if (place < text.size() && std::isgraph(static_cast<unsigned char>(text[place])) != 0)
         return 0;  // The usual line needs no conversion.

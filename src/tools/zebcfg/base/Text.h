@@ -3,6 +3,7 @@
 #define ZEBCFG_TEXT_H
 
 #include <string>
+#include <string_view>
 
 // Of ASCII alone, as names of attributes are, whatever the locale.
 constexpr char lowered(char letter)
@@ -25,7 +26,7 @@ std::string visible(const std::string& text);
 std::string eachLine(const std::string& text, std::string (*change)(const std::string& line));
 
 // The length of the white space character at a place, as the locale has it; 0 for any other.
-std::size_t blankAt(const std::string& text, std::size_t place);
+std::size_t blankAt(std::string_view text, std::size_t place);
 
 // Some editors write one in front of UTF-8, where it is part of the first name.
 constexpr char byteOrderMark[] = "\xEF\xBB\xBF";

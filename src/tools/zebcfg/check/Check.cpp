@@ -5,6 +5,7 @@
 #include "base/Masking.h"
 #include "base/Text.h"
 #include "check/LoadableText.h"
+#include "files/Descriptor.h"
 #include "files/LiveFile.h"
 #include "files/MemoryFile.h"
 #include "formats/ConfigText.h"
@@ -13,7 +14,7 @@
 
 #include <algorithm>
 #include <map>
-#include <memory>
+#include <optional>
 #include <set>
 
 #include <zebldapcfg.h>
@@ -58,17 +59,9 @@ std::string adviceFor(const Failure& failure)
 class Checker {
 public:
     Checker(const std::string& original, const std::string& shown)
-        : text(original), shownName(shown), loadable(original, shown), copy(loadable.text()),
-          session(copy.name(), shown), emptyFile(""), scratch(emptyFile.name(), shown)
-    {
-        for (const ConfigLine& line : linesOf(loadable.text())) {
-            if (line.isDn)
-                dnOfEntry[line.entry] = spelled.orNothing(line.value);
-            else
-                linesOfName[{dnOfEntry[line.entry], lower(line.name)}].push_back(line.first);
-            lines.push_back(line);
-        }
-    }
+        : text(original), shownName(shown), loadable(original, shown), session(loadable.loaded().session()),
+          emptyFile(""), scratch(emptyFile.name(), shown), lines(loadable.text())
+    {}
 
     std::vector<Finding> run()
     {
@@ -91,31 +84,43 @@ public:
     }
 
 private:
-    static std::string lower(std::string name)
+    // The DN of the entry that the line is in, as the library spells it; empty for none. It is asked for where it
+    // counts: the library takes longer over the DNs of a file than over its lines.
+    std::string dnOf(const ConfigLine& line) const
     {
-        std::transform(name.begin(), name.end(), name.begin(), lowered);
-        return name;
+        const auto entry =
+            std::lower_bound(lines.begin(), lines.end(), line.entry,
+                             [](const ConfigLine& candidate, int number) { return candidate.first < number; });
+        return line.entry != 0 ? spelled.orNothing(std::string(entry->value)) : "";
     }
 
     // The load has moved the lines that it could not take in into an attribute, each with its name and value.
     void findQuarantined()
     {
-        std::set<std::pair<std::string, std::string>> moved;
+        std::map<std::string, std::set<std::string>> dnsOfMoved;
         for (const Entry& entry :
              session.search("", LDAP_SCOPE_SUBTREE, std::string(invalidLine) + "=*", {invalidLine}))
             for (const std::string& value : entry.attributes.front().values)
-                moved.insert({entry.dn, trimmedValue(value)});
+                dnsOfMoved[std::string(trimmedValue(value))].insert(entry.dn);
         for (const ConfigLine& line : lines) {
             if (isSameName(line.name, invalidLine))
                 findings.push_back(quarantineOf(line));
-            else if (moved.count({dnOfEntry[line.entry], trimmedValue(line.name + ": " + line.value)}) != 0)
+            else if (!dnsOfMoved.empty() && isIn(dnsOfMoved, line))
                 findings.push_back(refusalOf(line));
         }
     }
 
+    bool isIn(const std::map<std::string, std::set<std::string>>& dnsOfMoved, const ConfigLine& line) const
+    {
+        const std::string whole = std::string(line.name).append(": ").append(line.value);
+        const auto found = dnsOfMoved.find(std::string(trimmedValue(whole)));
+        return found != dnsOfMoved.end() && found->second.count(dnOf(line)) != 0;
+    }
+
     static Finding quarantineOf(const ConfigLine& line)
     {
-        return Finding(Severity::warning, line.first, "a line that was refused: " + shownValue(invalidLine, line.value))
+        return Finding(Severity::warning, line.first,
+                       "a line that was refused: " + shownValue(invalidLine, std::string(line.value)))
             .coded(LDAP_INVALID_SYNTAX)
             .advise("put it right, and drop " + std::string(invalidLine) + ": in front of it")
             .about(invalidLine);
@@ -127,14 +132,15 @@ private:
         const std::string next = std::string("put it right, or the next load moves it to ") + invalidLine;
         try {
             if (line.hasColon)
-                scratch.add({"cn=line", {{line.name, {line.value}}}});
+                scratch.add("cn=line", {{LDAP_MOD_ADD, {std::string(line.name), {std::string(line.value)}}}});
         } catch (const Failure& failure) {
             const bool isAllowedKnown = failure.extended != CFG_ERR_INT_SYNTAX;  // The text of the others tells it.
-            return findingOf(failure, line.first, isAllowedKnown ? next : allowedFor(line.name) + "; " + next);
+            return findingOf(failure, line.first,
+                             isAllowedKnown ? next : allowedFor(std::string(line.name)) + "; " + next);
         }
-        const std::string reason = line.hasColon
-                                       ? shownLine(line.name) + ": the value is refused beside those before it"
-                                       : "the line has no name and colon";
+        const std::string reason =
+            line.hasColon ? shownLine(std::string(line.name)) + ": the value is refused beside those before it"
+                          : "the line has no name and colon";
         return Finding(Severity::error, line.first, reason).coded(LDAP_INVALID_SYNTAX).advise(next);
     }
 
@@ -148,35 +154,74 @@ private:
         }
     }
 
+    // The first line of each attribute of an entry that is meant to have one value; 0 once that is reported.
+    using FirstLines = std::map<const AttributeType*, int>;
+
+    // An entry may come in parts. There are none where each dn line gives an entry that a search finds.
     void findSeveralValues()
     {
-        for (const auto& [key, numbers] : linesOfName) {
-            const AttributeType* const type = findAttributeType(key.second);
-            if (numbers.size() < 2 || type == nullptr || !type->isSingle)
-                continue;
-            if (countOf(key.first, key.second) > 1)
-                findings.push_back(
-                    Finding(Severity::warning, numbers[1], type->name + ": it is meant to have one value")
-                        .coded(LDAP_CONSTRAINT_VIOLATION, CFG_ERR_SINGLE_VALUED)
-                        .advise("the first one is on line " + std::to_string(numbers[0]) + "; remove one")
-                        .about(type->name));
+        const auto dnLines =
+            std::count_if(lines.begin(), lines.end(), [](const ConfigLine& line) { return line.isDn; });
+        const auto entries = session.search("", LDAP_SCOPE_SUBTREE, "", {"1.1"}).size();
+        const bool hasParts = static_cast<std::size_t>(dnLines) > entries;
+        std::map<std::string, FirstLines> known;
+        FirstLines* ofEntry = nullptr;
+        int entry = -1;
+        for (const ConfigLine& line : lines) {
+            if (line.entry != entry) {
+                ofEntry = &known[hasParts ? dnOf(line) : ""];
+                if (!hasParts)
+                    ofEntry->clear();
+                entry = line.entry;
+            }
+            const AttributeType* const type = line.isDn ? nullptr : findAttributeType(line.name);
+            if (type != nullptr && type->isSingle)
+                takeSingle(*type, line, *ofEntry);
         }
+    }
+
+    void takeSingle(const AttributeType& type, const ConfigLine& line, FirstLines& known)
+    {
+        int& first = known.emplace(&type, line.first).first->second;
+        if (first == 0 || first == line.first)
+            return;
+        if (countOf(dnOf(line), type.name) > 1)
+            findings.push_back(severalOf(type, first, line.first));
+        first = 0;
+    }
+
+    static Finding severalOf(const AttributeType& type, int firstLine, int secondLine)
+    {
+        return Finding(Severity::warning, secondLine, type.name + ": it is meant to have one value")
+            .coded(LDAP_CONSTRAINT_VIOLATION, CFG_ERR_SINGLE_VALUED)
+            .advise("the first one is on line " + std::to_string(firstLine) + "; remove one")
+            .about(type.name);
     }
 
     // An encoded password is taken as it is, and every search that meets it fails.
     void findUndecodable()
     {
+        std::map<std::string, bool> decodes;  // all of the attribute
         for (const ConfigLine& line : lines) {
-            if (!isPassword(line.name) || line.value.empty() || line.value.front() != '>')
+            if (line.value.empty() || line.value.front() != '>' || !isPassword(line.name))
                 continue;
-            const MemoryFile file("dn: cn=line\n" + line.name + ": " + line.value + '\n');
-            try {
-                const Session single(file.name(), shownName);
-                (void)single.search("cn=line", LDAP_SCOPE_BASE, line.name + "=*");
-            } catch (const Failure& failure) {
-                findings.push_back(findingOf(failure, line.first, ""));
-            }
+            const std::string name(line.name);
+            const auto known = decodes.find(name);
+            if (known != decodes.end() ? known->second : (decodes[name] = !failureOfSearch(session, "", name)))
+                continue;
+            const MemoryFile file("dn: cn=line\n" + name + ": " + std::string(line.value) + '\n');
+            if (const auto failure = failureOfSearch(Session(file.name(), shownName), "cn=line", name))
+                findings.push_back(findingOf(*failure, line.first, ""));
         }
+    }
+
+    static std::optional<Failure> failureOfSearch(const Session& searched, const std::string& base,
+                                                  const std::string& name)
+    try {
+        (void)searched.search(base, LDAP_SCOPE_SUBTREE, name + "=*", {name});
+        return std::nullopt;
+    } catch (const Failure& failure) {
+        return failure;
     }
 
     void findMisspelt()
@@ -184,23 +229,21 @@ private:
         for (const ConfigLine& line : lines) {
             const std::string hint = line.isDn || !line.hasColon ? "" : attributeHint(line.name);
             if (!hint.empty() && !isSameName(line.name, invalidLine))
-                findings.push_back(Finding(Severity::note, line.first,
-                                           shownLine(line.name) + ": the server knows no such attribute" + hint)
-                                       .coded(LDAP_UNDEFINED_TYPE)
-                                       .advise("its value is not checked")
-                                       .about(shownLine(line.name)));
+                findings.push_back(
+                    Finding(Severity::note, line.first,
+                            shownLine(std::string(line.name)) + ": the server knows no such attribute" + hint)
+                        .coded(LDAP_UNDEFINED_TYPE)
+                        .advise("its value is not checked")
+                        .about(shownLine(std::string(line.name))));
         }
     }
 
     void findMissingLogin()
     {
-        const auto line = std::find_if(lines.begin(), lines.end(), [&](const ConfigLine& candidate) {
-            return candidate.isDn && isSameName(dnOfEntry[candidate.entry], configurationDn);
-        });
-        if (line == lines.end() || session.search(configurationDn, LDAP_SCOPE_BASE, "", {"objectclass"}).empty()) {
-            const bool isThere = line != lines.end();
+        const bool isThere = session.exists(configurationDn);
+        if (!isThere || session.search(configurationDn, LDAP_SCOPE_BASE, "", {"objectclass"}).empty()) {
             findings.push_back(
-                Finding(Severity::warning, isThere ? line->first : 0,
+                Finding(Severity::warning, isThere ? lineOfLogin() : 0,
                         isThere ? "cn=Configuration has no objectclass" : "there is no entry cn=Configuration")
                     .coded(LDAP_NO_SUCH_OBJECT)
                     .advise(loginAdvice));
@@ -209,17 +252,24 @@ private:
         for (const char* const name : {"zeb-slapdAdminDN", "zeb-slapdAdminPW"}) {
             if (!session.has(configurationDn, name))
                 findings.push_back(
-                    Finding(Severity::warning, line->first, std::string(name) + ": cn=Configuration has none")
+                    Finding(Severity::warning, lineOfLogin(), std::string(name) + ": cn=Configuration has none")
                         .coded(LDAP_NO_SUCH_ATTRIBUTE)
                         .advise(loginAdvice)
                         .about(name));
         }
     }
 
+    int lineOfLogin() const
+    {
+        const auto line = std::find_if(lines.begin(), lines.end(), [&](const ConfigLine& candidate) {
+            return candidate.isDn && isSameName(dnOf(candidate), configurationDn);
+        });
+        return line != lines.end() ? line->first : 0;
+    }
+
     void findChangesOfFirstWrite()
     {
-        session.flush();
-        if (readFile(copy.name(), shownName) != text)
+        if (!holdsText(loadable.loaded().file().name(), text, shownName))
             findings.push_back(Finding(Severity::note, 0, "the first write changes the form of this file")
                                    .advise("zebcfg -n set with any change shows how"));
     }
@@ -227,14 +277,11 @@ private:
     const std::string& text;
     const std::string& shownName;
     const LoadableText loadable;
-    const MemoryFile copy;
-    Session session;
+    const Session& session;
     const MemoryFile emptyFile;
     Session scratch;
     const DnSpeller spelled;
-    std::vector<ConfigLine> lines;
-    std::map<int, std::string> dnOfEntry;
-    std::map<std::pair<std::string, std::string>, std::vector<int>> linesOfName;
+    const ConfigLines lines;
     std::vector<Finding> findings;
 };
 

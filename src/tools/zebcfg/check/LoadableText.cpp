@@ -1,8 +1,5 @@
 #include "check/LoadableText.h"
 
-#include "files/MemoryFile.h"
-#include "library/Session.h"
-
 #include <algorithm>
 #include <cstdlib>
 #include <optional>
@@ -16,8 +13,7 @@ constexpr std::size_t mostFailures = 200;
 // A text that loads may still hold what keeps it from being written.
 std::optional<Failure> failureOfLoad(const std::string& text, const std::string& shownName)
 try {
-    const MemoryFile copy(text);
-    Session(copy.name(), shownName).flush();
+    (void)Loaded(text, shownName);
     return std::nullopt;
 } catch (const Failure& failure) {
     return failure;
@@ -27,7 +23,7 @@ try {
 int lineOfUnwritableDn(const std::string& text, const std::string& shownName)
 {
     for (const ConfigLine& line : linesOf(text)) {
-        if (line.isDn && failureOfLoad("dn: " + line.value + '\n', shownName))
+        if (line.isDn && failureOfLoad("dn: " + std::string(line.value) + '\n', shownName))
             return line.first;
     }
     return 0;
@@ -60,9 +56,14 @@ int lineOfForeignBytes(const std::string& text, int number)
 
 }  // namespace
 
+Loaded::Loaded(const std::string& text, const std::string& shownName) : copy(text), opened(copy.name(), shownName)
+{
+    opened.flush();
+}
+
 LoadableText::LoadableText(const std::string& original, const std::string& shownName) : current(original)
 {
-    while (std::optional<Failure> failure = failureOfLoad(current, shownName)) {
+    while (std::optional<Failure> failure = load(shownName)) {
         if (isTextFailure(failure->code))
             failure->fileLine = lineOfForeignBytes(current, failure->fileLine);
         if (failure->fileLine == 0)
@@ -70,9 +71,18 @@ LoadableText::LoadableText(const std::string& original, const std::string& shown
         if (found.size() == mostFailures || !takeOut(*failure)) {
             found.push_back(*failure);
             current.clear();
+            last.emplace(current, shownName);
             return;
         }
     }
+}
+
+std::optional<Failure> LoadableText::load(const std::string& shownName)
+try {
+    last.emplace(current, shownName);
+    return std::nullopt;
+} catch (const Failure& failure) {
+    return failure;
 }
 
 // A dn line keeps its entry together under a name of its own, any other line becomes a comment. False when the line is

@@ -3,10 +3,28 @@
 #define ZEBCFG_LOADABLETEXT_H
 
 #include "base/Failure.h"
+#include "files/MemoryFile.h"
 #include "formats/ConfigText.h"
+#include "library/Session.h"
 
+#include <optional>
 #include <string>
 #include <vector>
+
+// A text behind the library, which has written it once.
+class Loaded {
+public:
+    // Throws Failure.
+    Loaded(const std::string& text, const std::string& shownName);
+
+    const Session& session() const noexcept { return opened; }
+    // What the library has written.
+    const MemoryFile& file() const noexcept { return copy; }
+
+private:
+    const MemoryFile copy;
+    Session opened;
+};
 
 class LoadableText {
 public:
@@ -17,10 +35,14 @@ public:
     // What ended the loads, with the first line of the text at fault. Ends with the last one that can be mended so.
     const std::vector<Failure>& failures() const noexcept { return found; }
 
+    const Loaded& loaded() const noexcept { return *last; }
+
 private:
+    std::optional<Failure> load(const std::string& shownName);
     bool takeOut(Failure failure);
 
     std::string current;
+    std::optional<Loaded> last;
     std::vector<Failure> found;
 };
 

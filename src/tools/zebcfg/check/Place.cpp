@@ -16,7 +16,7 @@ void addPlace(Failure& failure, const std::string& text, const std::string& show
     const std::string dn = spelled.orNothing(failure.entry);
     int entry = 0;  // the number of the last dn line with that DN
     for (const ConfigLine& line : linesOf(text)) {
-        if (line.isDn && isSameName(spelled.orNothing(line.value), dn))
+        if (line.isDn && isSameName(spelled.orNothing(std::string(line.value)), dn))
             entry = line.first;
         if (line.entry == 0 || line.entry != entry)
             continue;

@@ -30,7 +30,7 @@ Section::Section(const std::string& text, const std::string& dn) : whole(text), 
     std::vector<std::string> known;
     for (const ConfigLine& line : linesOf(text)) {
         if (line.isDn)
-            known.push_back(spelled.orNothing(line.value));
+            known.push_back(spelled.orNothing(std::string(line.value)));
         if (first == 0 && line.isDn && isSameName(known.back(), dn))
             first = line.first;
         if (first != 0 && line.entry == first)

@@ -100,7 +100,7 @@ private:
             return false;
         if (call.has("force"))
             return true;
-        if (hasNewWarnings(findings))
+        if (text != file.text() && hasNewWarnings(findings))
             return refuse("the warnings are new with this text");
         const std::string orphan = newOrphan(text);
         return orphan.empty() || refuse("the entry " + orphan + " would lose its parent");

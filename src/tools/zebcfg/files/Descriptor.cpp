@@ -2,12 +2,41 @@
 
 #include "base/Failure.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <string_view>
 
 #include <fcntl.h>
 #include <ldap.h>
+#include <sys/stat.h>
 #include <unistd.h>
+
+namespace {
+
+// Hands over what is left to read, piece by piece, until take gives false.
+template <typename Take>
+void readPieces(int file, const std::string& shownName, Take take)
+{
+    std::array<char, 65536> buffer = {};
+    for (;;) {
+        const ssize_t count = ::read(file, buffer.data(), buffer.size());
+        if (count < 0 && errno != EINTR)
+            throw systemFailure(LDAP_OTHER, "cannot read", shownName);
+        if (count == 0 || (count > 0 && !take(std::string_view(buffer.data(), static_cast<std::size_t>(count)))))
+            return;
+    }
+}
+
+Descriptor openedFile(const std::string& name, const std::string& shownName)
+{
+    const int file = openForReading(name);
+    if (file < 0)
+        throw systemFailure(LDAP_OTHER, "cannot open", shownName);
+    return Descriptor(file);
+}
+
+}  // namespace
 
 Descriptor::~Descriptor()
 {
@@ -36,26 +65,34 @@ int openForReading(const std::string& name) noexcept
 std::string readAll(int file, const std::string& shownName)
 {
     std::string text;
-    std::array<char, 65536> buffer = {};
-    for (;;) {
-        const ssize_t count = ::read(file, buffer.data(), buffer.size());
-        if (count == 0)
-            return text;
-        if (count < 0 && errno != EINTR)
-            throw systemFailure(LDAP_OTHER, "cannot read", shownName);
-        text.append(buffer.data(), count > 0 ? static_cast<std::size_t>(count) : 0);
-    }
+    struct stat status = {};
+    if (::fstat(file, &status) == 0 && S_ISREG(status.st_mode))
+        text.reserve(static_cast<std::size_t>(status.st_size));
+    readPieces(file, shownName, [&](std::string_view piece) {
+        text += piece;
+        return true;
+    });
+    return text;
 }
 
 std::string readFile(const std::string& name, const std::string& shownName)
 {
-    const Descriptor file(openForReading(name));
-    if (!file.isOpen())
-        throw systemFailure(LDAP_OTHER, "cannot open", shownName);
-    return readAll(file.get(), shownName);
+    return readAll(openedFile(name, shownName).get(), shownName);
 }
 
-void writeAll(int file, const std::string& text, const std::string& shownName)
+bool holdsText(const std::string& name, const std::string& text, const std::string& shownName)
+{
+    std::string_view rest = text;
+    bool isSame = true;
+    readPieces(openedFile(name, shownName).get(), shownName, [&](std::string_view piece) {
+        isSame = rest.substr(0, piece.size()) == piece;
+        rest.remove_prefix(std::min(piece.size(), rest.size()));
+        return isSame;
+    });
+    return isSame && rest.empty();
+}
+
+void writeAll(int file, std::string_view text, const std::string& shownName)
 {
     for (std::size_t done = 0; done < text.size();) {
         const ssize_t count = ::write(file, text.data() + done, text.size() - done);

@@ -3,6 +3,7 @@
 #define ZEBCFG_DESCRIPTOR_H
 
 #include <string>
+#include <string_view>
 
 // Closes a file at the end.
 class Descriptor {
@@ -27,8 +28,10 @@ int openForReading(const std::string& name) noexcept;
 // What is left to read, or the content of a regular file.
 std::string readAll(int file, const std::string& shownName);
 std::string readFile(const std::string& name, const std::string& shownName);
+// Whether the content of the file is the text. The file is not held in memory.
+bool holdsText(const std::string& name, const std::string& text, const std::string& shownName);
 
-void writeAll(int file, const std::string& text, const std::string& shownName);
+void writeAll(int file, std::string_view text, const std::string& shownName);
 // Replaces the content of a file in place. Only for private files.
 void overwriteFile(const std::string& name, const std::string& text);
 

@@ -11,6 +11,9 @@ public:
     explicit MemoryFile(const std::string& text);
     // A name under which this process can open it.
     std::string name() const { return file.name(); }
+    int descriptor() const noexcept { return file.get(); }
+    // Throws when there is no room for as many bytes more.
+    void requireRoomFor(std::size_t size) const;
 
 private:
     const Descriptor file;

@@ -105,12 +105,6 @@ PrivateFile::~PrivateFile()
     keepOnSignals(path);
 }
 
-std::string PrivateFile::openName() const
-{
-    constexpr std::size_t longest = 260;
-    return path.size() <= longest ? path : file.name();
-}
-
 void PrivateFile::write(const std::string& text)
 {
     if (::ftruncate(file.get(), 0) != 0 || ::lseek(file.get(), 0, SEEK_SET) != 0)
@@ -118,12 +112,9 @@ void PrivateFile::write(const std::string& text)
     writeAll(file.get(), text, path);
 }
 
-void PrivateFile::requireRoomFor(std::size_t size)
+std::string PrivateFile::text() const
 {
-    const off_t end = ::lseek(file.get(), 0, SEEK_END);
-    writeAll(file.get(), std::string(size, '\n'), path);
-    if (end < 0 || ::ftruncate(file.get(), end) != 0)
-        throw systemFailure(LDAP_OTHER, "cannot write " + path);
+    return readFile(file.name(), path);
 }
 
 void PrivateFile::sync()

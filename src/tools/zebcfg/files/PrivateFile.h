@@ -25,12 +25,10 @@ public:
     PrivateFile& operator=(const PrivateFile&) = delete;
     ~PrivateFile();
 
-    // A name under which this process can open it: the library takes none that is longer than 260 bytes.
-    std::string openName() const;
     // Replaces the content.
     void write(const std::string& text);
-    // Throws when there is no room for as many bytes more.
-    void requireRoomFor(std::size_t size);
+    // The content, as it is read from the file; not after it has been moved.
+    std::string text() const;
     void sync();
     // Programs notice a change by the modification time in whole seconds: it is made later than the other one, unless
     // that is more than a second ahead of the clock, and then is another one all the same.

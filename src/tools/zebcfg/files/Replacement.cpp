@@ -67,7 +67,6 @@ Replacement::Replacement(const std::string& name, const Handling& wanted)
 {
     requireReplaceable(file, handling);
     backup.recover(file.text());
-    working.write(file.text());
 }
 
 void Replacement::install()

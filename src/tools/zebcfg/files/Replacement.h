@@ -28,9 +28,8 @@ public:
     Replacement(const std::string& name, const Handling& wanted);
 
     const LiveFile& live() const noexcept { return file; }
-    // The private copy, which the library may work on. It lies in the directory of the file.
+    // The private copy, empty at first. It lies in the directory of the file.
     PrivateFile& copy() noexcept { return working; }
-    const PrivateFile& copy() const noexcept { return working; }
     // Puts the copy in the place of the file, which is kept under the backup name.
     void install();
 

@@ -8,22 +8,7 @@
 
 namespace {
 
-constexpr char whiteSpace[] = " \t\v\f";
-
-// The physical lines, without line ends and carriage returns, which the library drops wherever they stand.
-std::vector<std::string> physicalLines(const std::string& text)
-{
-    std::vector<std::string> lines;
-    for (std::size_t begin = 0; begin < text.size();) {
-        const std::size_t end = std::min(text.find('\n', begin), text.size());
-        std::string& line = lines.emplace_back(text, begin, end - begin);
-        line.erase(std::remove(line.begin(), line.end(), '\r'), line.end());
-        begin = end + 1;
-    }
-    return lines;
-}
-
-bool isBlank(const std::string& line)
+bool isBlank(std::string_view line)
 {
     std::size_t place = 0;
     while (const std::size_t length = blankAt(line, place))
@@ -31,59 +16,87 @@ bool isBlank(const std::string& line)
     return place == line.size();
 }
 
-ConfigLine readLine(const std::string& text)
+ConfigLine readLine(std::string_view text)
 {
     ConfigLine line;
     const auto colon = text.find(':');
-    line.hasColon = colon != std::string::npos && colon != 0;
+    line.hasColon = colon != std::string_view::npos && colon != 0;
     line.name = line.hasColon ? text.substr(0, colon) : text;
     line.isDn = isSameName(line.hasColon ? line.name : line.name.substr(0, 2), "dn");
-    const auto value = line.hasColon ? text.find_first_not_of(':', colon) : std::string::npos;
-    line.value = value != std::string::npos ? text.substr(value) : "";
+    const auto value = line.hasColon ? text.find_first_not_of(':', colon) : std::string_view::npos;
+    line.value = value != std::string_view::npos ? text.substr(value) : "";
     return line;
 }
 
 }  // namespace
 
-std::string trimmedValue(const std::string& value)
+std::string_view trimmedValue(std::string_view value)
 {
-    const std::string dropped = std::string(whiteSpace) + "()";
+    constexpr std::string_view dropped = " \t\v\f()";
     const auto first = value.find_first_not_of(dropped);
-    return first == std::string::npos ? "" : value.substr(first, value.find_last_not_of(dropped) - first + 1);
+    return first == std::string_view::npos ? "" : value.substr(first, value.find_last_not_of(dropped) - first + 1);
 }
 
-std::vector<ConfigLine> linesOf(const std::string& text)
+std::string_view ConfigLines::takeLine(std::string_view& rest)
 {
-    const auto physical = physicalLines(text);
-    std::vector<ConfigLine> lines;
+    const std::string_view line = rest.substr(0, rest.find('\n'));
+    rest.remove_prefix(std::min(line.size() + 1, rest.size()));
+    if (line.find('\r') == std::string_view::npos)
+        return line;
+    std::string& cleaned = kept.emplace_back(line);
+    cleaned.erase(std::remove(cleaned.begin(), cleaned.end(), '\r'), cleaned.end());
+    return cleaned;
+}
+
+std::string_view ConfigLines::joined(std::string_view value, std::string_view& rest, int& number)
+{
+    if (rest.empty() || (rest.front() != '\r' && blankAt(rest, 0) == 0))
+        return value;
+    std::string& whole = kept.emplace_back(value);
+    for (std::string_view after = rest; !rest.empty(); rest = after, ++number) {
+        const std::string_view line = takeLine(after);
+        const std::size_t lead = blankAt(line, 0);
+        if (lead == 0)
+            break;
+        whole += line.substr(lead);
+    }
+    return whole;
+}
+
+ConfigLines::ConfigLines(const std::string& text)
+{
+    constexpr std::size_t usualLine = 32;
+    lines.reserve(text.size() / usualLine);
     int entry = 0;
-    for (std::size_t i = 0; i < physical.size(); ++i) {
-        if (isBlank(physical[i]))
+    int number = 1;
+    for (std::string_view rest = text; !rest.empty(); ++number) {
+        const std::string_view physical = takeLine(rest);
+        const bool isEmpty = isBlank(physical);
+        if (isEmpty)
             entry = 0;
-        if (isBlank(physical[i]) || physical[i].front() == '#')
+        if (isEmpty || physical.front() == '#')
             continue;
-        ConfigLine line = readLine(physical[i]);
-        line.first = static_cast<int>(i) + 1;
-        for (; i + 1 < physical.size() && blankAt(physical[i + 1], 0) != 0; ++i)
-            line.value += physical[i + 1].substr(blankAt(physical[i + 1], 0));
-        line.last = static_cast<int>(i) + 1;
-        line.value = trimmedValue(line.value);
+        ConfigLine& line = lines.emplace_back(readLine(physical));
+        line.first = number;
+        line.value = trimmedValue(joined(line.value, rest, number));
+        line.last = number;
         if (line.isDn)
             entry = line.first;
         line.entry = entry;
-        lines.push_back(std::move(line));
     }
-    return lines;
 }
 
 std::vector<int> linesWithNul(const std::string& text)
 {
     std::vector<int> numbers;
     int number = 1;
-    for (const char character : text) {
-        if (character == '\0' && (numbers.empty() || numbers.back() != number))
+    std::size_t counted = 0;  // the bytes whose line ends are in the number
+    for (auto place = text.find('\0'); place != std::string::npos; place = text.find('\0', place + 1)) {
+        number += static_cast<int>(std::count(text.begin() + static_cast<std::ptrdiff_t>(counted),
+                                              text.begin() + static_cast<std::ptrdiff_t>(place), '\n'));
+        counted = place;
+        if (numbers.empty() || numbers.back() != number)
             numbers.push_back(number);
-        number += character == '\n' ? 1 : 0;
     }
     return numbers;
 }
@@ -93,7 +106,7 @@ std::vector<std::string> namesIn(const std::string& text)
     std::set<std::string> names;
     for (const ConfigLine& line : linesOf(text)) {
         if (!line.isDn && !line.name.empty())
-            names.insert(lowerCase(line.name));
+            names.insert(lowerCase(std::string(line.name)));
     }
     std::vector<std::string> sorted(names.begin(), names.end());
     std::stable_partition(sorted.begin(), sorted.end(), [](const std::string& name) { return name == "charset"; });

@@ -93,6 +93,55 @@ private:
     const bool isColored;
 };
 
+// What differs, with some lines around it, as places in both texts: all in front of it and after it is the same.
+struct Middle {
+    std::size_t begin;
+    std::size_t end;
+    std::size_t otherEnd;
+};
+
+std::size_t lineStart(const std::string& text, std::size_t place)
+{
+    return place == 0 ? 0 : text.rfind('\n', place - 1) + 1;
+}
+
+std::size_t nextLine(const std::string& text, std::size_t place)
+{
+    return std::min(text.find('\n', place), text.size() - 1) + 1;
+}
+
+bool beginsLine(const std::string& text, std::size_t place)
+{
+    return place == 0 || text[place - 1] == '\n';
+}
+
+bool continues(const std::string& text, std::size_t place)
+{
+    return place < text.size() && leadOf(text.substr(place, text.find('\n', place) - place)) != 0;
+}
+
+// Lines that are joined stay together, for one may hide what another says.
+Middle middleOf(const std::string& text, const std::string& other)
+{
+    constexpr int around = 12;  // lines; the last hunk takes in what is left when that is little
+    const std::size_t shorter = std::min(text.size(), other.size());
+    std::size_t begin = static_cast<std::size_t>(
+        std::mismatch(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(shorter), other.begin()).first -
+        text.begin());
+    const auto most = static_cast<std::ptrdiff_t>(shorter - begin);
+    const auto same = static_cast<std::size_t>(
+        std::mismatch(text.rbegin(), text.rbegin() + most, other.rbegin()).first - text.rbegin());
+    std::size_t end = text.size() - same;
+    if (!beginsLine(text, end) || !beginsLine(other, other.size() - same))
+        end = nextLine(text, end);
+    for (int i = 0; end < text.size() && (i < around || continues(text, end)); ++i)
+        end = nextLine(text, end);
+    begin = lineStart(text, begin);
+    for (int i = 0; begin > 0 && (i < around || continues(text, begin)); ++i)
+        begin = lineStart(text, begin - 1);
+    return {begin, end, other.size() - (text.size() - end)};
+}
+
 std::string rangeOf(long long begin, long long count)
 {
     return std::to_string(begin) + (count == 1 ? "" : ',' + std::to_string(count));
@@ -189,7 +238,11 @@ std::string unifiedDiff(const std::string& before, const std::string& after, con
 {
     if (before == after)
         return {};
-    dtl::Diff<Line, std::vector<Line>> diff(linesOf(before), linesOf(after));
+    const Middle middle = middleOf(before, after);
+    const auto linesBefore =
+        std::count(before.begin(), before.begin() + static_cast<std::ptrdiff_t>(middle.begin), '\n');
+    dtl::Diff<Line, std::vector<Line>> diff(linesOf(before.substr(middle.begin, middle.end - middle.begin)),
+                                            linesOf(after.substr(middle.begin, middle.otherEnd - middle.begin)));
     diff.onHuge();
     diff.compose();
     diff.composeUnifiedHunks();
@@ -197,8 +250,8 @@ std::string unifiedDiff(const std::string& before, const std::string& after, con
     writer.line(bold, "--- " + visible(shownName));
     writer.line(bold, "+++ " + visible(shownName) + " (new)");
     for (const auto& hunk : diff.getUniHunks()) {
-        writer.line(cyan, "@@ -" + rangeOf(hunk.b == 0 ? 0 : hunk.a, hunk.b) + " +" +
-                              rangeOf(hunk.d == 0 ? 0 : hunk.c, hunk.d) + " @@");
+        writer.line(cyan, "@@ -" + rangeOf(hunk.b == 0 ? 0 : hunk.a + linesBefore, hunk.b) + " +" +
+                              rangeOf(hunk.d == 0 ? 0 : hunk.c + linesBefore, hunk.d) + " @@");
         for (const auto* lines : {&hunk.common[0], &hunk.change, &hunk.common[1]}) {
             for (const auto& [line, info] : *lines)
                 writer.line(colorOf(info.type), markOf(info.type) + line.shown);

@@ -1,5 +1,6 @@
 #include "formats/Ldif.h"
 
+#include "base/Answers.h"
 #include "base/Attributes.h"
 #include "base/Encoding.h"
 #include "base/Failure.h"
@@ -20,8 +21,26 @@ struct BerRelease {
     void operator()(void* memory) const noexcept { ber_memfree(memory); }
 };
 
+bool isPrintable(char character)
+{
+    return character >= ' ' && character <= '~';
+}
+
+// Whether libldap would write the line as it stands: no value in base64, as it writes some for their name alone.
+bool isPlainLine(const std::string& name, const std::string& value)
+{
+    return isUtf8Locale() && !name.empty() && name.front() >= 'A' && !isSameName(name, "userPassword") &&
+           std::all_of(name.begin(), name.end(), isPrintable) && !value.empty() &&
+           std::all_of(value.begin(), value.end(), isPrintable) && value.back() != ' ' &&
+           std::string_view(" :<").find(value.front()) == std::string_view::npos;
+}
+
 void appendLine(std::string& out, int type, const std::string& name, const std::string& value, std::size_t wrap)
 {
+    if (type == LDIF_PUT_VALUE && wrap == 0 && isPlainLine(name, value)) {
+        out.append(name).append(": ").append(value) += '\n';
+        return;
+    }
     const ber_len_t width = wrap == 0 ? LDIF_LINE_WIDTH_MAX : wrap;
     const std::string written = toUtf8(value);
     const std::unique_ptr<char, BerRelease> line(
@@ -74,6 +93,15 @@ void requireHarmless(const std::string& text, const std::string& shownName)
     }
 }
 
+bool canBeCarried(std::string_view name)
+{
+    constexpr std::string_view blanks = " \t\v\f\r";
+    const auto isWord = [&](const char* word) { return isSameName(name, word); };
+    return !name.empty() && blanks.find(name.front()) == std::string_view::npos &&
+           blanks.find(name.back()) == std::string_view::npos && name.front() != '#' &&
+           visible(std::string(name)) == name && !isWord("dn") && !isWord("changetype") && !isWord("control");
+}
+
 }  // namespace
 
 std::string toLdif(const Entry& entry, bool namesOnly, std::size_t wrap)
@@ -81,23 +109,22 @@ std::string toLdif(const Entry& entry, bool namesOnly, std::size_t wrap)
     std::string text;
     appendLine(text, LDIF_PUT_VALUE, "dn", entry.dn, wrap);
     for (const Attribute& attribute : entry.attributes) {
-        if (namesOnly) {
-            appendLine(text, LDIF_PUT_NOVALUE, shownLine(attribute.name), "", wrap);
-            continue;
+        const bool isKnown = findAttributeType(attribute.name) != nullptr;
+        const std::string name = isKnown ? attribute.name : shownLine(attribute.name);
+        if (namesOnly)
+            appendLine(text, LDIF_PUT_NOVALUE, name, "", wrap);
+        for (const std::string& value : attribute.values) {
+            if (!namesOnly)
+                appendLine(text, LDIF_PUT_VALUE, name, shownValue(attribute.name, value), wrap);
         }
-        for (const std::string& value : attribute.values)
-            appendLine(text, LDIF_PUT_VALUE, shownLine(attribute.name), shownValue(attribute.name, value), wrap);
     }
     return text + '\n';
 }
 
 bool isLdifName(const std::string& name)
 {
-    const std::string blanks = " \t\v\f\r";
-    const auto isWord = [&](const char* word) { return isSameName(name, word); };
-    return !name.empty() && blanks.find(name.front()) == std::string::npos &&
-           blanks.find(name.back()) == std::string::npos && name.front() != '#' && visible(name) == name &&
-           !isWord("dn") && !isWord("changetype") && !isWord("control");
+    static Answers<bool> answers(&canBeCarried);
+    return answers.of(name);
 }
 
 // The reader and the lines of the record that it has read last.

@@ -3,6 +3,7 @@
 #include "base/Attributes.h"
 #include "base/Failure.h"
 #include "base/Masking.h"
+#include "base/Text.h"
 #include "files/Descriptor.h"
 #include "formats/ConfigText.h"
 #include "library/Move.h"
@@ -100,15 +101,19 @@ bool isLoginAttribute(const std::string& name)
                        [&](const char* known) { return isSameName(known, name); });
 }
 
-Changes::Changes(std::string copyPath, std::string shown, std::optional<Login> wanted, bool force)
-    : path(std::move(copyPath)), shownName(std::move(shown)), login(std::move(wanted)), isForced(force)
+Changes::Changes(GuardedFile& workingCopy, std::string shown, std::optional<Login> wanted, bool force)
+    : copy(workingCopy), path(copy.name()), shownName(std::move(shown)), login(std::move(wanted)), isForced(force)
 {
+    const Text start = text();
     open();
-    // What the library changes at its first write is no part of the changes that are compared later.
+    // What the library changes at its first write is no part of the changes that are compared later. The same text
+    // again would load as the same entries.
     opened->flush();
-    open();
+    if (!holdsText(path, *start, shownName))
+        open();
     addHead();
-    original = readFile(path, shownName);
+    original = holdsText(path, *start, shownName) ? start : text();
+    begin(original);
 }
 
 void Changes::addHead()
@@ -120,26 +125,81 @@ void Changes::addHead()
         opened->modify("", {{LDAP_MOD_ADD, {"version", {"1"}}}});
 }
 
-bool Changes::isChanged() const
-{
-    return readFile(path, shownName) != original;
-}
-
 void Changes::open()
 {
     opened = std::make_unique<Session>(path, shownName, login);
 }
 
+// The copy may be written then.
+void Changes::load(const std::string& text)
+{
+    copy.allowWrites();
+    overwriteFile(path, text);
+    open();
+}
+
+// The copy may be written then, and has what the tree has.
+void Changes::flush()
+{
+    copy.allowWrites();
+    opened->deferWrites(false);
+    if (!calls.empty())
+        opened->flush();
+}
+
+Changes::Text Changes::text() const
+{
+    return std::make_shared<const std::string>(readFile(path, shownName));
+}
+
+// From a text that is in the copy and in the tree.
+void Changes::begin(Text text)
+{
+    checkpoint = std::move(text);
+    calls.clear();
+    copy.refuseWrites();
+    opened->deferWrites(true);
+}
+
+bool Changes::write()
+{
+    flush();
+    const bool isChanged = !holdsText(path, *original, shownName);
+    original.reset();  // A large file has to be loaded beside this one.
+    checkpoint.reset();
+    return isChanged;
+}
+
+void Changes::make(Call call)
+{
+    call(*opened);
+    calls.push_back(std::move(call));
+}
+
+// Without memory the library may have made what it reports as failed.
 void Changes::step(const std::function<void()>& body)
 {
-    const std::string before = readFile(path, shownName);
+    const std::size_t before = calls.size();
     try {
         body();
-    } catch (const Failure&) {
-        overwriteFile(path, before);
-        open();
+    } catch (const Failure& failure) {
+        if (calls.size() > before || failure.code == CFG_NO_MEMORY)
+            goBack(before);
         throw;
     }
+}
+
+// A copy of the whole at each step would be most of the work: the calls since the last one are made again.
+void Changes::goBack(std::size_t count)
+{
+    std::vector<Call> kept = std::move(calls);
+    kept.resize(count);
+    load(*checkpoint);
+    begin(checkpoint);
+    for (Call& call : kept)
+        make(std::move(call));
+    flush();
+    begin(text());
 }
 
 void Changes::requireNameAndValues(const std::string& dn, const Attribute& attribute)
@@ -159,7 +219,7 @@ void Changes::requireNameAndValues(const std::string& dn, const Attribute& attri
                                std::string(passwordMask) + " stands for a password that was not shown; search "
                                                            "with --show-passwords");
     }
-    usedNames.push_back(name);
+    usedNames.insert(lowerCase(name));
 }
 
 void Changes::requireEachOnce(const std::string& dn, const Change& change) const
@@ -185,14 +245,17 @@ void Changes::requireParent(const std::string& dn, const std::string& advice) co
 void Changes::add(const std::string& dn, const std::vector<Change>& attributes, bool needsParent)
 {
     step([&] {
-        const std::string spelling = spelled(dn);
-        if (opened->exists(dn))
+        requireNoNul(dn);
+        const auto spelling = opened->spellingIfMissing(dn);
+        if (!spelling)
             throw Failure(LDAP_ALREADY_EXISTS, "the entry " + dn + " exists already");
         if (needsParent)
-            requireParent(spelling, " (--no-parent-check adds the entry all the same)");
+            requireParent(*spelling, " (--no-parent-check adds the entry all the same)");
         for (const Change& change : attributes)
             atLineOf(change, [&] { requireNameAndValues(dn, change.attribute); });
         addEntry(dn, attributes);
+        if (hasPlainly(dn, attributes))
+            return;
         for (const Change& change : attributes) {
             atLineOf(change, [&] {
                 requireEachOnce(dn, change);
@@ -202,14 +265,29 @@ void Changes::add(const std::string& dn, const std::vector<Change>& attributes, 
     });
 }
 
+// Whether one search shows that the entry has each value once and no single value twice, as nearly every one does.
+bool Changes::hasPlainly(const std::string& dn, const std::vector<Change>& attributes) const
+{
+    if (attributes.empty())
+        return true;
+    const auto found = opened->search(dn, LDAP_SCOPE_BASE, attributes.front().attribute.name + "=*");
+    return !found.empty() && std::all_of(attributes.begin(), attributes.end(), [&](const Change& change) {
+        const Attribute& wanted = change.attribute;
+        const AttributeType* const type = findAttributeType(wanted.name);
+        const bool isPlain = wanted.values.size() < 2 || type == nullptr || !type->isSingle;
+        const auto& names = found.front().attributes;
+        const auto present = std::find_if(names.begin(), names.end(), [&](const Attribute& candidate) {
+            return isSameName(candidate.name, wanted.name);
+        });
+        return isPlain && present != names.end() && present->values.size() == wanted.values.size();
+    });
+}
+
 // The failure names the attribute that the library refuses.
 void Changes::addEntry(const std::string& dn, const std::vector<Change>& attributes)
 {
-    Entry entry{dn, {}};
-    for (const Change& change : attributes)
-        entry.attributes.push_back(change.attribute);
     try {
-        opened->add(entry);
+        make([dn, attributes](Session& session) { session.add(dn, attributes); });
     } catch (Failure& failure) {
         for (const Change& change : attributes) {
             if (isSameName(change.attribute.name, failure.attribute))
@@ -246,13 +324,14 @@ void Changes::applyChange(const std::string& dn, const Change& change)
     if (attribute.values.empty() && isAdded)
         throw attributeFailure(0, dn, attribute.name, "there is no value to add");
     if (attribute.values.empty())
-        opened->modify(dn, {change});
+        make([dn, change](Session& session) { session.modify(dn, {change}); });
     for (const std::string& value : attribute.values) {
         if (opened->holds(dn, attribute.name, value) == isAdded)
             throw valueFailure(
                 isAdded ? LDAP_TYPE_OR_VALUE_EXISTS : LDAP_NO_SUCH_ATTRIBUTE, dn, {attribute.name, {value}},
                 '"' + shownValue(attribute.name, value) + (isAdded ? "\" is there already" : "\" is not there"));
-        opened->modify(dn, {{change.operation, {attribute.name, {value}}}});
+        const Change single{change.operation, {attribute.name, {value}}};
+        make([dn, single](Session& session) { session.modify(dn, {single}); });
     }
 }
 
@@ -261,7 +340,7 @@ void Changes::replaceValues(const std::string& dn, const Change& change)
     const Attribute& attribute = change.attribute;
     const bool isThere = !opened->search(dn, LDAP_SCOPE_BASE, attribute.name + "=*", {"objectclass"}).empty();
     if (isThere || !attribute.values.empty())
-        opened->modify(dn, {change});
+        make([dn, change](Session& session) { session.modify(dn, {change}); });
     requireEachOnce(dn, change);
 }
 
@@ -318,7 +397,7 @@ void Changes::erase(const std::string& dn, bool withChildren)
         throw Failure(LDAP_UNWILLING_TO_PERFORM, "the root cannot be deleted");
     if (!isForced && !loginAttributes(dn).empty())
         throw Failure(LDAP_OBJECT_CLASS_VIOLATION, "without cn=Configuration nobody can log in; --force deletes it");
-    step([&] { opened->erase(dn, withChildren); });
+    step([&] { make([dn, withChildren](Session& session) { session.erase(dn, withChildren); }); });
 }
 
 std::string Changes::newDnOf(const LdifRecord& record) const
@@ -344,10 +423,10 @@ void Changes::requireMovable(const Move& move) const
     requireParent(move.to(), {});
 }
 
-// The whole copy, which is in the form that the library writes.
-std::vector<Entry> Changes::entries() const
+// All that the tree has, which is written in the text.
+std::vector<Entry> Changes::entries(const std::string& text) const
 {
-    return opened->entriesWith(namesIn(readFile(path, shownName)), outlineOf(*opened).size());
+    return opened->entriesWith(namesIn(text), outlineOf(*opened).size());
 }
 
 // The same entries, but for the DNs of those that are moved.
@@ -357,7 +436,7 @@ void Changes::requireMoved(const Move& move, const std::vector<Entry>& before) c
     std::map<std::string, std::vector<Attribute>> found;
     for (const Entry& entry : before)
         wanted[keyOf(move.moved(entry.dn))] = entry.attributes;
-    for (const Entry& entry : entries())
+    for (const Entry& entry : entries(*text()))
         found[keyOf(entry.dn)] = entry.attributes;
     if (wanted != found)
         throw Failure(LDAP_INVALID_SYNTAX, "the entries below " + move.to() +
@@ -401,15 +480,20 @@ void Changes::noteReferences(const Move& move, const std::vector<Entry>& before)
 
 void Changes::move(const std::string& dn, const std::string& newDn, bool keepsOldRdn)
 {
-    const auto before = entries();
+    flush();
+    begin(text());
+    const auto before = entries(*checkpoint);
     const Move move(spelled(dn), belowKnownParent(spelled(newDn), before), spelled);
     requireMovable(move);
-    step([&] {
-        overwriteFile(path, move.movedText(readFile(path, shownName)));
-        open();
+    try {
+        load(move.movedText(*checkpoint));
         requireMoved(move, before);
         followRdn(move, keepsOldRdn);
-    });
+    } catch (const Failure&) {
+        goBack(0);
+        throw;
+    }
+    begin(text());
     if (!move.isSpelling())
         noteReferences(move, before);
 }

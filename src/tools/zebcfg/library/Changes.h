@@ -2,6 +2,7 @@
 #ifndef ZEBCFG_CHANGES_H
 #define ZEBCFG_CHANGES_H
 
+#include "files/GuardedFile.h"
 #include "formats/Ldif.h"
 #include "library/Dn.h"
 #include "library/Session.h"
@@ -9,6 +10,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -17,12 +19,16 @@ class Move;
 // Whether the login stands on it, in cn=Configuration.
 bool isLoginAttribute(const std::string& name);
 
-// Works on a copy of the configuration file. Each call is one step: when it throws Failure, the copy is as before.
+// Works on a copy of the configuration file. Each call is one step: when it throws Failure, all is as before.
+//
+// The library writes the file at the end of each change, as a whole. Until write() the copy refuses that: a change that
+// cannot be written stays in the library's memory and goes with the next write, and as the modification time stays the
+// same too, no call loads the file in between. So a batch takes one write.
 class Changes {
 public:
     // shown: what messages call the copy. force allows what is only refused for what it may break: a
     // second value of an attribute that takes one (19), and the end of the login (65).
-    Changes(std::string copyPath, std::string shown, std::optional<Login> wanted, bool force);
+    Changes(GuardedFile& workingCopy, std::string shown, std::optional<Login> wanted, bool force);
 
     // 68 for an entry that exists, 32 without a parent, 20 for a value that is given twice.
     void add(const std::string& dn, const std::vector<Change>& attributes, bool needsParent);
@@ -34,27 +40,40 @@ public:
     void move(const std::string& dn, const std::string& newDn, bool keepsOldRdn);
     void apply(const LdifRecord& record, bool needsParent);
 
+    // Writes the copy, with which the changes end. Says whether they have changed its text: the form that the library
+    // gives it does not count.
+    bool write();
+
     const Session& session() const noexcept { return *opened; }
     // What the user may want to change too.
     const std::vector<std::string>& notes() const noexcept { return noted; }
-    // Whether a step has changed the text: the form that the library gives it does not count.
-    bool isChanged() const;
     // The names of attributes that have been used.
-    const std::vector<std::string>& names() const noexcept { return usedNames; }
+    const std::set<std::string>& names() const noexcept { return usedNames; }
 
 private:
+    using Text = std::shared_ptr<const std::string>;  // of the whole copy
+    // A call of the library that changes the tree. One that fails has changed nothing.
+    using Call = std::function<void(Session& session)>;
+
     void open();
     void addHead();
+    void load(const std::string& text);
+    void flush();
+    Text text() const;
+    void begin(Text text);
     void step(const std::function<void()>& body);
+    void make(Call call);
+    void goBack(std::size_t count);
     void requireNameAndValues(const std::string& dn, const Attribute& attribute);
     void requireParent(const std::string& dn, const std::string& advice) const;
     std::string newDnOf(const LdifRecord& record) const;
     void requireMovable(const Move& move) const;
-    std::vector<Entry> entries() const;
+    std::vector<Entry> entries(const std::string& text) const;
     void requireMoved(const Move& move, const std::vector<Entry>& before) const;
     void followRdn(const Move& move, bool keepsOld);
     void noteReferences(const Move& move, const std::vector<Entry>& before);
     void addEntry(const std::string& dn, const std::vector<Change>& attributes);
+    bool hasPlainly(const std::string& dn, const std::vector<Change>& attributes) const;
     void applyChange(const std::string& dn, const Change& change);
     void replaceValues(const std::string& dn, const Change& change);
     void requireEachOnce(const std::string& dn, const Change& change) const;
@@ -63,15 +82,18 @@ private:
     void requireLogin(const std::string& dn, const std::vector<std::string>& before,
                       const std::vector<Change>& changes) const;
 
+    GuardedFile& copy;
     const std::string path;
     const std::string shownName;
     const std::optional<Login> login;
     const bool isForced;
     std::unique_ptr<Session> opened;
     const DnSpeller spelled;
-    std::vector<std::string> usedNames;
+    std::set<std::string> usedNames;
     std::vector<std::string> noted;
-    std::string original;
+    Text original;            // before the first step
+    Text checkpoint;          // as it was written last
+    std::vector<Call> calls;  // made since then
 };
 
 #endif

@@ -61,15 +61,6 @@ std::string plainValue(const std::string& value)
     return plain;
 }
 
-void requireNoNul(const std::string& dn)
-{
-    for (std::size_t at = dn.find('\\'); at < dn.size(); at = dn.find('\\', at + 2)) {
-        if (isHexPair(dn, at + 1) && byteAt(dn, at + 1) == '\0')
-            throw Failure(LDAP_INVALID_DN_SYNTAX,
-                          "the DN holds a NUL byte, and a write would drop the rest of the value");
-    }
-}
-
 }  // namespace
 
 DnSpeller::DnSpeller() : emptyFile(""), session(emptyFile.name(), "") {}
@@ -77,7 +68,7 @@ DnSpeller::DnSpeller() : emptyFile(""), session(emptyFile.name(), "") {}
 std::string DnSpeller::operator()(const std::string& dn) const
 {
     requireNoNul(dn);
-    return isRootDn(dn) ? std::string() : session.spellingOfMissing(dn);
+    return isRootDn(dn) ? std::string() : session.spellingIfMissing(dn).value_or(dn);
 }
 
 std::string DnSpeller::orNothing(const std::string& dn) const
@@ -106,6 +97,15 @@ std::vector<std::string> ancestorsOf(const std::string& dn)
     for (std::string above = parentOf(dn); !above.empty(); above = parentOf(above))
         ancestors.push_back(above);
     return ancestors;
+}
+
+void requireNoNul(const std::string& dn)
+{
+    for (std::size_t at = dn.find('\\'); at < dn.size(); at = dn.find('\\', at + 2)) {
+        if (isHexPair(dn, at + 1) && byteAt(dn, at + 1) == '\0')
+            throw Failure(LDAP_INVALID_DN_SYNTAX,
+                          "the DN holds a NUL byte, and a write would drop the rest of the value");
+    }
 }
 
 std::string nearestNote(const std::string& dn, const std::function<bool(const std::string& dn)>& exists)

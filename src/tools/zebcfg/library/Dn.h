@@ -14,7 +14,7 @@
 class DnSpeller {
 public:
     DnSpeller();
-    // Throws Failure (34) for a text that is no DN, or has a NUL byte, which the library would not write.
+    // Throws Failure (34) for a text that is no DN, or has a NUL byte.
     std::string operator()(const std::string& dn) const;
     // The empty text for one that is no DN.
     std::string orNothing(const std::string& dn) const;
@@ -23,6 +23,9 @@ private:
     const MemoryFile emptyFile;
     const Session session;
 };
+
+// Throws Failure (34) for a DN with a NUL byte, which the library would not write.
+void requireNoNul(const std::string& dn);
 
 // "; the nearest entry that exists is X" for a DN in the library's spelling that does not exist, or the empty text.
 std::string nearestNote(const std::string& dn, const std::function<bool(const std::string& dn)>& exists);

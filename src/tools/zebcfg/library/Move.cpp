@@ -50,10 +50,10 @@ std::string Move::movedText(const std::string& text) const
     std::string result;
     int number = 1;
     for (std::string line; std::getline(in, line); ++number) {
-        if (next == lines.end() || number < next->first || !affects(next->value))
+        if (next == lines.end() || number < next->first || !affects(std::string(next->value)))
             result += line + '\n';
         else if (number == next->first)
-            result += "dn: " + moved(next->value) + '\n';
+            result += "dn: " + moved(std::string(next->value)) + '\n';
         if (next != lines.end() && number >= next->last)
             next = std::find_if(next + 1, lines.end(), [](const ConfigLine& each) { return each.isDn; });
     }

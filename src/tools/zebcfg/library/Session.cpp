@@ -8,14 +8,11 @@
 #include <algorithm>
 #include <cctype>
 #include <set>
+#include <utility>
 
 #include <langinfo.h>
 
 namespace {
-
-struct ResultRelease {
-    void operator()(CFGMessage* result) const noexcept { cfg_msgfree(result); }
-};
 
 std::string textOf(const char* text)
 {
@@ -51,16 +48,36 @@ private:
     std::vector<LDAPMod*> pointers;
 };
 
-std::vector<Entry> entriesOf(const CFGMessage* record)
+std::size_t countOf(const CFGMessage* record)
+{
+    std::size_t count = 0;
+    for (; record != nullptr; record = record->next)
+        ++count;
+    return count;
+}
+
+Entry entryOf(const CFGMessage& record)
+{
+    Entry entry{textOf(record.text), {}};
+    entry.attributes.reserve(countOf(record.child));
+    for (const CFGMessage* attribute = record.child; attribute != nullptr; attribute = attribute->next) {
+        Attribute& added = entry.attributes.emplace_back(Attribute{textOf(attribute->text), {}});
+        added.values.reserve(countOf(attribute->child));
+        for (const CFGMessage* value = attribute->child; value != nullptr; value = value->next)
+            added.values.push_back(textOf(value->text));
+    }
+    return entry;
+}
+
+// Each record is released when it has been taken over, so that the memory does not hold the entries twice.
+std::vector<Entry> entriesOf(SearchResult result)
 {
     std::vector<Entry> entries;
-    for (; record != nullptr; record = record->next) {
-        Entry& entry = entries.emplace_back(Entry{textOf(record->text), {}});
-        for (const CFGMessage* attribute = record->child; attribute != nullptr; attribute = attribute->next) {
-            Attribute& added = entry.attributes.emplace_back(Attribute{textOf(attribute->text), {}});
-            for (const CFGMessage* value = attribute->child; value != nullptr; value = value->next)
-                added.values.push_back(textOf(value->text));
-        }
+    entries.reserve(countOf(result.get()));
+    while (result != nullptr) {
+        SearchResult rest(std::exchange(result->next, nullptr));
+        entries.push_back(entryOf(*result));
+        result = std::move(rest);
     }
     return entries;
 }
@@ -131,6 +148,13 @@ void Session::require(int code) const
     throw failure;
 }
 
+void Session::requireMade(int code) const
+{
+    const bool isRefused = code == LDAP_INSUFFICIENT_ACCESS && cfg_get_exterror(cfg.get()) == CFG_ERR_CONFIG_OPEN;
+    if (!isDeferring || !isRefused)
+        require(code);
+}
+
 std::string Session::explain(int code) const
 {
     CFG* const handle = cfg.get();
@@ -171,8 +195,8 @@ std::string Session::explain(int code) const
     return object.empty() || object == "<root>" ? text : text + ": " + object;
 }
 
-std::vector<Entry> Session::search(const std::string& base, int scope, const std::string& filter,
-                                   const std::vector<std::string>& names) const
+SearchResult Session::find(const std::string& base, int scope, const std::string& filter,
+                           const std::vector<std::string>& names) const
 {
     std::vector<char*> wanted;
     wanted.reserve(names.size() + 1);
@@ -181,9 +205,15 @@ std::vector<Entry> Session::search(const std::string& base, int scope, const std
     wanted.push_back(nullptr);
     CFGMessage* result = nullptr;
     const int code = cfg_search_s(cfg.get(), base.c_str(), scope, filter.c_str(), wanted.data(), 0, &result);
-    const std::unique_ptr<CFGMessage, ResultRelease> owner(result);
+    SearchResult owner(result);
     require(code);
-    return entriesOf(result);
+    return owner;
+}
+
+std::vector<Entry> Session::search(const std::string& base, int scope, const std::string& filter,
+                                   const std::vector<std::string>& names) const
+{
+    return entriesOf(find(base, scope, filter, names));
 }
 
 bool Session::exists(const std::string& dn) const
@@ -213,9 +243,9 @@ Failure Session::missingEntry(const std::string& dn) const
 }
 
 // The report of the failed search holds it.
-std::string Session::spellingOfMissing(const std::string& dn) const
+std::optional<std::string> Session::spellingIfMissing(const std::string& dn) const
 {
-    return exists(dn) ? dn : textOf(cfg_get_entry(cfg.get()));
+    return exists(dn) ? std::nullopt : std::optional<std::string>(textOf(cfg_get_entry(cfg.get())));
 }
 
 std::vector<std::string> Session::values(const std::string& dn, const std::string& attribute) const
@@ -251,23 +281,20 @@ std::vector<Entry> Session::entriesWith(const std::vector<std::string>& names, s
     return entries;
 }
 
-void Session::add(const Entry& entry)
+void Session::add(const std::string& dn, const std::vector<Change>& attributes)
 {
-    std::vector<Change> changes;
-    for (const Attribute& attribute : entry.attributes)
-        changes.push_back({LDAP_MOD_ADD, attribute});
-    require(cfg_add_s(cfg.get(), entry.dn.c_str(), Mods(changes).data()));
+    requireMade(cfg_add_s(cfg.get(), dn.c_str(), Mods(attributes).data()));
 }
 
 void Session::modify(const std::string& dn, const std::vector<Change>& changes)
 {
-    require(cfg_modify_s(cfg.get(), dn.c_str(), Mods(changes).data()));
+    requireMade(cfg_modify_s(cfg.get(), dn.c_str(), Mods(changes).data()));
 }
 
 void Session::erase(const std::string& dn, bool withChildren)
 {
     require(cfg_set_option(cfg.get(), CFG_OPT_DELETE_NON_LEAVES, withChildren ? cfg.get() : nullptr));
-    require(cfg_delete_s(cfg.get(), dn.c_str()));
+    requireMade(cfg_delete_s(cfg.get(), dn.c_str()));
 }
 
 void Session::flush()

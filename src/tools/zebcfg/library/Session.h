@@ -15,6 +15,12 @@
 // The entry that the login stands in.
 constexpr char configurationDn[] = "cn=Configuration";
 
+struct ResultRelease {
+    void operator()(CFGMessage* result) const noexcept { cfg_msgfree(result); }
+};
+// The library's records of what a search has found.
+using SearchResult = std::unique_ptr<CFGMessage, ResultRelease>;
+
 struct Login {
     std::string dn;
     std::string password;
@@ -28,6 +34,9 @@ public:
     // An empty filter stands for (objectclass=*); no names means all attributes.
     std::vector<Entry> search(const std::string& base, int scope, const std::string& filter = {},
                               const std::vector<std::string>& names = {}) const;
+    // The same as it comes from the library. Null when nothing is found.
+    SearchResult find(const std::string& base, int scope, const std::string& filter = {},
+                      const std::vector<std::string>& names = {}) const;
     bool exists(const std::string& dn) const;
     // Whether the entry has a value of the attribute that is not empty. No password is decoded.
     bool has(const std::string& dn, const std::string& attribute) const;
@@ -41,10 +50,13 @@ public:
     // The root and every entry that has one of the attributes. Those with an objectclass come first, and only while
     // fewer than count entries have been found are the others looked for.
     std::vector<Entry> entriesWith(const std::vector<std::string>& names, std::size_t count) const;
-    // The library's spelling of a DN that is not in the file. Throws Failure (34) for a text that is no DN.
-    std::string spellingOfMissing(const std::string& dn) const;
+    // The library's spelling of a DN, or nothing when the entry exists. Throws Failure (34) for a text that is no DN.
+    std::optional<std::string> spellingIfMissing(const std::string& dn) const;
 
-    void add(const Entry& entry);
+    // Whether a change counts as made when the library may not write the file: it is in memory then, and goes with the
+    // next write.
+    void deferWrites(bool areDeferred) noexcept { isDeferring = areDeferred; }
+    void add(const std::string& dn, const std::vector<Change>& attributes);
     void modify(const std::string& dn, const std::vector<Change>& changes);
     void erase(const std::string& dn, bool withChildren);
     void flush();
@@ -57,11 +69,14 @@ private:
 
     // Throws what the handle knows of a call that has not given 0.
     void require(int code) const;
+    // The same for a change, which may be one that is not written yet.
+    void requireMade(int code) const;
     std::string explain(int code) const;
 
     std::unique_ptr<CFG, Release> cfg;
     std::string path;
     std::string shownName;
+    bool isDeferring = false;
 };
 
 // The configuration file of the installation; empty when there is none.

@@ -10,6 +10,7 @@
 #include "update/Update.h"
 
 #include <algorithm>
+#include <map>
 #include <set>
 #include <vector>
 
@@ -31,12 +32,31 @@ bool isSameSet(std::vector<std::string> left, std::vector<std::string> right)
     return left == right;
 }
 
+bool hasExactly(const std::vector<Attribute>& present, const Attribute& wanted)
+{
+    return std::any_of(present.begin(), present.end(), [&](const Attribute& attribute) {
+        return isSameName(attribute.name, wanted.name) && isSameSet(attribute.values, wanted.values);
+    });
+}
+
 // A password that cannot be decoded is another one.
 bool holdsExactly(const Session& session, const std::string& dn, const Attribute& attribute)
 try {
     return isSameSet(session.values(dn, attribute.name), attribute.values);
 } catch (const Failure&) {
     return false;
+}
+
+// What the entry has of the attributes of the record, as far as one search shows it.
+std::vector<Attribute> presentIn(const Session& session, const LdifRecord& record)
+try {
+    std::vector<std::string> names;
+    for (const Change& change : record.changes)
+        names.push_back(change.attribute.name);
+    auto found = session.search(record.dn, LDAP_SCOPE_BASE, names.front() + "=*", names);
+    return found.empty() ? std::vector<Attribute>() : std::move(found.front().attributes);
+} catch (const Failure&) {
+    return {};
 }
 
 bool isKept(const std::string& dn, const std::string& attribute)
@@ -102,12 +122,12 @@ private:
     // A state has no order.
     std::vector<const LdifRecord*> parentsFirst() const
     {
-        std::vector<const LdifRecord*> sorted;
+        std::map<std::size_t, std::vector<const LdifRecord*>> byDepth;
         for (const LdifRecord& record : records)
-            sorted.push_back(&record);
-        std::stable_sort(sorted.begin(), sorted.end(), [](const LdifRecord* left, const LdifRecord* right) {
-            return ancestorsOf(left->dn).size() < ancestorsOf(right->dn).size();
-        });
+            byDepth[ancestorsOf(record.dn).size()].push_back(&record);
+        std::vector<const LdifRecord*> sorted;
+        for (const auto& [depth, those] : byDepth)
+            sorted.insert(sorted.end(), those.begin(), those.end());
         return sorted;
     }
 
@@ -115,9 +135,10 @@ private:
     {
         if (!changes.session().exists(record.dn))
             return changes.add(record.dn, record.changes, wanted.needsParent);
+        const auto present = presentIn(changes.session(), record);
         std::vector<Change> differing;
         for (const Change& change : record.changes) {
-            if (!holdsExactly(changes.session(), record.dn, change.attribute))
+            if (!hasExactly(present, change.attribute) && !holdsExactly(changes.session(), record.dn, change.attribute))
                 differing.emplace_back(change).operation = LDAP_MOD_REPLACE;
         }
         if (!differing.empty())

@@ -10,6 +10,7 @@
 #include "formats/ConfigText.h"
 #include "formats/Diff.h"
 #include "formats/Json.h"
+#include "library/Comparison.h"
 #include "library/Outline.h"
 #include "update/Workplace.h"
 
@@ -45,26 +46,56 @@ Failure differenceOf(const std::vector<Entry>& wanted, const std::vector<Entry>&
     return failure;
 }
 
-// Loads the new text as every program will, and compares all entries with those that the changes have made.
+// The entries in a text that the library has written.
+std::size_t entriesIn(const std::string& text)
+{
+    constexpr char begin[] = "\ndn: ";
+    std::size_t count = text.rfind(begin + 1, 0) == 0 ? 1 : 0;
+    for (auto place = text.find(begin); place != std::string::npos; place = text.find(begin, place + 1))
+        ++count;
+    return count;
+}
+
+// A text that the library has written to a copy, loaded again as every program will load it.
+class ReadBack {
+public:
+    ReadBack(const std::string& text, const GuardedFile& written, const std::string& shownName)
+        : copy(text), opened(copy.name(), shownName), count(entriesIn(text)),
+          isStable(holdsText(written.name(), text, shownName) && holdsText(copy.name(), text, shownName))
+    {}
+
+    const Session& session() const noexcept { return opened; }
+    // Whether all entries are those of the other session, as one search for those with an objectclass shows it.
+    bool isPlainly(const Session& other) const { return isStable && countSameEntries(other, opened) == count; }
+    // The same without that search: wanted and found have all entries.
+    bool isSame(const Session& other, const std::vector<Entry>& wanted, const std::vector<Entry>& found) const
+    {
+        return isStable && wanted == found && other.outline() == opened.outline();
+    }
+
+private:
+    const MemoryFile copy;
+    const Session opened;
+    const std::size_t count;  // of the entries in the text
+    const bool isStable;      // neither the way to the disk nor the load has changed the text
+};
+
+// Compares all entries with those that the changes have made. Those without an objectclass are looked for by their
+// other attributes.
 std::optional<Failure> readBackFailure(Workplace& place, const Changes& changes)
 {
-    const std::string text = readFile(place.name(), place.file().shownName());
-    std::vector<std::string> names = changes.names();
-    for (const ConfigLine& line : linesOf(text))
-        names.push_back(line.name);
-    std::sort(names.begin(), names.end());
-    names.erase(std::unique(names.begin(), names.end()), names.end());
-    names.erase(std::remove(names.begin(), names.end(), ""), names.end());
-
-    const MemoryFile copy(text);
-    const Session again(copy.name(), place.file().shownName());
-    const std::string outline = changes.session().outline();
-    const std::size_t count = outlineOf(changes.session()).size();
-    const auto wanted = changes.session().entriesWith(names, count);
-    const auto found = again.entriesWith(names, count);
-    if (wanted == found && outline == again.outline() && readFile(copy.name(), place.file().shownName()) == text)
+    const Session& made = changes.session();
+    const ReadBack again(place.result(), place.copy(), place.file().shownName());
+    if (again.isPlainly(made))
         return std::nullopt;
-    place.requireRoom();
+    auto names = namesIn(place.result());
+    names.insert(names.end(), changes.names().begin(), changes.names().end());
+    const std::size_t count = outlineOf(made).size();
+    const auto wanted = made.entriesWith(names, count);
+    const auto found = again.session().entriesWith(names, count);
+    if (again.isSame(made, wanted, found))
+        return std::nullopt;
+    place.copy().requireRoomFor(place.file().text().size());  // A library that finds no room reports nothing.
     return differenceOf(wanted, found);
 }
 
@@ -75,6 +106,8 @@ void reportQuarantined(const Messages& messages, const Workplace& place, const C
     for (const Entry& entry :
          changes.session().search("", LDAP_SCOPE_SUBTREE, std::string(invalidLine) + "=*", {invalidLine}))
         count += entry.attributes.front().values.size();
+    if (count == 0)
+        return;
     for (const ConfigLine& line : linesOf(place.file().text()))
         count -= isSameName(line.name, invalidLine) && count > 0 ? 1 : 0;
     if (count > 0)
@@ -103,13 +136,14 @@ void update(const Target& target, const std::function<void(Changes& changes)>& b
     place->file().requireUsable(target.backup);
     requireNoNul(place->file());
     try {
-        Changes changes(place->name(), place->file().shownName(), target.login, target.isForced);
+        Changes changes(place->copy(), place->file().shownName(), target.login, target.isForced);
         reportQuarantined(target.messages, *place, changes);
         body(changes);
+        const bool isChanged = changes.write();
         for (const std::string& note : changes.notes())
             target.messages.say(note);
-        if (target.isState && !changes.isChanged()) {
-            overwriteFile(place->name(), place->file().text());
+        if (target.isState && !isChanged) {
+            overwriteFile(place->copy().name(), place->file().text());
         } else if (auto difference = readBackFailure(*place, changes)) {
             addInputPlace(*difference);
             throw *difference;
@@ -124,7 +158,7 @@ void update(const Target& target, const std::function<void(Changes& changes)>& b
 void replaceText(const Target& target, const std::function<std::string(const LiveFile& file)>& newText)
 {
     const auto place = openWorkplace(target);
-    overwriteFile(place->name(), newText(place->file()));
+    overwriteFile(place->copy().name(), newText(place->file()));
     place->finish();
 }
 

@@ -2,7 +2,6 @@
 
 #include "base/Failure.h"
 #include "files/Descriptor.h"
-#include "files/MemoryFile.h"
 #include "formats/Diff.h"
 #include "formats/Json.h"
 
@@ -10,20 +9,30 @@
 
 namespace {
 
-// A private copy beside the file, which takes its place.
+// A private copy beside the file, which takes its place. It is written once, from the copy in memory.
 class Installation : public Workplace {
 public:
-    explicit Installation(const Target& wanted) : target(wanted), replacement(wanted.file, handlingOf(wanted)) {}
+    explicit Installation(const Target& wanted)
+        : target(wanted), replacement(wanted.file, handlingOf(wanted)), working(replacement.live().text())
+    {}
 
     const LiveFile& file() const override { return replacement.live(); }
-    std::string name() const override { return replacement.copy().openName(); }
-    void requireRoom() override { replacement.copy().requireRoomFor(file().text().size()); }
+    GuardedFile& copy() override { return working; }
+
+    std::string result() override
+    {
+        if (!isWritten)
+            replacement.copy().write(readFile(working.name(), file().shownName()));
+        isWritten = true;
+        return replacement.copy().text();
+    }
 
     void finish() override
     {
-        const bool isChanged = readFile(name(), file().shownName()) != file().text();
+        const std::string text = result();
+        const bool isChanged = text != file().text();
         if (target.isState && target.messages.isJson)
-            showDiff(target, file().text(), readFile(name(), file().shownName()), file().shownName());
+            showDiff(target, file().text(), text, file().shownName());
         if (isChanged)
             replacement.install();
         if (target.messages.isVerbose)
@@ -40,25 +49,27 @@ private:
 
     const Target& target;
     Replacement replacement;
+    GuardedFile working;
+    bool isWritten = false;
 };
 
-// A copy in memory, which nothing becomes of but a diff.
+// The copy in memory, which nothing becomes of but a diff.
 class Rehearsal : public Workplace {
 public:
-    explicit Rehearsal(const Target& wanted) : target(wanted), live(wanted.file, wanted.presence), copy(live.text())
+    explicit Rehearsal(const Target& wanted) : target(wanted), live(wanted.file, wanted.presence), working(live.text())
     {
         requireReplaceable(live, handlingOf(wanted));
     }
 
     const LiveFile& file() const override { return live; }
-    std::string name() const override { return copy.name(); }
-    void requireRoom() override {}
-    void finish() override { showDiff(target, live.text(), readFile(name(), live.shownName()), live.shownName()); }
+    GuardedFile& copy() override { return working; }
+    std::string result() override { return readFile(working.name(), live.shownName()); }
+    void finish() override { showDiff(target, live.text(), result(), live.shownName()); }
 
 private:
     const Target& target;
     const LiveFile live;
-    const MemoryFile copy;
+    GuardedFile working;
 };
 
 }  // namespace

@@ -2,6 +2,7 @@
 #ifndef ZEBCFG_WORKPLACE_H
 #define ZEBCFG_WORKPLACE_H
 
+#include "files/GuardedFile.h"
 #include "files/LiveFile.h"
 #include "files/Replacement.h"
 #include "update/Target.h"
@@ -17,10 +18,10 @@ public:
     virtual ~Workplace() = default;
 
     virtual const LiveFile& file() const = 0;
-    // The copy to work on, under a name that the library can open.
-    virtual std::string name() const = 0;
-    // A library that finds no room reports nothing: it is asked for here.
-    virtual void requireRoom() = 0;
+    // The copy to work on, in memory.
+    virtual GuardedFile& copy() = 0;
+    // What would be installed, as it is read from where it lies.
+    virtual std::string result() = 0;
     // Installs the copy, or shows what it changes. A text that is the same as before leaves the file alone.
     virtual void finish() = 0;
 };

@@ -1,0 +1,110 @@
+#include "library/Comparison.h"
+
+#include "library/Session.h"
+
+#include <cstring>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace {
+
+// The entries of a subtree that are looked at in one search. A record of the library takes several times its text.
+constexpr std::size_t mostAtOnce = 8192;
+
+// Records with all below them. An entry has attributes, and those have values: the calls are three deep.
+bool isSame(const CFGMessage* left, const CFGMessage* right)
+{
+    for (; left != nullptr && right != nullptr; left = left->next, right = right->next) {
+        const bool hasText = left->text != nullptr;
+        if (hasText != (right->text != nullptr) || (hasText && std::strcmp(left->text, right->text) != 0) ||
+            !isSame(left->child, right->child))
+            return false;
+    }
+    return left == right;
+}
+
+std::size_t countOf(const CFGMessage* record)
+{
+    std::size_t count = 0;
+    for (; record != nullptr; record = record->next)
+        ++count;
+    return count;
+}
+
+// Whether the DN ends with the other one, as that of an entry below it does.
+bool endsWith(std::string_view dn, std::string_view above)
+{
+    return dn.size() > above.size() + 2 && dn.substr(dn.size() - above.size()) == above &&
+           dn.substr(dn.size() - above.size() - 2, 2) == ", ";
+}
+
+// For each entry the number of entries of its subtree, itself included, by the order and the text of the DNs.
+std::vector<std::size_t> sizesOf(const std::vector<std::string_view>& dns)
+{
+    std::vector<std::size_t> sizes(dns.size(), 1);
+    std::vector<std::size_t> above;
+    const auto leave = [&] {
+        const std::size_t left = above.back();
+        above.pop_back();
+        if (!above.empty())
+            sizes[above.back()] += sizes[left];
+    };
+    for (std::size_t i = 0; i < dns.size(); ++i) {
+        while (!above.empty() && !endsWith(dns[i], dns[above.back()]))
+            leave();
+        above.push_back(i);
+    }
+    while (!above.empty())
+        leave();
+    return sizes;
+}
+
+class Comparison {
+public:
+    Comparison(const Session& one, const Session& other) : left(one), right(other) {}
+
+    std::size_t count() const
+    {
+        const SearchResult names = left.find("", LDAP_SCOPE_SUBTREE, "", {"1.1"});
+        if (!isSame(names.get(), right.find("", LDAP_SCOPE_SUBTREE, "", {"1.1"}).get()) || !isSameRoot())
+            return noneSame;
+        std::vector<std::string_view> dns;
+        for (const CFGMessage* entry = names.get(); entry != nullptr; entry = entry->next)
+            dns.emplace_back(entry->text);
+        const auto sizes = sizesOf(dns);
+        std::size_t done = 0;
+        for (std::size_t i = 0; i < dns.size();) {
+            const bool isPart = sizes[i] <= mostAtOnce;
+            const std::size_t same = countIn(std::string(dns[i]), isPart ? LDAP_SCOPE_SUBTREE : LDAP_SCOPE_BASE);
+            if (same == noneSame)
+                return noneSame;
+            done += same;
+            i += isPart ? sizes[i] : 1;
+        }
+        return done == dns.size() ? done : noneSame;  // Texts of DNs may look like what they are not.
+    }
+
+private:
+    bool isSameRoot() const
+    {
+        return isSame(left.find("", LDAP_SCOPE_BASE, "charset=*").get(),
+                      right.find("", LDAP_SCOPE_BASE, "charset=*").get());
+    }
+
+    std::size_t countIn(const std::string& base, int scope) const
+    {
+        const SearchResult one = left.find(base, scope);
+        return isSame(one.get(), right.find(base, scope).get()) ? countOf(one.get()) : noneSame;
+    }
+
+    const Session& left;
+    const Session& right;
+};
+
+}  // namespace
+
+std::size_t countSameEntries(const Session& left, const Session& right)
+{
+    return Comparison(left, right).count();
+}
