@@ -30,6 +30,7 @@ const std::vector<Option>& globalOptions()
 
 const std::vector<Command>& commands()
 {
+    static const Option ldifFile = {"-f,--file", "FILE", "read LDIF from a file (default: standard input)", Kind::file};
     static const Option noParentCheck = {"--no-parent-check", nullptr, "add an entry also where its parent is missing"};
     static const std::vector<Command> table = {
         {"search",
@@ -74,15 +75,13 @@ const std::vector<Command>& commands()
          runUnset},
         {"add",
          "add entries, or apply changes, from LDIF",
-         {{"-f,--file", "FILE", "read LDIF from a file (default: standard input)", Kind::file},
-          {"--create", nullptr, "make the configuration file if it is missing"},
-          noParentCheck},
+         {ldifFile, {"--create", nullptr, "make the configuration file if it is missing"}, noParentCheck},
          {},
          "zebcfg add -f entries.ldif",
          runAdd},
         {"apply",
          "make the configuration match LDIF, and leave alone what matches already",
-         {{"-f,--file", "FILE", "read LDIF from a file (default: standard input)", Kind::file},
+         {ldifFile,
           {"--prune", nullptr, "also remove other attributes of the entries, and other entries below -b"},
           {"-b,--base", "DN", "with --prune: the entry below which entries are removed", Kind::dn},
           noParentCheck},
@@ -91,7 +90,7 @@ const std::vector<Command>& commands()
          runApply},
         {"modify",
          "apply changes from LDIF, as one step",
-         {{"-f,--file", "FILE", "read LDIF from a file (default: standard input)", Kind::file},
+         {ldifFile,
           {"-a,--add", nullptr, "take a record without a changetype for an entry to add"},
           {"-c,--continue", nullptr, "leave out records that fail, and go on"},
           {"-S,--skipped", "FILE", "with -c: write the records that are left out to a file", Kind::file},
