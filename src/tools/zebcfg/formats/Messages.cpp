@@ -1,6 +1,7 @@
 #include "formats/Messages.h"
 
 #include "base/Attributes.h"
+#include "base/Entry.h"
 #include "base/Failure.h"
 #include "base/Masking.h"
 #include "base/Text.h"
@@ -34,4 +35,10 @@ void Messages::hintAtName(const std::string& name) const
     const std::string hint = attributeHint(name);
     if (!hint.empty())
         say(shownLine(name) + " is no attribute that the server knows" + hint);
+}
+
+void Messages::hintAtNames(const std::vector<Change>& changes) const
+{
+    for (const Change& change : changes)
+        hintAtName(change.attribute.name);
 }

@@ -26,8 +26,7 @@ public:
     void apply(Changes& changes)
     {
         for (LdifRecord record; readRecord(record);) {
-            for (const Change& change : record.changes)
-                messages.hintAtName(change.attribute.name);
+            messages.hintAtNames(record.changes);
             try {
                 changes.apply(record, input.needsParent);
             } catch (Failure& failure) {
