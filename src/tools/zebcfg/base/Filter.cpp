@@ -6,7 +6,6 @@
 #include "base/Value.h"
 
 #include <algorithm>
-#include <cctype>
 #include <string_view>
 
 namespace {
@@ -40,20 +39,14 @@ bool take(Rest& rest, char character)
     return true;
 }
 
-bool isHexDigit(char character)
-{
-    return std::isxdigit(static_cast<unsigned char>(character)) != 0;
-}
-
 // escaped = "\" HEX HEX
 char readEscaped(Rest& rest)
 {
-    constexpr int radix = 16;
-    if (rest.size() < 3 || !isHexDigit(rest[1]) || !isHexDigit(rest[2]))
+    const auto byte = byteAt(rest, 1);
+    if (!byte)
         refuse("two hex digits belong after a backslash");
-    const auto byte = static_cast<char>(std::stoi(std::string(rest.substr(1, 2)), nullptr, radix));
     rest.remove_prefix(3);
-    return byte;
+    return *byte;
 }
 
 // assertionvalue = *(normal / escaped)

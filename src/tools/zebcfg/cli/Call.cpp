@@ -1,6 +1,7 @@
 #include "cli/Call.h"
 
 #include "base/Failure.h"
+#include "base/Masking.h"
 #include "files/Input.h"
 #include "terminal/Password.h"
 
@@ -133,7 +134,7 @@ std::optional<std::string> Call::givenPassword() const
     if (has("password-file"))
         return readPasswordFile(value("password-file"));
     if (has("ask-password"))
-        return askPassword("Password for " + value("bind-dn") + ": ");
+        return askPassword("Password for " + shownDn(value("bind-dn")) + ": ");
     return std::nullopt;
 }
 

@@ -1,4 +1,5 @@
 #include "base/Failure.h"
+#include "base/Masking.h"
 #include "check/Check.h"
 #include "check/Section.h"
 #include "cli/Call.h"
@@ -72,7 +73,7 @@ private:
         if (::isatty(STDIN_FILENO) == 0)
             throw Failure(0, "the text is empty, and nothing is changed; zebcfg delete deletes an entry",
                           file.shownName());
-        return ask("delete the entry " + dn + "? (y)es or (n)o: ", "yn") == 'y';
+        return ask("delete the entry " + shownDn(dn) + "? (y)es or (n)o: ", "yn") == 'y';
     }
 
     // Asks until the user edits again or drops the changes. True for the former.
@@ -103,7 +104,7 @@ private:
         if (hasNewWarnings(findings))
             return refuse("the warnings are new with this text");
         const std::string orphan = newOrphan(text);
-        return orphan.empty() || refuse("the entry " + orphan + " would lose its parent");
+        return orphan.empty() || refuse("the entry " + shownDn(orphan) + " would lose its parent");
     }
 
     bool refuse(const std::string& reason) const

@@ -132,7 +132,7 @@ bool removeUnwritable(const Call& call, std::vector<Entry>& entries)
                                                [](const Attribute& attribute) { return isLdifName(attribute.name); });
         for (auto attribute = end; attribute != attributes.end(); ++attribute)
             call.messages().warn("LDIF cannot carry the attribute \"" + shownLine(attribute->name) + "\" of " +
-                                 entry.dn + ", which is left out");
+                                 shownDn(entry.dn) + ", which is left out");
         isAny = isAny || end != attributes.end();
         attributes.erase(end, attributes.end());
     }
@@ -146,7 +146,7 @@ void writeLdif(const Call& call, const Request& request, const std::vector<Entry
     if (plainness < 3)
         std::cout << "version: 1\n\n";
     if (plainness < 2)
-        std::cout << "# base <" << toUtf8(call.value("base")) << "> with scope " << call.value("scope", "sub")
+        std::cout << "# base <" << toUtf8(shownDn(call.value("base"))) << "> with scope " << call.value("scope", "sub")
                   << "\n# filter: (" << toUtf8(request.shownFilter()) << ")\n\n";
     for (const Entry& entry : entries)
         std::cout << toLdif(entry, call.has("names-only"), wrap);

@@ -79,7 +79,7 @@ void requireHarmless(const std::string& text, const std::string& shownName)
 std::string toLdif(const Entry& entry, bool namesOnly, std::size_t wrap)
 {
     std::string text;
-    appendLine(text, LDIF_PUT_VALUE, "dn", entry.dn, wrap);
+    appendLine(text, LDIF_PUT_VALUE, "dn", shownDn(entry.dn), wrap);
     for (const Attribute& attribute : entry.attributes) {
         if (namesOnly) {
             appendLine(text, LDIF_PUT_NOVALUE, shownLine(attribute.name), "", wrap);

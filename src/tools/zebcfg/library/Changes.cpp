@@ -16,6 +16,7 @@
 
 namespace {
 
+constexpr const char* reservedNames[] = {"objectclass", "charset", "version", "dn", invalidLine};
 constexpr const char* loginNames[] = {"objectclass", "zeb-slapdAdminDN", "zeb-slapdAdminPW"};
 
 Failure attributeFailure(int code, const std::string& dn, const std::string& name, const std::string& text)
@@ -42,6 +43,13 @@ bool isReadableName(const std::string& name)
     return !name.empty() && name.find_first_of(":=\r\n") == std::string::npos && name.front() != '#' &&
            stripped.find(name.front()) == std::string::npos && stripped.find(name.back()) == std::string::npos &&
            !isSameName(name, "dn");
+}
+
+// What the library keeps for itself is no name of an entry.
+bool canNameEntry(const std::string& name)
+{
+    return std::none_of(std::begin(reservedNames), std::end(reservedNames),
+                        [&](const char* reserved) { return isSameName(reserved, name); });
 }
 
 // Adds the line of the input to a failure of the body.
@@ -177,7 +185,7 @@ void Changes::requireParent(const std::string& dn, const std::string& advice) co
     const std::string parent = parentOf(dn);
     if (!parent.empty() && !opened->exists(parent))
         throw Failure(LDAP_NO_SUCH_OBJECT,
-                      "the parent " + parent + " does not exist" +
+                      "the parent " + shownDn(parent) + " does not exist" +
                           nearestNote(parent, [this](const std::string& above) { return opened->exists(above); }) +
                           advice);
 }
@@ -187,7 +195,8 @@ void Changes::add(const std::string& dn, const std::vector<Change>& attributes, 
     step([&] {
         const std::string spelling = spelled(dn);
         if (opened->exists(dn))
-            throw Failure(LDAP_ALREADY_EXISTS, "the entry " + dn + " exists already");
+            throw Failure(LDAP_ALREADY_EXISTS, "the entry " + shownDn(dn) + " exists already");
+        requireNaming(spelling);
         if (needsParent)
             requireParent(spelling, " (--no-parent-check adds the entry all the same)");
         for (const Change& change : attributes)
@@ -321,6 +330,21 @@ void Changes::erase(const std::string& dn, bool withChildren)
     step([&] { opened->erase(dn, withChildren); });
 }
 
+// Only RDNs that are new count: an entry may have been added below others by any means.
+void Changes::requireNaming(const std::string& dn) const
+{
+    for (std::string rest = dn; !rest.empty(); rest = parentOf(rest)) {
+        for (const Attribute& attribute : rdnOf(rest)) {
+            const bool isName = canNameEntry(attribute.name);
+            if ((isName && (isForced || !isSecret(attribute.name))) || opened->exists(rest))
+                continue;
+            throw attributeFailure(LDAP_NAMING_VIOLATION, dn, attribute.name,
+                                   isName ? "a DN is no place for a password; --force allows it"
+                                          : "cannot name an entry; use another attribute, such as cn");
+        }
+    }
+}
+
 std::string Changes::newDnOf(const LdifRecord& record) const
 {
     if (!parentOf(spelled(record.newRdn)).empty())
@@ -340,7 +364,8 @@ void Changes::requireMovable(const Move& move) const
     if (move.isIntoItself())
         throw Failure(LDAP_UNWILLING_TO_PERFORM, "an entry cannot be moved below itself");
     if (!move.isSpelling() && opened->exists(move.to()))
-        throw Failure(LDAP_ALREADY_EXISTS, "the entry " + move.to() + " exists already");
+        throw Failure(LDAP_ALREADY_EXISTS, "the entry " + shownDn(move.to()) + " exists already");
+    requireNaming(move.to());
     requireParent(move.to(), {});
 }
 
@@ -360,7 +385,7 @@ void Changes::requireMoved(const Move& move, const std::vector<Entry>& before) c
     for (const Entry& entry : entries())
         found[keyOf(entry.dn)] = entry.attributes;
     if (wanted != found)
-        throw Failure(LDAP_INVALID_SYNTAX, "the entries below " + move.to() +
+        throw Failure(LDAP_INVALID_SYNTAX, "the entries below " + shownDn(move.to()) +
                                                " would be read back from the file as others; nothing is changed");
 }
 
@@ -392,7 +417,7 @@ void Changes::noteReferences(const Move& move, const std::vector<Entry>& before)
         for (const Attribute& attribute : entry.attributes) {
             for (const std::string& value : attribute.values) {
                 if (mayHoldDns(attribute) && value.find('=') != std::string::npos && move.affects(value))
-                    noted.push_back(attribute.name + " of " + move.moved(entry.dn) + " still names " +
+                    noted.push_back(attribute.name + " of " + shownDn(move.moved(entry.dn)) + " still names " +
                                     shownValue(attribute.name, value));
             }
         }

@@ -106,7 +106,7 @@ Session::Session(const std::string& fileName, const std::string& shown, const st
     const int code = cfg_bind_s(cfg.get(), dn, password, static_cast<int>(LDAP_AUTH_SIMPLE));
     if (code == LDAP_INVALID_CREDENTIALS)
         throw Failure(code,
-                      "the login as " + login->dn + " is refused: DN and password have to match " +
+                      "the login as " + shownDn(login->dn) + " is refused: DN and password have to match " +
                           "zeb-slapdAdminDN and zeb-slapdAdminPW of cn=Configuration",
                       shownName);
     require(code);
@@ -166,7 +166,7 @@ std::string Session::explain(int code) const
     std::string text = cfg_err2string(extended);
     if (!text.empty() && text.back() == '.')
         text.pop_back();
-    const std::string entry = textOf(cfg_get_entry(handle));
+    const std::string entry = shownDn(textOf(cfg_get_entry(handle)));
     const std::string& object = value.empty() || value.front() == '<' ? entry : shown;
     return object.empty() || object == "<root>" ? text : text + ": " + object;
 }
@@ -208,8 +208,8 @@ bool Session::has(const std::string& dn, const std::string& attribute) const
 
 Failure Session::missingEntry(const std::string& dn) const
 {
-    return {LDAP_NO_SUCH_OBJECT,
-            "there is no entry " + dn + nearestNote(dn, [this](const std::string& above) { return exists(above); })};
+    return {LDAP_NO_SUCH_OBJECT, "there is no entry " + shownDn(dn) +
+                                     nearestNote(dn, [this](const std::string& above) { return exists(above); })};
 }
 
 // The report of the failed search holds it.

@@ -2,6 +2,7 @@
 
 #include "base/Attributes.h"
 #include "base/Failure.h"
+#include "base/Masking.h"
 #include "base/Text.h"
 #include "files/Input.h"
 #include "library/Dn.h"
@@ -91,7 +92,7 @@ private:
                 requireEntry(record);
                 record.dn = spelled(record.dn);
                 if (!known.insert(lowerCase(record.dn)).second)
-                    throw Failure(LDAP_ALREADY_EXISTS, "the entry " + record.dn + " is given twice");
+                    throw Failure(LDAP_ALREADY_EXISTS, "the entry " + shownDn(record.dn) + " is given twice");
             });
             records.push_back(std::move(record));
         }
@@ -167,7 +168,7 @@ private:
         const auto kept = keptDns();
         if (std::none_of(part.begin(), part.end(),
                          [&](const Node& node) { return kept.count(lowerCase(node.dn)) != 0; }))
-            throw Failure(LDAP_UNWILLING_TO_PERFORM, "the input has no entry below " + wanted.base, shownName);
+            throw Failure(LDAP_UNWILLING_TO_PERFORM, "the input has no entry below " + shownDn(wanted.base), shownName);
         for (auto node = part.rbegin(); node != part.rend(); ++node) {
             if (kept.count(lowerCase(node->dn)) == 0 && !isSameName(node->dn, base))
                 changes.erase(node->dn, false);

@@ -41,7 +41,8 @@ Failure differenceOf(const std::vector<Entry>& wanted, const std::vector<Entry>&
         failure.attribute = attribute->name;
         failure.value = firstMissing(*attribute, end != other.attributes.end() ? *end : Attribute());
     }
-    failure.text = (failure.attribute.empty() ? "the entry " : "a value of ") + failure.entry + ' ' + failure.text;
+    failure.text =
+        (failure.attribute.empty() ? "the entry " : "a value of ") + shownDn(failure.entry) + ' ' + failure.text;
     return failure;
 }
 
