@@ -109,7 +109,8 @@ void update(const Target& target, const std::function<void(Changes& changes)>& b
         body(changes);
         for (const std::string& note : changes.notes())
             target.messages.say(note);
-        if (target.isState && !changes.isChanged()) {
+        const bool isNothing = target.isState || place->file().isMissing();
+        if (isNothing && !changes.isChanged()) {
             overwriteFile(place->name(), place->file().text());
         } else if (auto difference = readBackFailure(*place, changes)) {
             addInputPlace(*difference);

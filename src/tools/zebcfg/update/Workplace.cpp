@@ -27,10 +27,15 @@ public:
         if (isChanged)
             replacement.install();
         if (target.messages.isVerbose)
-            target.messages.say(file().shownName() + (isChanged ? doneNote() : " is as it was"));
+            target.messages.say(file().shownName() + (isChanged ? doneNote() : asItWas()));
     }
 
 private:
+    const char* asItWas() const
+    {
+        return file().isMissing() ? " is not made, for there is nothing to add" : " is as it was";
+    }
+
     std::string doneNote() const
     {
         if (file().isMissing())
