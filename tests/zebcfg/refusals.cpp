@@ -1,10 +1,12 @@
 // Preloaded into the tool: one of its calls that change files or directories is refused, or the process is killed in
-// front of it. REFUSAL is NAME:N for the Nth call of that name, from 1, or kill:N for the Nth of all.
+// front of it. REFUSAL is NAME:N for the Nth call of that name, from 1, or kill:N for the Nth of all. SLOWNESS is the
+// time, in milliseconds, that it takes to make a file in memory.
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <string_view>
 
 #include <dlfcn.h>
@@ -74,6 +76,15 @@ int fchown(int file, uid_t owner, gid_t group) noexcept
 int ftruncate(int file, off_t size) noexcept
 {
     return call("ftruncate", file, size);
+}
+int memfd_create(const char* name, unsigned int flags) noexcept
+{
+    const char* const slowness = std::getenv("SLOWNESS");
+    const long time = slowness != nullptr ? std::strtol(slowness, nullptr, 10) : 0;
+    timespec left = {time / 1000, time % 1000 * 1000000};
+    while (::nanosleep(&left, &left) != 0 && errno == EINTR) {
+    }
+    return call("memfd_create", name, flags);
 }
 int futimens(int file, const struct timespec* times) noexcept
 {

@@ -10,6 +10,7 @@
 #include "formats/ConfigText.h"
 #include "library/Dn.h"
 #include "library/Session.h"
+#include "terminal/Progress.h"
 
 #include <algorithm>
 #include <map>
@@ -78,11 +79,12 @@ public:
                                    .advise("remove it, for the next write drops the rest of the line"));
         for (const Failure& failure : loadable.failures())
             findings.push_back(findingOf(failure, failure.fileLine, adviceFor(failure)));
-        findQuarantined();
-        findSeveralValues();
-        findUndecodable();
-        findMisspelt();
-        findMissingLogin();
+        for (const auto find : {&Checker::findQuarantined, &Checker::findSeveralValues, &Checker::findUndecodable,
+                                &Checker::findMisspelt, &Checker::findMissingLogin}) {
+            progress.step();
+            (this->*find)();
+        }
+        progress.step();
         if (loadable.failures().empty())
             findChangesOfFirstWrite();
         std::stable_sort(findings.begin(), findings.end(),
@@ -91,6 +93,8 @@ public:
     }
 
 private:
+    static constexpr std::size_t stages = 7;  // the first one is the load
+
     static std::string lower(std::string name)
     {
         std::transform(name.begin(), name.end(), name.begin(), lowered);
@@ -224,6 +228,7 @@ private:
                                    .advise("zebcfg -n set with any change shows how"));
     }
 
+    Progress progress{"Checking", stages};
     const std::string& text;
     const std::string& shownName;
     const LoadableText loadable;

@@ -10,6 +10,7 @@
 #include "formats/Ldif.h"
 #include "library/Dn.h"
 #include "library/Query.h"
+#include "terminal/Progress.h"
 #include "update/Reading.h"
 
 #include <algorithm>
@@ -93,6 +94,7 @@ void sortBy(const std::string& name, std::vector<Entry>& entries)
 
 std::vector<Entry> entriesFor(const Call& call, Reading& reading, const Request& request)
 {
+    const Progress progress("Searching");
     Query query{call.value("base"), scopeOf(call.value("scope", "sub")), request.filter, {}, {}};
     if (!request.wants("*"))
         query.names = request.names;

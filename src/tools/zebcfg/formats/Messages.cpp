@@ -6,11 +6,13 @@
 #include "base/Masking.h"
 #include "base/Text.h"
 #include "formats/Json.h"
+#include "terminal/Progress.h"
 
 #include <iostream>
 
 void Messages::report(const Failure& failure) const
 {
+    const PausedProgress pause;
     std::cout.flush();
     if (isJson)
         std::cerr << toJson(failure, isVerbose) << '\n';
@@ -26,6 +28,7 @@ void Messages::say(const std::string& text) const
 
 void Messages::warn(const std::string& text) const
 {
+    const PausedProgress pause;
     std::cout.flush();
     std::cerr << (isJson ? noteToJson(text) : "zebcfg: " + visible(text)) << '\n';
 }

@@ -7,6 +7,7 @@
 #include "files/Input.h"
 #include "library/Dn.h"
 #include "library/Outline.h"
+#include "terminal/Progress.h"
 #include "update/LdifInput.h"
 #include "update/Update.h"
 
@@ -62,8 +63,11 @@ public:
 
     void apply(Changes& changes) const
     {
-        for (const LdifRecord* const record : parentsFirst())
+        Progress progress("Applying entries", records.size());
+        for (const LdifRecord* const record : parentsFirst()) {
             atRecord(*record, [&] { makeSo(changes, *record); });
+            progress.step();
+        }
         if (wanted.isWhole)
             removeEntries(changes);
     }

@@ -6,6 +6,7 @@
 #include "files/FileName.h"
 #include "files/Input.h"
 #include "library/Dn.h"
+#include "terminal/Progress.h"
 #include "update/Update.h"
 
 #include <algorithm>
@@ -25,7 +26,8 @@ public:
 
     void apply(Changes& changes)
     {
-        for (LdifRecord record; readRecord(record);) {
+        Progress progress("Applying records");
+        for (LdifRecord record; readRecord(record); progress.step()) {
             messages.hintAtNames(record.changes);
             try {
                 changes.apply(record, input.needsParent);

@@ -11,6 +11,7 @@
 #include "formats/Diff.h"
 #include "formats/Json.h"
 #include "library/Outline.h"
+#include "terminal/Progress.h"
 #include "update/Workplace.h"
 
 #include <algorithm>
@@ -103,10 +104,13 @@ void update(const Target& target, const std::function<void(Changes& changes)>& b
     const auto place = openWorkplace(target);
     place->file().requireUsable(target.backup);
     requireNoNul(place->file());
+    Progress progress("Loading");
     try {
         Changes changes(place->name(), place->file().shownName(), target.login, target.isForced);
         reportQuarantined(target.messages, *place, changes);
+        progress.turnTo("Changing");
         body(changes);
+        progress.turnTo("Verifying");
         for (const std::string& note : changes.notes())
             target.messages.say(note);
         const bool isNothing = target.isState || place->file().isMissing();
@@ -120,6 +124,7 @@ void update(const Target& target, const std::function<void(Changes& changes)>& b
         addPlace(failure, place->file().text(), place->file().shownName());
         throw;
     }
+    progress.turnTo("Writing");
     place->finish();
 }
 

@@ -5,6 +5,7 @@
 #include "files/MemoryFile.h"
 #include "formats/Diff.h"
 #include "formats/Json.h"
+#include "terminal/Progress.h"
 
 #include <iostream>
 
@@ -84,9 +85,11 @@ std::unique_ptr<Workplace> openWorkplace(const Target& target)
 
 void showDiff(const Target& target, const std::string& before, const std::string& after, const std::string& shownName)
 {
+    const Progress progress("Comparing");
     const bool isJson = target.messages.isJson;
     const std::string diff = unifiedDiff(before, after, shownName, target.hasColor && !isJson);
     const std::string json = target.isState ? changeToJson(before != after, diff) : diffToJson(diff);
+    const PausedProgress pause;
     std::cout << (isJson ? json + '\n' : diff);
     if (!std::cout.flush())
         throw systemFailure(0, "cannot write the output, and nothing is changed");
