@@ -1,8 +1,6 @@
-// Preloaded into the tool: one of its calls that change files or directories is refused, or the process is killed in
-// front of it. REFUSAL is NAME:N for the Nth call of that name, from 1, or kill:N for the Nth of all. SLOWNESS is the
-// time, in milliseconds, that it takes to make a file in memory.
+// Preloaded into the tool: one of its calls that change files or directories is refused. REFUSAL is NAME:N for the Nth
+// call of that name, from 1. SLOWNESS is the time, in milliseconds, that it takes to make a file in memory.
 #include <cerrno>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -21,14 +19,11 @@ bool isRefused(const char* name)
     const char* const colon = wanted != nullptr ? std::strchr(wanted, ':') : nullptr;
     if (colon == nullptr)
         return false;
-    const bool kills = std::strncmp(wanted, "kill:", 5) == 0;
-    if (!kills && std::string_view(wanted, static_cast<std::size_t>(colon - wanted)) != name)
+    if (std::string_view(wanted, static_cast<std::size_t>(colon - wanted)) != name)
         return false;
     static long left = std::strtol(colon + 1, nullptr, 10);
     if (--left != 0)
         return false;
-    if (kills)
-        (void)std::raise(SIGKILL);
     errno = EPERM;
     return true;
 }
