@@ -81,6 +81,10 @@ int memfd_create(const char* name, unsigned int flags) noexcept
     }
     return call("memfd_create", name, flags);
 }
+int fsetxattr(int file, const char* name, const void* value, std::size_t size, int flags) noexcept
+{
+    return call("fsetxattr", file, name, value, size, flags);
+}
 int futimens(int file, const struct timespec* times) noexcept
 {
     return call("futimens", file, times);

@@ -99,6 +99,14 @@ void becomeNobody()
     ASSERT_TRUE(::setgid(nobody) == 0 && ::setuid(nobody) == 0);
 }
 
+// Lets a call of the process refuse, as refusals.cpp has it.
+void refuse(const std::string& refusal)
+{
+    ::setenv("LD_PRELOAD", ZEBCFG_REFUSALS, 1);
+    ::setenv("ASAN_OPTIONS", "verify_asan_link_order=0", 1);
+    ::setenv("REFUSAL", refusal.c_str(), 1);
+}
+
 // Whether the call to the kernel may change a file, a directory or a lock.
 bool mayChange(std::uint64_t call)
 {
@@ -156,9 +164,7 @@ protected:
     {
         return finish(start(directory.file, setPort(2), [&] {
             become();
-            ::setenv("LD_PRELOAD", ZEBCFG_REFUSALS, 1);
-            ::setenv("ASAN_OPTIONS", "verify_asan_link_order=0", 1);
-            ::setenv("REFUSAL", refusal.c_str(), 1);
+            refuse(refusal);
         }));
     }
 
@@ -326,6 +332,14 @@ TEST(Safety, ExtendedAttributesAreKept)
     EXPECT_EQ(::getxattr(directory.file.c_str(), "user.note", kept.data(), kept.size()),
               static_cast<ssize_t>(value.size()));
     EXPECT_STREQ(kept.data(), value.c_str());
+
+    const std::string errors = directory / "errors";
+    const pid_t child = start(directory.file, setPort(3), [&] {
+        refuse("fsetxattr:1");
+        ::dup2(::open(errors.c_str(), O_WRONLY | O_CREAT, 0600), STDERR_FILENO);
+    });
+    EXPECT_EQ(finish(child), 0);
+    EXPECT_EQ(readText(errors), "zebcfg: the extended attribute user.note of the file could not be kept\n");
 }
 
 // A limit on the size of files stands for a disk that is full at each byte of the new text in turn.
