@@ -13,8 +13,8 @@ void showProgress(bool isWanted);
 // while another one lives takes its place on the line, and the time goes on.
 class Progress {
 public:
-    // what: a literal of at most 20 characters. total: the number of steps; with 0 the line counts them.
-    explicit Progress(const char* what, std::size_t total = 0);
+    // text: a literal of at most 20 characters. steps: how many there will be; with 0 the line counts them.
+    explicit Progress(const char* text, std::size_t steps = 0);
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
     ~Progress();
