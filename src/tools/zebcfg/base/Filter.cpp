@@ -101,7 +101,7 @@ void requireOrder(const Filter& filter)
     const bool isNumber = type->syntax == Syntax::number || type->syntax == Syntax::bits;
     if (!isNumber || isWholeNumber(filter.values.front()))
         return;
-    Failure failure(LDAP_INVALID_SYNTAX, '"' + filter.values.front() + "\" is no whole number");
+    Failure failure(LDAP_INVALID_SYNTAX, '"' + filter.values.front() + "\" is not a whole number");
     failure.attribute = type->name;
     throw failure;
 }
@@ -174,7 +174,7 @@ Filter readComponent(Rest& rest, int depth)
 Filter readFilter(Rest& rest, int depth)
 {
     if (depth >= deepest)
-        refuse("it is nested more than " + std::to_string(deepest) + " deep");
+        refuse("it is nested more than " + std::to_string(deepest) + " levels deep");
     Rest inner = rest;
     if (!take(inner, '('))
         refuse("a filter within parentheses is missing after &, | or !");

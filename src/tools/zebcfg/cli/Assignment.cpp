@@ -13,7 +13,7 @@ std::vector<Change> changesOf(const Call& call, int operation, NeedsValue needsV
         const auto equals = word->find('=');
         const std::string name = word->substr(0, equals);
         if (equals == std::string::npos && needsValue == NeedsValue::yes)
-            throw Failure(0, "a word is not of the form ATTRIBUTE=VALUE");
+            throw Failure(0, "an argument does not have the form ATTRIBUTE=VALUE");
         auto change = std::find_if(changes.begin(), changes.end(),
                                    [&](const Change& known) { return isSameName(known.attribute.name, name); });
         if (change == changes.end())

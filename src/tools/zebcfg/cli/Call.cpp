@@ -126,7 +126,7 @@ Target Call::target() const
 std::optional<std::string> Call::givenPassword() const
 {
     if (int{has("password")} + int{has("ask-password")} + int{has("password-file")} > 1)
-        throw Failure(0, "of -w, -W and -y only one can be used");
+        throw Failure(0, "only one of -w, -W and -y can be used");
     if (has("password"))
         messages().warn("the password of -w can be seen by others on this machine; use -W or -y");
     if (has("password"))

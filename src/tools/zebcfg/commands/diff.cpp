@@ -59,9 +59,9 @@ Side sideOf(const Call& call, const std::string& word)
     if (!isNumber || word.empty())
         return {readInput(word), shownInput(word)};
     const std::string backup = call.backupName();
-    const int number = wholeNumber(word, "there are not so many backups");
+    const int number = wholeNumber(word, "there are not that many backups");
     if (backup.empty() || number < 1)
-        throw Failure(0, backup.empty() ? "there is no backup under --no-backup" : "backups are counted from 1");
+        throw Failure(0, backup.empty() ? "there is no backup under --no-backup" : "backups are numbered from 1");
     const std::string name = generationName(backup, number);
     return {LiveFile(name).text(), name};
 }

@@ -41,7 +41,7 @@ public:
                 return text;
             if (!wantsToEditAgain(unifiedDiff(file.text(), text, file.shownName(), call.hasColor(STDERR_FILENO)))) {
                 part = section.part();
-                throw Failure(0, "the changes are dropped, and nothing is changed", file.shownName());
+                throw Failure(0, "the changes are discarded, and nothing is changed", file.shownName());
             }
         }
     }
@@ -80,7 +80,7 @@ private:
     static bool wantsToEditAgain(const std::string& diff)
     {
         for (;;) {
-            const char answer = ask("(e)dit again, (d)rop the changes, or (s)how them? ", "eds");
+            const char answer = ask("(e)dit again, (d)iscard the changes, or (s)how them? ", "eds");
             if (answer != 's')
                 return answer == 'e';
             std::cerr << diff;
@@ -102,14 +102,14 @@ private:
         if (call.has("force"))
             return true;
         if (hasNewWarnings(findings))
-            return refuse("the warnings are new with this text");
+            return refuse("these warnings are new");
         const std::string orphan = newOrphan(text);
         return orphan.empty() || refuse("the entry " + shownDn(orphan) + " would lose its parent");
     }
 
     bool refuse(const std::string& reason) const
     {
-        call.messages().warn(reason + "; --force installs it");
+        call.messages().warn(reason + "; --force installs the text anyway");
         return false;
     }
 

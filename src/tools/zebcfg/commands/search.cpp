@@ -133,7 +133,7 @@ bool removeUnwritable(const Call& call, std::vector<Entry>& entries)
         const auto end = std::stable_partition(attributes.begin(), attributes.end(),
                                                [](const Attribute& attribute) { return isLdifName(attribute.name); });
         for (auto attribute = end; attribute != attributes.end(); ++attribute)
-            call.messages().warn("LDIF cannot carry the attribute \"" + shownLine(attribute->name) + "\" of " +
+            call.messages().warn("LDIF cannot represent the attribute \"" + shownLine(attribute->name) + "\" of " +
                                  shownDn(entry.dn) + ", which is left out");
         isAny = isAny || end != attributes.end();
         attributes.erase(end, attributes.end());

@@ -8,6 +8,6 @@
 MemoryFile::MemoryFile(const std::string& text) : file(::memfd_create("zebcfg", MFD_CLOEXEC))
 {
     if (!file.isOpen())
-        throw systemFailure(LDAP_OTHER, "cannot make a file in memory");
+        throw systemFailure(LDAP_OTHER, "cannot create a file in memory");
     writeAll(file.get(), text, "a file in memory");
 }

@@ -37,7 +37,7 @@ void Messages::hintAtName(const std::string& name) const
 {
     const std::string hint = attributeHint(name);
     if (!hint.empty())
-        say(shownLine(name) + " is no attribute that the server knows" + hint);
+        say(shownLine(name) + " is not a known attribute" + hint);
 }
 
 void Messages::hintAtNames(const std::vector<Change>& changes) const

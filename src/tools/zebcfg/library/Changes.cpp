@@ -154,7 +154,7 @@ void Changes::requireNameAndValues(const std::string& dn, const Attribute& attri
 {
     const std::string& name = attribute.name;
     if (!isReadableName(name))
-        throw attributeFailure(LDAP_UNDEFINED_TYPE, dn, name, "this name of an attribute could not be read back");
+        throw attributeFailure(LDAP_UNDEFINED_TYPE, dn, name, "an attribute of this name could not be read back");
     if (isRootDn(dn) && !isSameName(name, "charset") && !isSameName(name, "version"))
         throw attributeFailure(LDAP_OBJECT_CLASS_VIOLATION, dn, name,
                                "the root has the attributes charset and version only");
@@ -195,10 +195,10 @@ void Changes::add(const std::string& dn, const std::vector<Change>& attributes, 
     step([&] {
         const std::string spelling = spelled(dn);
         if (opened->exists(dn))
-            throw Failure(LDAP_ALREADY_EXISTS, "the entry " + shownDn(dn) + " exists already");
+            throw Failure(LDAP_ALREADY_EXISTS, "the entry " + shownDn(dn) + " already exists");
         requireNaming(spelling);
         if (needsParent)
-            requireParent(spelling, " (--no-parent-check adds the entry all the same)");
+            requireParent(spelling, " (--no-parent-check adds the entry anyway)");
         for (const Change& change : attributes)
             atLineOf(change, [&] { requireNameAndValues(dn, change.attribute); });
         addEntry(dn, attributes);
@@ -260,7 +260,7 @@ void Changes::applyChange(const std::string& dn, const Change& change)
         if (opened->holds(dn, attribute.name, value) == isAdded)
             throw valueFailure(
                 isAdded ? LDAP_TYPE_OR_VALUE_EXISTS : LDAP_NO_SUCH_ATTRIBUTE, dn, {attribute.name, {value}},
-                '"' + shownValue(attribute.name, value) + (isAdded ? "\" is there already" : "\" is not there"));
+                '"' + shownValue(attribute.name, value) + (isAdded ? "\" is already there" : "\" is not there"));
         opened->modify(dn, {{change.operation, {attribute.name, {value}}}});
     }
 }
@@ -364,7 +364,7 @@ void Changes::requireMovable(const Move& move) const
     if (move.isIntoItself())
         throw Failure(LDAP_UNWILLING_TO_PERFORM, "an entry cannot be moved below itself");
     if (!move.isSpelling() && opened->exists(move.to()))
-        throw Failure(LDAP_ALREADY_EXISTS, "the entry " + shownDn(move.to()) + " exists already");
+        throw Failure(LDAP_ALREADY_EXISTS, "the entry " + shownDn(move.to()) + " already exists");
     requireNaming(move.to());
     requireParent(move.to(), {});
 }
@@ -385,8 +385,9 @@ void Changes::requireMoved(const Move& move, const std::vector<Entry>& before) c
     for (const Entry& entry : entries())
         found[keyOf(entry.dn)] = entry.attributes;
     if (wanted != found)
-        throw Failure(LDAP_INVALID_SYNTAX, "the entries below " + shownDn(move.to()) +
-                                               " would be read back from the file as others; nothing is changed");
+        throw Failure(LDAP_INVALID_SYNTAX,
+                      "the entries below " + shownDn(move.to()) +
+                          " would be read back from the file as different ones; nothing is changed");
 }
 
 void Changes::followRdn(const Move& move, bool keepsOld)
@@ -417,7 +418,7 @@ void Changes::noteReferences(const Move& move, const std::vector<Entry>& before)
         for (const Attribute& attribute : entry.attributes) {
             for (const std::string& value : attribute.values) {
                 if (mayHoldDns(attribute) && value.find('=') != std::string::npos && move.affects(value))
-                    noted.push_back(attribute.name + " of " + shownDn(move.moved(entry.dn)) + " still names " +
+                    noted.push_back(attribute.name + " of " + shownDn(move.moved(entry.dn)) + " still refers to " +
                                     shownValue(attribute.name, value));
             }
         }

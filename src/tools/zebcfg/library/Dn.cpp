@@ -37,7 +37,7 @@ void requireNoNul(const std::string& dn)
     for (std::size_t at = dn.find('\\'); at < dn.size(); at = dn.find('\\', at + 2)) {
         if (byteAt(dn, at + 1) == '\0')
             throw Failure(LDAP_INVALID_DN_SYNTAX,
-                          "the DN holds a NUL byte, and a write would drop the rest of the value");
+                          "the DN contains a NUL byte, and a write would drop the rest of the value");
     }
 }
 

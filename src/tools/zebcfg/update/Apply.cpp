@@ -21,7 +21,7 @@ namespace {
 void requireEntry(const LdifRecord& record)
 {
     if (record.type != LdifRecord::add)
-        throw Failure(LDAP_UNWILLING_TO_PERFORM, "a state is made of entries, not of changes; see zebcfg modify");
+        throw Failure(LDAP_UNWILLING_TO_PERFORM, "apply takes entries, not changes; see zebcfg modify");
     if (record.changes.empty())
         throw Failure(LDAP_OBJECT_CLASS_VIOLATION, "the entry has no attributes; the input may be cut off");
 }
@@ -88,7 +88,7 @@ private:
     void read(const std::string& text)
     {
         if (!text.empty() && text.back() != '\n')
-            throw Failure(0, "the input is cut off in its last line, and nothing is changed", shownName);
+            throw Failure(0, "the last line of the input is incomplete, and nothing is changed", shownName);
         std::set<std::string> known;
         LdifReader reader(text, shownName);
         for (LdifRecord record; reader.next(record, LdifRecord::add); record = {}) {

@@ -86,7 +86,7 @@ private:
 void makeSkippedFile(const std::string& name, const std::string& configuration)
 {
     if (resolvedName(name) == resolvedName(configuration))
-        throw Failure(0, "the records that are left out cannot go into the configuration file", name);
+        throw Failure(0, "the skipped records cannot be written to the configuration file", name);
     const Descriptor made(::open(name.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
     if (!made.isOpen())
         throw systemFailure(0, "cannot write " + name);

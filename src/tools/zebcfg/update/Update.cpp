@@ -34,7 +34,7 @@ Failure differenceOf(const std::vector<Entry>& wanted, const std::vector<Entry>&
     const Entry none;
     const Entry& one = left != wanted.end() ? *left : none;
     const Entry& other = right != found.end() ? *right : none;
-    Failure failure(LDAP_INVALID_SYNTAX, "would be read back from the file as another one; nothing is changed");
+    Failure failure(LDAP_INVALID_SYNTAX, "would be read back from the file as a different one; nothing is changed");
     failure.entry = one.dn.empty() ? other.dn : one.dn;
     const auto [attribute, end] =
         std::mismatch(one.attributes.begin(), one.attributes.end(), other.attributes.begin(), other.attributes.end());

@@ -34,13 +34,13 @@ public:
 private:
     const char* asItWas() const
     {
-        return file().isMissing() ? " is not made, for there is nothing to add" : " is as it was";
+        return file().isMissing() ? " is not created, for there is nothing to add" : " is unchanged";
     }
 
     std::string doneNote() const
     {
         if (file().isMissing())
-            return " is made";
+            return " has been created";
         return " is replaced" + (target.backup.empty() ? "" : ", and " + target.backup + " keeps the old text");
     }
 
