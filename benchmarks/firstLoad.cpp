@@ -2,6 +2,7 @@
 
 #include "generate.h"
 #include "handle.h"
+#include "program.h"
 #include "references.h"
 
 #include <array>

@@ -8,13 +8,10 @@
 #include <string>
 #include <vector>
 
-// The first argument of a child process.
-constexpr char childOption[] = "--child";
-
 // A child is ended after that many seconds, of wall time.
 constexpr unsigned childSeconds = 60;
 
-// What a child process does: prints the figures of the work that the arguments behind childOption name.
+// What a child process does: prints the figures of the work that the arguments after childOption name.
 void runChild(const std::vector<std::string>& arguments);
 
 // CPU time in seconds, and the greatest resident memory since the process began, in bytes. All are infinite for a child

@@ -2,14 +2,13 @@
 // same file in a process of its own.
 #include "generate.h"
 #include "measure.h"
+#include "program.h"
 #include "references.h"
 #include "table.h"
 
 #include <array>
-#include <clocale>
 #include <cstdio>
 #include <cstdlib>
-#include <exception>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -32,14 +31,11 @@ constexpr char usage[] = R"(usage: benchmark_tool [OPTION]...
 The files lie in TMPDIR. The locale is C.UTF-8 unless LC_ALL says otherwise.
 )";
 
-constexpr char childOption[] = "--child";
 constexpr std::size_t manyLeaves = 30000;
 constexpr std::size_t mostLeaves = 100000;
 constexpr std::size_t fewLeaves = 300;
 constexpr std::size_t addedLeaves = 1500;
 constexpr char someDn[] = "cn=Group 10, cn=Configuration";
-
-using Words = std::vector<std::string>;
 
 struct Options {
     std::string tool = (std::filesystem::read_symlink("/proc/self/exe").parent_path() / "zebcfg").string();
@@ -232,8 +228,9 @@ Options parse(const Words& words)
     return options;
 }
 
-void run(const Options& options)
+void run(const Words& words)
 {
+    const Options options = parse(words);
     (void)setenv("VISUAL", "true", 1);  // an editor that changes nothing
     std::printf("CPU time of whole processes, medians, and their greatest resident memory\n");
     Measurement measurement(options);
@@ -245,18 +242,6 @@ void run(const Options& options)
 }  // namespace
 
 int main(int argc, char** argv)
-try {
-    (void)setenv("LC_ALL", "C.UTF-8", 0);
-    (void)std::setlocale(LC_ALL, "");
-    const Words words(argv + 1, argv + argc);
-    if (words.size() > 1 && words[0] == childOption)
-        runChild({words.begin() + 1, words.end()});
-    else if (words.size() == 1 && words[0] == "--help")
-        (void)std::fputs(usage, stdout);
-    else
-        run(parse(words));
-    return 0;
-} catch (const std::exception& failure) {
-    (void)std::fprintf(stderr, "benchmark_tool: %s\n", failure.what());
-    return 1;
+{
+    return runProgram({"benchmark_tool", usage, &run, &runChild}, argc, argv);
 }

@@ -2,6 +2,7 @@
 #include "case.h"
 #include "firstLoad.h"
 #include "hardFiles.h"
+#include "program.h"
 #include "references.h"
 #include "report.h"
 #include "targets.h"
@@ -9,8 +10,6 @@
 #include <algorithm>
 #include <clocale>
 #include <cstdio>
-#include <cstdlib>
-#include <exception>
 #include <iterator>
 #include <sstream>
 #include <string>
@@ -86,7 +85,7 @@ Shape shapeOf(const std::string& name)
     return *found;
 }
 
-Options parse(const std::vector<std::string>& arguments)
+Options parse(const Words& arguments)
 {
     Options options;
     for (std::size_t i = 0; i < arguments.size(); ++i) {
@@ -116,8 +115,9 @@ Options parse(const std::vector<std::string>& arguments)
     return options;
 }
 
-void run(const Options& options)
+void run(const Words& arguments)
 {
+    const Options options = parse(arguments);
     printMachine();
     std::vector<Figures> all;
     for (const std::size_t size : options.sizes) {
@@ -134,18 +134,6 @@ void run(const Options& options)
 }  // namespace
 
 int main(int argc, char** argv)
-try {
-    (void)setenv("LC_ALL", "C.UTF-8", 0);
-    (void)std::setlocale(LC_ALL, "");
-    const std::vector<std::string> arguments(argv + 1, argv + argc);
-    if (arguments.size() > 1 && arguments[0] == childOption)
-        runChild({arguments.begin() + 1, arguments.end()});
-    else if (arguments.size() == 1 && arguments[0] == "--help")
-        (void)std::fputs(usage, stdout);
-    else
-        run(parse(arguments));
-    return 0;
-} catch (const std::exception& failure) {
-    (void)std::fprintf(stderr, "benchmark_whole: %s\n", failure.what());
-    return 1;
+{
+    return runProgram({"benchmark_whole", usage, &run, &runChild}, argc, argv);
 }

@@ -1,10 +1,10 @@
-// Preloaded into the tool: one of its calls that change files or directories is refused, or the process is killed in
-// front of it. REFUSAL is NAME:N for the Nth call of that name, from 1, or kill:N for the Nth of all.
+// Preloaded into the tool: one of its calls that change files or directories is refused. REFUSAL is NAME:N for the Nth
+// call of that name, from 1. SLOWNESS is the time, in milliseconds, that it takes to make a file in memory.
 #include <cerrno>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <string_view>
 
 #include <dlfcn.h>
@@ -19,14 +19,11 @@ bool isRefused(const char* name)
     const char* const colon = wanted != nullptr ? std::strchr(wanted, ':') : nullptr;
     if (colon == nullptr)
         return false;
-    const bool kills = std::strncmp(wanted, "kill:", 5) == 0;
-    if (!kills && std::string_view(wanted, static_cast<std::size_t>(colon - wanted)) != name)
+    if (std::string_view(wanted, static_cast<std::size_t>(colon - wanted)) != name)
         return false;
     static long left = std::strtol(colon + 1, nullptr, 10);
     if (--left != 0)
         return false;
-    if (kills)
-        (void)std::raise(SIGKILL);
     errno = EPERM;
     return true;
 }
@@ -74,6 +71,19 @@ int fchown(int file, uid_t owner, gid_t group) noexcept
 int ftruncate(int file, off_t size) noexcept
 {
     return call("ftruncate", file, size);
+}
+int memfd_create(const char* name, unsigned int flags) noexcept
+{
+    const char* const slowness = std::getenv("SLOWNESS");
+    const long time = slowness != nullptr ? std::strtol(slowness, nullptr, 10) : 0;
+    timespec left = {time / 1000, time % 1000 * 1000000};
+    while (::nanosleep(&left, &left) != 0 && errno == EINTR) {
+    }
+    return call("memfd_create", name, flags);
+}
+int fsetxattr(int file, const char* name, const void* value, std::size_t size, int flags) noexcept
+{
+    return call("fsetxattr", file, name, value, size, flags);
 }
 int futimens(int file, const struct timespec* times) noexcept
 {

@@ -1,7 +1,12 @@
 // The tool on a terminal: prompts, colour, line drawing and the editor.
 #include "Process.h"
+#include "terminal/Progress.h"
 
+#include <chrono>
+#include <deque>
 #include <iterator>
+#include <regex>
+#include <thread>
 
 #include <sys/stat.h>
 #include <termios.h>
@@ -75,6 +80,61 @@ TEST(Appearance, ColourAndLinesAreForTerminalsThatShowThem)
         EXPECT_EQ(terminal.finish(), 0);
         EXPECT_EQ(terminal.output.find(c.text) != std::string::npos, c.isThere) << terminal.output;
     }
+}
+
+// Every file in memory takes its time, of which a check makes several.
+TEST(Progress, ShowsWhatTakesLongerThanASecond)
+{
+    const ConfigDirectory directory;
+    const std::string records = directory / "records";
+    writeText(records, "dn: cn=a\ncn: a\n\ndn: cn=(b)\ncn: (b)\n");
+    const struct {
+        std::vector<std::string> words;
+        const char* slowness;
+        const char* text;  // a pattern
+        bool isShown;
+    } cases[] = {
+        {{"check"}, "SLOWNESS=600", "Checking [.]{3}", true},
+        {{"tree"}, "SLOWNESS=600", "[.]{3}", false},
+        {{"-q", "check"}, "SLOWNESS=600", "[.]{3}", false},
+        {{"-j", "check"}, "SLOWNESS=600", "[.]{3}", false},
+        {{"check"}, "SLOWNESS=0", "[.]{3}", false},
+        {{"-n", "add", "-f", records}, "SLOWNESS=1100", "Verifying [.]{3}", true},
+    };
+    const std::string preload = std::string("LD_PRELOAD=") + ZEBCFG_REFUSALS;
+    std::deque<Terminal> terminals;  // all at the same time
+    for (const auto& c : cases)
+        terminals.emplace_back(
+            directory.file, c.words,
+            std::vector<const char*>{preload.c_str(), "ASAN_OPTIONS=verify_asan_link_order=0", c.slowness});
+    for (const auto& c : cases) {
+        Terminal& terminal = terminals.front();
+        (void)terminal.finish();
+        EXPECT_EQ(std::regex_search(terminal.output, std::regex(c.text)), c.isShown) << terminal.output;
+        const auto last = terminal.output.rfind("...");
+        EXPECT_TRUE(!c.isShown || terminal.output.find(std::string(39, ' ') + '\r', last) != std::string::npos)
+            << terminal.output << ": the line is erased";
+        terminals.pop_front();
+    }
+}
+
+TEST(Progress, CountsSteps)
+{
+    int side = -1;
+    const pid_t child = ::forkpty(&side, nullptr, nullptr, nullptr);
+    if (child == 0) {
+        showProgress(true);
+        Progress progress("Reading");
+        for (int i = 0; i < 1020034; ++i)
+            progress.step();
+        std::this_thread::sleep_for(std::chrono::milliseconds(1300));
+        ::_exit(0);
+    }
+    char buffer[100] = {};
+    EXPECT_GT(::read(side, buffer, sizeof buffer - 1), 0);
+    EXPECT_EQ(std::string(buffer).rfind("Reading ... 1,020,034 ", 0), 0U) << buffer;
+    EXPECT_EQ(::finish(child), 0);
+    ::close(side);
 }
 
 TEST(Questions, InitAsksForTheLogin)
@@ -151,7 +211,7 @@ TEST_F(Edit, EditsAgainAfterAFinding)
     terminal.answer("(s)how them? ", "x\n");
     terminal.answer("(s)how them? ", "e\n");
     EXPECT_EQ(terminal.finish(), 0) << terminal.output;
-    EXPECT_NE(terminal.output.find(":10: error: zeb-slapdPort: 70000 is not within"), std::string::npos)
+    EXPECT_NE(terminal.output.find(":10: error: zeb-slapdPort: 70000 is not in the range"), std::string::npos)
         << terminal.output;
     EXPECT_NE(terminal.output.find("+zeb-slapdPort: 70000"), std::string::npos) << terminal.output;
     EXPECT_NE(readText(directory.file).find("zeb-slapdPort: 391"), std::string::npos);

@@ -4,6 +4,7 @@
 #include "base/Masking.h"
 #include "cli/CommandLine.h"
 #include "terminal/PrivateProcess.h"
+#include "terminal/Progress.h"
 #include "terminal/Signals.h"
 
 #include <clocale>
@@ -41,6 +42,7 @@ int runCommand(int argc, char** argv, Messages& messages)
 {
     const Call call = readCommandLine(argc, argv, messages);
     showPasswords(call.has("show-passwords"));
+    showProgress(!call.isQuiet() && !call.isJson());
     const int status = call.command() != nullptr ? call.command()->run(call) : 0;
     if (!std::cout.flush())
         throw systemFailure(0, "cannot write the output");

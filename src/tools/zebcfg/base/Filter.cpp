@@ -6,7 +6,6 @@
 #include "base/Value.h"
 
 #include <algorithm>
-#include <cctype>
 #include <string_view>
 
 namespace {
@@ -40,20 +39,14 @@ bool take(Rest& rest, char character)
     return true;
 }
 
-bool isHexDigit(char character)
-{
-    return std::isxdigit(static_cast<unsigned char>(character)) != 0;
-}
-
 // escaped = "\" HEX HEX
 char readEscaped(Rest& rest)
 {
-    constexpr int radix = 16;
-    if (rest.size() < 3 || !isHexDigit(rest[1]) || !isHexDigit(rest[2]))
+    const auto byte = byteAt(rest, 1);
+    if (!byte)
         refuse("two hex digits belong after a backslash");
-    const auto byte = static_cast<char>(std::stoi(std::string(rest.substr(1, 2)), nullptr, radix));
     rest.remove_prefix(3);
-    return byte;
+    return *byte;
 }
 
 // assertionvalue = *(normal / escaped)
@@ -108,7 +101,7 @@ void requireOrder(const Filter& filter)
     const bool isNumber = type->syntax == Syntax::number || type->syntax == Syntax::bits;
     if (!isNumber || isWholeNumber(filter.values.front()))
         return;
-    Failure failure(LDAP_INVALID_SYNTAX, '"' + filter.values.front() + "\" is no whole number");
+    Failure failure(LDAP_INVALID_SYNTAX, '"' + filter.values.front() + "\" is not a whole number");
     failure.attribute = type->name;
     throw failure;
 }
@@ -181,7 +174,7 @@ Filter readComponent(Rest& rest, int depth)
 Filter readFilter(Rest& rest, int depth)
 {
     if (depth >= deepest)
-        refuse("it is nested more than " + std::to_string(deepest) + " deep");
+        refuse("it is nested more than " + std::to_string(deepest) + " levels deep");
     Rest inner = rest;
     if (!take(inner, '('))
         refuse("a filter within parentheses is missing after &, | or !");

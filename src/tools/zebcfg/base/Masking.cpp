@@ -12,6 +12,7 @@ namespace {
 
 constexpr char blanks[] = " \t\v\f\r";
 constexpr char blanksAndMarks[] = " \t\v\f\r:=";
+constexpr std::size_t longestEnd = 3;  // of what may be joined to a name
 bool passwordsAreShown = false;
 
 constexpr bool isLetterOrDigit(char character)
@@ -54,13 +55,14 @@ std::size_t endOfLetters(std::string_view text, std::size_t count)
     return place;
 }
 
+// Their letters alone.
 const std::vector<std::string>& passwordNames()
 {
     static const std::vector<std::string> names = [] {
         std::vector<std::string> found;
         for (const AttributeType& type : attributeTypes()) {
             if (type.syntax == Syntax::password)
-                found.push_back(type.name);
+                found.push_back(lettersOf(type.name));
         }
         return found;
     }();
@@ -70,12 +72,7 @@ const std::vector<std::string>& passwordNames()
 // Where the name of an attribute for a password ends in the text, whatever joins its letters; npos for none.
 std::size_t endOfPasswordName(std::string_view text)
 {
-    static const std::vector<std::string> names = [] {
-        std::vector<std::string> found;
-        for (const std::string& name : passwordNames())
-            found.push_back(lettersOf(name));
-        return found;
-    }();
+    const auto& names = passwordNames();
     const std::string letters = lettersOf(text);
     std::size_t count = std::string::npos;
     for (const std::string& name : names) {
@@ -106,16 +103,16 @@ bool isMisspeltPassword(std::string_view word)
 {
     if (word.size() + mostSlips < shortestName())
         return false;  // as most words
-    static Answers<bool> answers([](std::string_view asked) { return !nearest(asked, passwordNames()).empty(); });
+    static Answers<bool> answers(
+        [](std::string_view asked) { return !nearest(lettersOf(asked), passwordNames()).empty(); });
     return answers.of(word);
 }
 
 bool soundsSecret(std::string_view name)
 {
-    const auto endsWith = [&](std::string_view end) {
-        return name.size() >= end.size() && isSameName(name.substr(name.size() - end.size()), end);
-    };
-    return endsWith("pw") || endsWith("pwd") || contains(name, "passw");
+    constexpr std::size_t lengthAndEnd = 2 + longestEnd;
+    const std::string_view end = name.substr(name.size() - std::min(name.size(), lengthAndEnd));
+    return contains(end, "pw") || contains(name, "passw");
 }
 
 // The bytes of the first word from a place on.
@@ -129,12 +126,12 @@ std::string_view wordFrom(std::string_view text, std::size_t place)
 // What is joined to the name ends it, as long as it is short.
 std::size_t secretAfterName(const std::string& line)
 {
-    constexpr std::ptrdiff_t longestEnd = 3;
     const auto end = line.begin() + static_cast<std::ptrdiff_t>(std::min(endOfPasswordName(line), line.size()));
     const auto rest = std::find_if(end, line.end(), [](char character) {
         return static_cast<unsigned char>(character) >= 0x80 || !isNameCharacter(character);
     });
-    const auto begin = (rest - end > longestEnd ? end : rest) - line.begin();
+    const bool isJoined = static_cast<std::size_t>(rest - end) <= longestEnd;
+    const auto begin = (isJoined ? rest : end) - line.begin();
     return line.find_first_not_of(blanksAndMarks, static_cast<std::size_t>(begin));
 }
 
@@ -202,7 +199,7 @@ std::size_t secretOf(const std::string& line)
                              : std::min({secretAfterName(line), secretAfterWord(line), fragmentIn(line)});
 }
 
-// Numbers, words and DNs are what they are. A text may be a refused line, one that a blank in front has joined to the
+// Numbers and words are what they are. A text may be a refused line, one that a blank in front has joined to the
 // line above it, or what a failure without an attribute is about.
 std::string shownValue(const std::string& attribute, const std::string& value)
 {
@@ -213,6 +210,8 @@ std::string shownValue(const std::string& attribute, const std::string& value)
         return passwordMask;
     if (isSameName(attribute, invalidLine) && isFragment(value))
         return passwordMask;
+    if (type != nullptr && type->syntax == Syntax::dn)
+        return shownDn(value);
     return type != nullptr && type->syntax != Syntax::text ? value : shownLine(value);
 }
 
@@ -225,6 +224,24 @@ std::string shownLine(const std::string& line)
 std::string shownText(const std::string& text)
 {
     return eachLine(text, shownLine);
+}
+
+// A part without a name belongs to the value before it.
+std::string shownDn(const std::string& dn)
+{
+    std::string shown;
+    bool isMasked = false;
+    for (std::size_t begin = 0;;) {
+        const std::size_t end = std::min(findPlain(dn, ",+", begin), dn.size());
+        const std::string part = dn.substr(begin, end - begin);
+        const std::string shownPart = isMasked && part.find('=') == std::string::npos ? "" : shownLine(part);
+        isMasked = shownPart != part;
+        shown += shownPart;
+        if (end == dn.size())
+            return shown;
+        shown += dn[end];
+        begin = end + 1;
+    }
 }
 
 bool holdsMask(const std::string& value)

@@ -22,6 +22,8 @@ std::string shownValue(const std::string& attribute, const std::string& value);
 // The same for a line of the file, a filter or a part of a message, and for a text of several lines.
 std::string shownLine(const std::string& line);
 std::string shownText(const std::string& text);
+// The same for a DN, in any spelling: only values of RDNs are masked.
+std::string shownDn(const std::string& dn);
 // Whether it holds a mask in the place of a password that was not shown.
 bool holdsMask(const std::string& value);
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <charconv>
 #include <cstdlib>
 #include <cwchar>
 #include <cwctype>
@@ -42,6 +43,32 @@ std::string hexOf(unsigned char byte)
 {
     constexpr char digits[] = "0123456789abcdef";
     return {digits[byte >> 4], digits[byte & 15]};
+}
+
+std::optional<char> byteAt(std::string_view text, std::size_t place)
+{
+    constexpr int radix = 16;
+    constexpr std::size_t length = 2;
+    if (text.size() < place + length)
+        return std::nullopt;
+    unsigned char byte = 0;
+    const char* const begin = text.data() + place;
+    const bool isPair = std::from_chars(begin, begin + length, byte, radix).ptr == begin + length;
+    return isPair ? std::optional(static_cast<char>(byte)) : std::nullopt;
+}
+
+std::size_t findPlain(std::string_view text, std::string_view characters, std::size_t place)
+{
+    bool isQuoted = false;
+    for (; place < text.size(); ++place) {
+        if (text[place] == '\\')
+            ++place;
+        else if (text[place] == '"')
+            isQuoted = !isQuoted;
+        else if (!isQuoted && characters.find(text[place]) != std::string_view::npos)
+            return place;
+    }
+    return std::string_view::npos;
 }
 
 std::size_t blankAt(std::string_view text, std::size_t place)

@@ -2,6 +2,7 @@
 #ifndef ZEBCFG_TEXT_H
 #define ZEBCFG_TEXT_H
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -19,6 +20,12 @@ std::string lowerCase(std::string text);
 
 // Two hex digits.
 std::string hexOf(unsigned char byte);
+// The byte that two hex digits at a place stand for; nothing where they do not stand there.
+std::optional<char> byteAt(std::string_view text, std::size_t place);
+
+// The first of the characters, from a place on, that is neither escaped by a backslash nor within quotes; npos for
+// none.
+std::size_t findPlain(std::string_view text, std::string_view characters, std::size_t place = 0);
 
 // One line in which every control character, the byte order mark too, is written as \x1b and the like. Tabs are left.
 std::string visible(const std::string& text);

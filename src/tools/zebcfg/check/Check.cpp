@@ -11,6 +11,7 @@
 #include "formats/ConfigText.h"
 #include "library/Dn.h"
 #include "library/Session.h"
+#include "terminal/Progress.h"
 
 #include <algorithm>
 #include <map>
@@ -32,7 +33,7 @@ std::string allowedFor(const std::string& name)
 Finding findingOf(const Failure& failure, int line, const std::string& advice)
 {
     if (isSameName(failure.attribute, invalidLine))
-        return Finding(Severity::error, line, failure.value + ": is refused in the head")
+        return Finding(Severity::error, line, failure.value + ": is not allowed in the head")
             .coded(failure.code, failure.extended)
             .advise(advice);
     const std::string text = failure.attribute.empty() ? failure.text : failure.attribute + ": " + failure.text;
@@ -45,14 +46,15 @@ Finding findingOf(const Failure& failure, int line, const std::string& advice)
 std::string adviceFor(const Failure& failure)
 {
     if (failure.code == LDAP_INVALID_DN_SYNTAX)
-        return "a DN is made of NAME=VALUE separated by commas, where no VALUE is empty, and , + \" \\ < > ; # in one "
+        return "a DN consists of NAME=VALUE pairs separated by commas, where no VALUE is empty, and , + \" \\ < > ; # "
+               "in one "
                "take "
                "a backslash";
     if (isSameName(failure.attribute, invalidLine))
         return "the head holds charset and version, each once, and version is 1";
     if (failure.extended == CFG_ERR_NOT_IN_CLASS)
-        return "put it below the dn line of an entry, without an empty line in between";
-    return isTextFailure(failure.code) ? "bring the text into the encoding of the locale, or set the locale" : "";
+        return "move it below the dn line of an entry, without an empty line in between";
+    return isTextFailure(failure.code) ? "convert the text to the encoding of the locale, or set the locale" : "";
 }
 
 // The checks of a text that loads, or of what is left of one that does not.
@@ -71,11 +73,9 @@ public:
                                    .advise("remove it, for the next write drops the rest of the line"));
         for (const Failure& failure : loadable.failures())
             findings.push_back(findingOf(failure, failure.fileLine, adviceFor(failure)));
-        findQuarantined();
-        findSeveralValues();
-        findUndecodable();
-        findMisspelt();
-        findMissingLogin();
+        for (const auto find : {&Checker::findQuarantined, &Checker::findSeveralValues, &Checker::findUndecodable,
+                                &Checker::findMisspelt, &Checker::findMissingLogin})
+            (this->*find)();
         if (loadable.failures().empty())
             findChangesOfFirstWrite();
         std::stable_sort(findings.begin(), findings.end(),
@@ -122,14 +122,14 @@ private:
         return Finding(Severity::warning, line.first,
                        "a line that was refused: " + shownValue(invalidLine, std::string(line.value)))
             .coded(LDAP_INVALID_SYNTAX)
-            .advise("put it right, and drop " + std::string(invalidLine) + ": in front of it")
+            .advise("correct it, and remove " + std::string(invalidLine) + ": in front of it")
             .about(invalidLine);
     }
 
     // Asks the library once more, for the reason.
     Finding refusalOf(const ConfigLine& line)
     {
-        const std::string next = std::string("put it right, or the next load moves it to ") + invalidLine;
+        const std::string next = std::string("correct it, or the next load moves it to ") + invalidLine;
         try {
             if (line.hasColon)
                 scratch.add("cn=line", {{LDAP_MOD_ADD, {std::string(line.name), {std::string(line.value)}}}});
@@ -139,8 +139,8 @@ private:
                              isAllowedKnown ? next : allowedFor(std::string(line.name)) + "; " + next);
         }
         const std::string reason =
-            line.hasColon ? shownLine(std::string(line.name)) + ": the value is refused beside those before it"
-                          : "the line has no name and colon";
+            line.hasColon ? shownLine(std::string(line.name)) + ": the value is refused after an earlier one"
+                          : "the line does not begin with a name and a colon";
         return Finding(Severity::error, line.first, reason).coded(LDAP_INVALID_SYNTAX).advise(next);
     }
 
@@ -192,7 +192,7 @@ private:
 
     static Finding severalOf(const AttributeType& type, int firstLine, int secondLine)
     {
-        return Finding(Severity::warning, secondLine, type.name + ": it is meant to have one value")
+        return Finding(Severity::warning, secondLine, type.name + ": it should have only one value")
             .coded(LDAP_CONSTRAINT_VIOLATION, CFG_ERR_SINGLE_VALUED)
             .advise("the first one is on line " + std::to_string(firstLine) + "; remove one")
             .about(type.name);
@@ -229,12 +229,11 @@ private:
         for (const ConfigLine& line : lines) {
             const std::string hint = line.isDn || !line.hasColon ? "" : attributeHint(line.name);
             if (!hint.empty() && !isSameName(line.name, invalidLine))
-                findings.push_back(
-                    Finding(Severity::note, line.first,
-                            shownLine(std::string(line.name)) + ": the server knows no such attribute" + hint)
-                        .coded(LDAP_UNDEFINED_TYPE)
-                        .advise("its value is not checked")
-                        .about(shownLine(std::string(line.name))));
+                findings.push_back(Finding(Severity::note, line.first,
+                                           shownLine(std::string(line.name)) + ": this is not a known attribute" + hint)
+                                       .coded(LDAP_UNDEFINED_TYPE)
+                                       .advise("its value is not checked")
+                                       .about(shownLine(std::string(line.name))));
         }
     }
 
@@ -270,10 +269,11 @@ private:
     void findChangesOfFirstWrite()
     {
         if (!holdsText(loadable.loaded().file().name(), text, shownName))
-            findings.push_back(Finding(Severity::note, 0, "the first write changes the form of this file")
+            findings.push_back(Finding(Severity::note, 0, "the first write changes the layout of this file")
                                    .advise("zebcfg -n set with any change shows how"));
     }
 
+    const Progress progress{"Checking"};
     const std::string& text;
     const std::string& shownName;
     const LoadableText loadable;
@@ -306,7 +306,7 @@ std::vector<Finding> checkFile(const LiveFile& file, const std::string& backupNa
     if (!damage.empty())
         findings.push_back(Finding(Severity::error, 0, damage).coded(CFG_CONNECT_ERROR));
     if ((file.status().st_mode & S_IROTH) != 0)
-        findings.push_back(Finding(Severity::note, 0, "every user may read this file, which holds passwords")
+        findings.push_back(Finding(Severity::note, 0, "every user can read this file, which contains passwords")
                                .advise("chmod o-r keeps others out"));
     return findings;
 }

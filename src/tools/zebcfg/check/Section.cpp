@@ -2,6 +2,7 @@
 
 #include "base/Attributes.h"
 #include "base/Failure.h"
+#include "base/Masking.h"
 #include "formats/ConfigText.h"
 #include "library/Dn.h"
 
@@ -38,7 +39,7 @@ Section::Section(const std::string& text, const std::string& dn) : whole(text), 
     }
     if (first == 0)
         throw Failure(LDAP_NO_SUCH_OBJECT,
-                      "there is no entry " + dn + nearestNote(dn, [&](const std::string& above) {
+                      "there is no entry " + shownDn(dn) + nearestNote(dn, [&](const std::string& above) {
                           return std::any_of(known.begin(), known.end(),
                                              [&](const std::string& name) { return isSameName(name, above); });
                       }));

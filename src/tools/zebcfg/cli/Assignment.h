@@ -9,8 +9,8 @@
 
 enum class NeedsValue { no, yes };
 
-// One change for each attribute that the operands after the first name, with its values in their order. Hints at
-// misspelt names. Throws Failure for a word without "=" where a value is needed.
+// One change for each attribute that the operands after the first name, with its values in their order. Throws
+// Failure for a word without "=" where a value is needed.
 std::vector<Change> changesOf(const Call& call, int operation, NeedsValue needsValue);
 
 #endif

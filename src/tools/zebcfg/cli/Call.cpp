@@ -1,6 +1,7 @@
 #include "cli/Call.h"
 
 #include "base/Failure.h"
+#include "base/Masking.h"
 #include "files/Input.h"
 #include "terminal/Password.h"
 
@@ -125,7 +126,7 @@ Target Call::target() const
 std::optional<std::string> Call::givenPassword() const
 {
     if (int{has("password")} + int{has("ask-password")} + int{has("password-file")} > 1)
-        throw Failure(0, "of -w, -W and -y only one can be used");
+        throw Failure(0, "only one of -w, -W and -y can be used");
     if (has("password"))
         messages().warn("the password of -w can be seen by others on this machine; use -W or -y");
     if (has("password"))
@@ -133,7 +134,7 @@ std::optional<std::string> Call::givenPassword() const
     if (has("password-file"))
         return readPasswordFile(value("password-file"));
     if (has("ask-password"))
-        return askPassword("Password for " + value("bind-dn") + ": ");
+        return askPassword("Password for " + shownDn(value("bind-dn")) + ": ");
     return std::nullopt;
 }
 

@@ -226,7 +226,7 @@ private:
             refuse(command, tooMany);
     }
 
-    static constexpr char tooMany[] = "there is one argument too many";
+    static constexpr char tooMany[] = "there are too many arguments";
 
     CLI::App app;
     std::vector<std::unique_ptr<Slot>> slots;

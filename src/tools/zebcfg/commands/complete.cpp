@@ -2,6 +2,7 @@
 // may become, one a line. Failures give none.
 #include "base/Attributes.h"
 #include "base/Failure.h"
+#include "base/Masking.h"
 #include "base/Text.h"
 #include "cli/Call.h"
 #include "files/LiveFile.h"
@@ -87,8 +88,10 @@ std::vector<std::string> dnsOf(const std::string& file)
     const MemoryFile copy(LiveFile(name).text());
     const Session session(copy.name(), name);
     std::vector<std::string> dns;
-    for (const Node& node : outlineOf(session))
-        dns.push_back(node.dn);
+    for (const Node& node : outlineOf(session)) {
+        if (shownDn(node.dn) == node.dn)
+            dns.push_back(node.dn);
+    }
     return dns;
 }
 

@@ -16,8 +16,7 @@ std::vector<AttributeType> wantedTypes(const Call& call)
     const AttributeType* const type = findAttributeType(name);
     if (type != nullptr)
         return {*type};
-    throw Failure(LDAP_NO_SUCH_ATTRIBUTE,
-                  name + " is no attribute that the server knows; it takes any text" + attributeHint(name));
+    throw Failure(LDAP_NO_SUCH_ATTRIBUTE, name + " is not a known attribute; it takes any text" + attributeHint(name));
 }
 
 }  // namespace

@@ -10,6 +10,8 @@
 #include "formats/Json.h"
 #include "library/Outline.h"
 #include "library/Session.h"
+#include "terminal/Progress.h"
+#include "update/Reading.h"
 
 #include <algorithm>
 #include <cctype>
@@ -25,6 +27,7 @@ namespace {
 // All of them, also those without attributes, which no search finds.
 std::vector<Entry> entriesOf(const Session& session, const std::string& text)
 {
+    const Progress progress("Comparing");
     const auto nodes = outlineOf(session);
     std::vector<Entry> entries = session.entriesWith(namesIn(text), nodes.size());
     std::set<std::string> found;
@@ -40,7 +43,7 @@ std::vector<Entry> entriesOf(const Session& session, const std::string& text)
 // One side of the comparison.
 struct Side {
     Side(const std::string& text, std::string shown, const std::optional<Login>& login = std::nullopt)
-        : name(std::move(shown)), copy(text), session(copy.name(), name, login), entries(entriesOf(session, text))
+        : name(std::move(shown)), copy(text), session(loadedCopy(copy, name, login)), entries(entriesOf(session, text))
     {}
 
     const std::string name;
@@ -56,9 +59,9 @@ Side sideOf(const Call& call, const std::string& word)
     if (!isNumber || word.empty())
         return {readInput(word), shownInput(word)};
     const std::string backup = call.backupName();
-    const int number = wholeNumber(word, "there are not so many backups");
+    const int number = wholeNumber(word, "there are not that many backups");
     if (backup.empty() || number < 1)
-        throw Failure(0, backup.empty() ? "there is no backup under --no-backup" : "backups are counted from 1");
+        throw Failure(0, backup.empty() ? "there is no backup under --no-backup" : "backups are numbered from 1");
     const std::string name = generationName(backup, number);
     return {LiveFile(name).text(), name};
 }

@@ -1,4 +1,5 @@
 #include "base/Failure.h"
+#include "base/Masking.h"
 #include "check/Check.h"
 #include "check/Section.h"
 #include "cli/Call.h"
@@ -40,7 +41,7 @@ public:
                 return text;
             if (!wantsToEditAgain(unifiedDiff(file.text(), text, file.shownName(), call.hasColor(STDERR_FILENO)))) {
                 part = section.part();
-                throw Failure(0, "the changes are dropped, and nothing is changed", file.shownName());
+                throw Failure(0, "the changes are discarded, and nothing is changed", file.shownName());
             }
         }
     }
@@ -72,14 +73,14 @@ private:
         if (::isatty(STDIN_FILENO) == 0)
             throw Failure(0, "the text is empty, and nothing is changed; zebcfg delete deletes an entry",
                           file.shownName());
-        return ask("delete the entry " + dn + "? (y)es or (n)o: ", "yn") == 'y';
+        return ask("delete the entry " + shownDn(dn) + "? (y)es or (n)o: ", "yn") == 'y';
     }
 
     // Asks until the user edits again or drops the changes. True for the former.
     static bool wantsToEditAgain(const std::string& diff)
     {
         for (;;) {
-            const char answer = ask("(e)dit again, (d)rop the changes, or (s)how them? ", "eds");
+            const char answer = ask("(e)dit again, (d)iscard the changes, or (s)how them? ", "eds");
             if (answer != 's')
                 return answer == 'e';
             std::cerr << diff;
@@ -101,14 +102,14 @@ private:
         if (call.has("force"))
             return true;
         if (text != file.text() && hasNewWarnings(findings))
-            return refuse("the warnings are new with this text");
+            return refuse("these warnings are new");
         const std::string orphan = newOrphan(text);
-        return orphan.empty() || refuse("the entry " + orphan + " would lose its parent");
+        return orphan.empty() || refuse("the entry " + shownDn(orphan) + " would lose its parent");
     }
 
     bool refuse(const std::string& reason) const
     {
-        call.messages().warn(reason + "; --force installs it");
+        call.messages().warn(reason + "; --force installs the text anyway");
         return false;
     }
 

@@ -9,7 +9,7 @@ int runPasswd(const Call& call)
 {
     const std::string name = call.operands().size() > 1 ? call.operand(1) : "zeb-slapdAdminPW";
     if (!isPassword(name))
-        throw Failure(0, name + " is no attribute for a password" + attributeHint(name));
+        throw Failure(0, name + " is not a password attribute" + attributeHint(name));
     const Target target = call.target();  // The password of the login is asked for before the new one.
     const std::string password =
         call.has("new-password-file") ? readPasswordFile(call.value("new-password-file")) : askNewPassword();

@@ -18,7 +18,7 @@ namespace {
 // Of the backup that is wanted.
 int numberOf(const Call& call)
 {
-    const char* const refusal = "backups are counted from 1";
+    const char* const refusal = "backups are numbered from 1";
     const int number = call.operands().empty() ? 1 : wholeNumber(call.operand(0), refusal);
     if (number < 1)
         throw Failure(0, refusal);
@@ -35,7 +35,7 @@ LiveFile usableBackup(const Target& target, const std::string& name)
             std::cerr << toLine(finding, name) << '\n';
     }
     if (hasErrors(findings))
-        throw Failure(0, "the backup does not load as it is, so it is not restored", name);
+        throw Failure(0, "the backup does not load, so it is not restored", name);
     requireLogin(target, backup.text(), name);
     return backup;
 }

@@ -10,6 +10,7 @@
 #include "formats/Ldif.h"
 #include "library/Dn.h"
 #include "library/Query.h"
+#include "terminal/Progress.h"
 #include "update/Reading.h"
 
 #include <algorithm>
@@ -93,6 +94,7 @@ void sortBy(const std::string& name, std::vector<Entry>& entries)
 
 std::vector<Entry> entriesFor(const Call& call, Reading& reading, const Request& request)
 {
+    const Progress progress("Searching");
     Query query{call.value("base"), scopeOf(call.value("scope", "sub")), request.filter, {}, {}};
     if (!request.wants("*"))
         query.names = request.names;
@@ -131,8 +133,8 @@ bool removeUnwritable(const Call& call, std::vector<Entry>& entries)
         const auto end = std::stable_partition(attributes.begin(), attributes.end(),
                                                [](const Attribute& attribute) { return isLdifName(attribute.name); });
         for (auto attribute = end; attribute != attributes.end(); ++attribute)
-            call.messages().warn("LDIF cannot carry the attribute \"" + shownLine(attribute->name) + "\" of " +
-                                 entry.dn + ", which is left out");
+            call.messages().warn("LDIF cannot represent the attribute \"" + shownLine(attribute->name) + "\" of " +
+                                 shownDn(entry.dn) + ", which is left out");
         isAny = isAny || end != attributes.end();
         attributes.erase(end, attributes.end());
     }
@@ -146,7 +148,7 @@ void writeLdif(const Call& call, const Request& request, const std::vector<Entry
     if (plainness < 3)
         std::cout << "version: 1\n\n";
     if (plainness < 2)
-        std::cout << "# base <" << toUtf8(call.value("base")) << "> with scope " << call.value("scope", "sub")
+        std::cout << "# base <" << toUtf8(shownDn(call.value("base"))) << "> with scope " << call.value("scope", "sub")
                   << "\n# filter: (" << toUtf8(request.shownFilter()) << ")\n\n";
     for (const Entry& entry : entries)
         std::cout << toLdif(entry, call.has("names-only"), wrap);

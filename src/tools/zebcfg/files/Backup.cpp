@@ -59,7 +59,7 @@ std::string Backup::asideName() const
 void Backup::putBack() const
 {
     if (::rename(asideName().c_str(), name.c_str()) != 0)
-        throw systemFailure(LDAP_INSUFFICIENT_ACCESS, "cannot put " + asideName() + " back in the place of " + name);
+        throw systemFailure(LDAP_INSUFFICIENT_ACCESS, "cannot put " + asideName() + " back in place of " + name);
     (void)::unlink(asideName().c_str());
 }
 

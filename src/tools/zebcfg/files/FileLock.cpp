@@ -107,7 +107,7 @@ bool FileLock::tryLock()
     if (file < 0 && errno == EEXIST)
         return false;
     if (file < 0)
-        throw systemFailure(LDAP_INSUFFICIENT_ACCESS, "cannot make the lock file " + name);
+        throw systemFailure(LDAP_INSUFFICIENT_ACCESS, "cannot create the lock file " + name);
     if (lockNow(file)) {
         if (!describeHolder(file)) {
             const Failure failure = systemFailure(LDAP_OTHER, "cannot write the lock file " + name);
@@ -140,7 +140,7 @@ bool FileLock::removeLeftover(const std::string& path)
     const std::string text = isRegular ? readAll(there.get(), path) : "";
     const bool isMarked = text.rfind(mark, 0) == 0;
     if (path == name && !isMarked)
-        throw Failure(LDAP_BUSY, path + " is no lock of zebcfg; remove it if nothing else needs it");
+        throw Failure(LDAP_BUSY, path + " is not a lock of zebcfg; remove it if nothing else needs it");
     if (isMarked)
         holder = text.substr(sizeof mark - 1, text.find('\n', sizeof mark - 1) - (sizeof mark - 1));
     if (!isRegular || !lockNow(there.get()))

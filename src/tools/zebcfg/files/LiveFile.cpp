@@ -63,7 +63,7 @@ struct stat statusOfNewFile()
 void requireMissing(const std::string& name)
 {
     if (isInUse(name))
-        throw Failure(LDAP_ALREADY_EXISTS, "the file exists already", name);
+        throw Failure(LDAP_ALREADY_EXISTS, "the file already exists", name);
 }
 
 LiveFile::LiveFile(const std::string& name, Presence presence) : shown(name), resolved(resolvedName(name))
@@ -81,7 +81,7 @@ LiveFile::LiveFile(const std::string& name, Presence presence) : shown(name), re
     if (!S_ISREG(read.st_mode))
         throw fileFailure(
             CFG_ERR_CONFIG_OPEN,
-            Failure(CFG_CONNECT_ERROR, "this is no regular file; name the configuration file with -F", shown));
+            Failure(CFG_CONNECT_ERROR, "this is not a regular file; name the configuration file with -F", shown));
     const Descriptor file(openForReading(resolved));
     if (!file.isOpen() || ::fstat(file.get(), &read) != 0)
         throw fileFailure(CFG_ERR_CONFIG_OPEN,
@@ -101,7 +101,7 @@ bool LiveFile::isCurrent() const
 std::string LiveFile::damage(const std::string& backupName) const
 {
     if (read.st_mtime == 0)
-        return "the file has the modification time 0, with which every program takes it for empty; run: touch " + shown;
+        return "the file has the modification time 0, so every program treats it as empty; run: touch " + shown;
     if (endsWhole(content) || !isReadable(backupName))
         return {};
     const std::string kept = readFile(backupName, backupName);
@@ -109,8 +109,8 @@ std::string LiveFile::damage(const std::string& backupName) const
         return {};
     return std::string(isAbsent          ? "the file is missing"
                        : content.empty() ? "the file is empty"
-                                         : "the file breaks off in its last line") +
-           ", while the backup " + backupName + " is whole; run: zebcfg restore" +
+                                         : "the last line of the file is incomplete") +
+           ", while the backup " + backupName + " is complete; run: zebcfg restore" +
            (content.empty() ? ", or remove the backup" : ", or put a line end after the last line");
 }
 

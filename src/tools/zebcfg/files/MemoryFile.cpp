@@ -15,7 +15,7 @@ constexpr char called[] = "a file in memory";
 MemoryFile::MemoryFile(const std::string& text) : file(::memfd_create("zebcfg", MFD_CLOEXEC))
 {
     if (!file.isOpen())
-        throw systemFailure(LDAP_OTHER, std::string("cannot make ") + called);
+        throw systemFailure(LDAP_OTHER, std::string("cannot create ") + called);
     writeAll(file.get(), text, called);
 }
 

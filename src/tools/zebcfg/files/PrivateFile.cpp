@@ -90,7 +90,7 @@ PrivateFile::PrivateFile(const std::string& fileName, const Model& model)
         return;
     }
     const Failure failure = systemFailure(
-        LDAP_INSUFFICIENT_ACCESS, file.isOpen() ? "cannot keep owner and mode of the file, so nothing is changed"
+        LDAP_INSUFFICIENT_ACCESS, file.isOpen() ? "cannot keep the owner and mode of the file, so nothing is changed"
                                                 : "cannot make the file " + path);
     if (file.isOpen())
         (void)::unlink(path.c_str());
@@ -137,6 +137,6 @@ void PrivateFile::moveTo(const std::string& target)
 {
     file.close();
     if (::rename(path.c_str(), target.c_str()) != 0)
-        throw systemFailure(LDAP_INSUFFICIENT_ACCESS, "cannot put a new file in the place of " + target);
+        throw systemFailure(LDAP_INSUFFICIENT_ACCESS, "cannot put a new file in place of " + target);
     isMoved = true;
 }

@@ -42,7 +42,7 @@ void requireUsableBackup(const std::string& name, const LiveFile& file)
     if (isInUse(file.path(), resolvedName(name)))
         throw Failure(0, "the update itself needs " + name + "; name another backup with -B", file.shownName());
     if (::lstat(name.c_str(), &status) == 0 && !S_ISREG(status.st_mode))
-        throw Failure(0, "the backup would replace " + name + ", which is no regular file; name another with -B",
+        throw Failure(0, "the backup would replace " + name + ", which is not a regular file; name another with -B",
                       file.shownName());
 }
 
@@ -55,8 +55,7 @@ void requireReplaceable(const LiveFile& file, const Handling& handling)
     if (file.status().st_nlink > 1 && !handling.isForced)
         throw Failure(LDAP_UNWILLING_TO_PERFORM,
                       "the file has " + std::to_string(file.status().st_nlink) +
-                          " names (hard links), of which the others would keep the old text; --force replaces it all "
-                          "the same",
+                          " names (hard links), and the others would keep the old text; --force replaces it anyway",
                       file.shownName());
 }
 
@@ -89,7 +88,7 @@ void createLike(const LiveFile& model, const std::string& name, const Handling& 
     const std::string path = resolvedName(name);
     const FileLock lock(path, handling.wait, &isDue, handling.note);
     if (::access(path.c_str(), F_OK) == 0)
-        throw Failure(LDAP_BUSY, "another program has made the file in the meantime; try again", name);
+        throw Failure(LDAP_BUSY, "another program has created the file in the meantime; try again", name);
     PrivateFile copy(siblingOf(path), {model.path(), model.status()});
     copy.write(model.text());
     copy.sync();

@@ -115,7 +115,7 @@ WorkFolder::WorkFolder(const std::string& name)
     std::string pattern = base + '/' + nameStart(::getpid()) + "XXXXXX";
     const BlockedSignals blocked;
     if (::mkdtemp(pattern.data()) == nullptr)
-        throw systemFailure(0, "cannot make a directory for the editor");
+        throw systemFailure(0, "cannot create a directory for the editor");
     directory = pattern;
     path = directory + '/' + name;
     removeOnSignals(path);
@@ -137,7 +137,7 @@ void WorkFolder::write(const std::string& text)
     {
         const Descriptor made(::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
         if (!made.isOpen())
-            throw systemFailure(0, "cannot make a file for the editor");
+            throw systemFailure(0, "cannot create a file for the editor");
     }
     overwriteFile(path, text);
 }

@@ -227,7 +227,7 @@ void writeEntry(Writer& writer, const Entry* before, const Entry* after)
     const std::string& dn = (before != nullptr ? before : after)->dn;
     if (!writer.out.empty())
         writer.line("", "");
-    writer.line(colorOf(type), markOf(type) + visible(shownLine(dn.empty() ? "dn:" : "dn: " + dn)));
+    writer.line(colorOf(type), markOf(type) + visible(dn.empty() ? "dn:" : "dn: " + shownDn(dn)));
     writer.out += attributes.out;
 }
 

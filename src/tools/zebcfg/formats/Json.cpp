@@ -79,7 +79,7 @@ std::string toJson(const Failure& failure, bool withDump)
     };
     addText("text", failure.text);
     addText("attribute", failure.attribute);
-    addText("entry", failure.entry);
+    addText("entry", shownDn(failure.entry));
     addText("value", failure.value);
     addText("file", failure.file);
     if (failure.fileLine != 0)
@@ -113,7 +113,7 @@ std::string toJson(const std::vector<Entry>& entries)
             for (const std::string& value : attribute.values)
                 values.push_back(shownValue(attribute.name, value));
         }
-        list.push_back({{"dn", entry.dn}, {"attributes", attributes}});
+        list.push_back({{"dn", shownDn(entry.dn)}, {"attributes", attributes}});
     }
     return textOf(list, 2);
 }

@@ -82,7 +82,7 @@ void requireHarmless(const std::string& text, const std::string& shownName)
         else if (beginsRecord && isInclude(line))
             failure.emplace(LDAP_UNWILLING_TO_PERFORM, "other files are not included", shownName);
         else if (beginsRecord && isIndex(line))
-            failure.emplace(0, "a record begins with its dn", shownName);
+            failure.emplace(0, "a record must begin with its dn", shownName);
         if (failure) {
             failure->fileLine = number;
             throw *failure;
@@ -107,7 +107,7 @@ bool canBeCarried(std::string_view name)
 std::string toLdif(const Entry& entry, bool namesOnly, std::size_t wrap)
 {
     std::string text;
-    appendLine(text, LDIF_PUT_VALUE, "dn", entry.dn, wrap);
+    appendLine(text, LDIF_PUT_VALUE, "dn", shownDn(entry.dn), wrap);
     for (const Attribute& attribute : entry.attributes) {
         const bool isKnown = findAttributeType(attribute.name) != nullptr;
         const std::string name = isKnown ? attribute.name : shownLine(attribute.name);
@@ -170,7 +170,7 @@ public:
     {
         const char* const colon = std::strchr(unfolded, ':');
         if (colon == nullptr)
-            throw failure(0, "the line lacks a colon");
+            throw failure(0, "the line has no colon");
         if (colon[1] == '<')
             throw failure(LDAP_UNWILLING_TO_PERFORM, "values are not fetched from URLs");
         berval name = {};
@@ -182,7 +182,7 @@ public:
         Attribute attribute{std::string(name.bv_val, name.bv_len), {}};
         attribute.values.emplace_back(value.bv_val != nullptr ? std::string(value.bv_val, value.bv_len) : "");
         if (attribute.values.front().find('\0') != std::string::npos)
-            throw failure(LDAP_INVALID_SYNTAX, shownLine(attribute.name) + ": the value holds a NUL byte");
+            throw failure(LDAP_INVALID_SYNTAX, shownLine(attribute.name) + ": the value contains a NUL byte");
         return inLocale(attribute);
     }
 
@@ -259,7 +259,7 @@ public:
         if (line == nullptr)
             return false;
         if (isSeparator || !isSameName(current.name, "dn"))
-            throw stream.failure(0, "a record begins with its dn");
+            throw stream.failure(0, "a record must begin with its dn");
         record.dn = current.values.front();
         record.line = stream.lineNumber();
         advance();
@@ -288,7 +288,7 @@ private:
     {
         if (current.values.front() != "1")
             throw stream.failure(LDAP_UNWILLING_TO_PERFORM,
-                                 "version 1 of LDIF can be read, not " + shownLine(current.values.front()));
+                                 "only version 1 of LDIF can be read, not " + shownLine(current.values.front()));
         advance();
     }
 
@@ -310,7 +310,7 @@ private:
         else if (isSameName(type, "modrdn") || isSameName(type, "moddn"))
             record.type = LdifRecord::move;
         else
-            throw stream.failure(0, "there is no changetype " + shownLine(type));
+            throw stream.failure(0, "unknown changetype " + shownLine(type));
         advance();
     }
 
@@ -336,7 +336,7 @@ private:
                 record.changes.emplace_back(Change{operation(), {current.values.front(), {}}, stream.lineNumber()});
             for (advance(); line != nullptr && !isSeparator; advance()) {
                 if (!isSameName(current.name, change.attribute.name))
-                    throw stream.failure(0, shownLine(current.name) + " stands where values of " +
+                    throw stream.failure(0, shownLine(current.name) + " is found where values of " +
                                                 shownLine(change.attribute.name) + " or a line \"-\" are expected");
                 addValue(change);
             }

@@ -3,7 +3,9 @@
 #define ZEBCFG_MESSAGES_H
 
 #include <string>
+#include <vector>
 
+struct Change;
 struct Failure;
 
 // How they are written, as the command line says it.
@@ -14,6 +16,7 @@ struct Messages {
     void warn(const std::string& text) const;
     // A note for the name of an attribute that looks misspelt.
     void hintAtName(const std::string& name) const;
+    void hintAtNames(const std::vector<Change>& changes) const;
 
     bool isJson = false;
     bool isVerbose = false;

@@ -17,6 +17,7 @@
 
 namespace {
 
+constexpr const char* reservedNames[] = {"objectclass", "charset", "version", "dn", invalidLine};
 constexpr const char* loginNames[] = {"objectclass", "zeb-slapdAdminDN", "zeb-slapdAdminPW"};
 
 Failure attributeFailure(int code, const std::string& dn, const std::string& name, const std::string& text)
@@ -43,6 +44,13 @@ bool isReadableName(const std::string& name)
     return !name.empty() && name.find_first_of(":=\r\n") == std::string::npos && name.front() != '#' &&
            stripped.find(name.front()) == std::string::npos && stripped.find(name.back()) == std::string::npos &&
            !isSameName(name, "dn");
+}
+
+// What the library keeps for itself is no name of an entry.
+bool canNameEntry(const std::string& name)
+{
+    return std::none_of(std::begin(reservedNames), std::end(reservedNames),
+                        [&](const char* reserved) { return isSameName(reserved, name); });
 }
 
 // Adds the line of the input to a failure of the body.
@@ -206,7 +214,7 @@ void Changes::requireNameAndValues(const std::string& dn, const Attribute& attri
 {
     const std::string& name = attribute.name;
     if (!isReadableName(name))
-        throw attributeFailure(LDAP_UNDEFINED_TYPE, dn, name, "this name of an attribute could not be read back");
+        throw attributeFailure(LDAP_UNDEFINED_TYPE, dn, name, "an attribute of this name could not be read back");
     if (isRootDn(dn) && !isSameName(name, "charset") && !isSameName(name, "version"))
         throw attributeFailure(LDAP_OBJECT_CLASS_VIOLATION, dn, name,
                                "the root has the attributes charset and version only");
@@ -237,7 +245,7 @@ void Changes::requireParent(const std::string& dn, const std::string& advice) co
     const std::string parent = parentOf(dn);
     if (!parent.empty() && !opened->exists(parent))
         throw Failure(LDAP_NO_SUCH_OBJECT,
-                      "the parent " + parent + " does not exist" +
+                      "the parent " + shownDn(parent) + " does not exist" +
                           nearestNote(parent, [this](const std::string& above) { return opened->exists(above); }) +
                           advice);
 }
@@ -248,9 +256,10 @@ void Changes::add(const std::string& dn, const std::vector<Change>& attributes, 
         requireNoNul(dn);
         const auto spelling = opened->spellingIfMissing(dn);
         if (!spelling)
-            throw Failure(LDAP_ALREADY_EXISTS, "the entry " + dn + " exists already");
+            throw Failure(LDAP_ALREADY_EXISTS, "the entry " + shownDn(dn) + " already exists");
+        requireNaming(*spelling);
         if (needsParent)
-            requireParent(*spelling, " (--no-parent-check adds the entry all the same)");
+            requireParent(*spelling, " (--no-parent-check adds the entry anyway)");
         for (const Change& change : attributes)
             atLineOf(change, [&] { requireNameAndValues(dn, change.attribute); });
         addEntry(dn, attributes);
@@ -329,7 +338,7 @@ void Changes::applyChange(const std::string& dn, const Change& change)
         if (opened->holds(dn, attribute.name, value) == isAdded)
             throw valueFailure(
                 isAdded ? LDAP_TYPE_OR_VALUE_EXISTS : LDAP_NO_SUCH_ATTRIBUTE, dn, {attribute.name, {value}},
-                '"' + shownValue(attribute.name, value) + (isAdded ? "\" is there already" : "\" is not there"));
+                '"' + shownValue(attribute.name, value) + (isAdded ? "\" is already there" : "\" is not there"));
         const Change single{change.operation, {attribute.name, {value}}};
         make([dn, single](Session& session) { session.modify(dn, {single}); });
     }
@@ -400,6 +409,21 @@ void Changes::erase(const std::string& dn, bool withChildren)
     step([&] { make([dn, withChildren](Session& session) { session.erase(dn, withChildren); }); });
 }
 
+// Only RDNs that are new count: an entry may have been added below others by any means.
+void Changes::requireNaming(const std::string& dn) const
+{
+    for (std::string rest = dn; !rest.empty(); rest = parentOf(rest)) {
+        for (const Attribute& attribute : rdnOf(rest)) {
+            const bool isName = canNameEntry(attribute.name);
+            if ((isName && (isForced || !isSecret(attribute.name))) || opened->exists(rest))
+                continue;
+            throw attributeFailure(LDAP_NAMING_VIOLATION, dn, attribute.name,
+                                   isName ? "a DN is no place for a password; --force allows it"
+                                          : "cannot name an entry; use another attribute, such as cn");
+        }
+    }
+}
+
 std::string Changes::newDnOf(const LdifRecord& record) const
 {
     if (!parentOf(spelled(record.newRdn)).empty())
@@ -419,7 +443,8 @@ void Changes::requireMovable(const Move& move) const
     if (move.isIntoItself())
         throw Failure(LDAP_UNWILLING_TO_PERFORM, "an entry cannot be moved below itself");
     if (!move.isSpelling() && opened->exists(move.to()))
-        throw Failure(LDAP_ALREADY_EXISTS, "the entry " + move.to() + " exists already");
+        throw Failure(LDAP_ALREADY_EXISTS, "the entry " + shownDn(move.to()) + " already exists");
+    requireNaming(move.to());
     requireParent(move.to(), {});
 }
 
@@ -439,8 +464,9 @@ void Changes::requireMoved(const Move& move, const std::vector<Entry>& before) c
     for (const Entry& entry : entries(*text()))
         found[keyOf(entry.dn)] = entry.attributes;
     if (wanted != found)
-        throw Failure(LDAP_INVALID_SYNTAX, "the entries below " + move.to() +
-                                               " would be read back from the file as others; nothing is changed");
+        throw Failure(LDAP_INVALID_SYNTAX,
+                      "the entries below " + shownDn(move.to()) +
+                          " would be read back from the file as different ones; nothing is changed");
 }
 
 void Changes::followRdn(const Move& move, bool keepsOld)
@@ -471,7 +497,7 @@ void Changes::noteReferences(const Move& move, const std::vector<Entry>& before)
         for (const Attribute& attribute : entry.attributes) {
             for (const std::string& value : attribute.values) {
                 if (mayHoldDns(attribute) && value.find('=') != std::string::npos && move.affects(value))
-                    noted.push_back(attribute.name + " of " + move.moved(entry.dn) + " still names " +
+                    noted.push_back(attribute.name + " of " + shownDn(move.moved(entry.dn)) + " still refers to " +
                                     shownValue(attribute.name, value));
             }
         }

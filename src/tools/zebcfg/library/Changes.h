@@ -30,6 +30,7 @@ public:
     // second value of an attribute that takes one (19), and the end of the login (65).
     Changes(GuardedFile& workingCopy, std::string shown, std::optional<Login> wanted, bool force);
 
+    // A new DN takes no attribute for the library's own use, and none for passwords unless that is forced: 64.
     // 68 for an entry that exists, 32 without a parent, 20 for a value that is given twice.
     void add(const std::string& dn, const std::vector<Change>& attributes, bool needsParent);
     // 32 for a missing entry, 20 for a value that is there, 16 for one that is not, 65 for the head.
@@ -66,6 +67,7 @@ private:
     void goBack(std::size_t count);
     void requireNameAndValues(const std::string& dn, const Attribute& attribute);
     void requireParent(const std::string& dn, const std::string& advice) const;
+    void requireNaming(const std::string& dn) const;
     std::string newDnOf(const LdifRecord& record) const;
     void requireMovable(const Move& move) const;
     std::vector<Entry> entries(const std::string& text) const;

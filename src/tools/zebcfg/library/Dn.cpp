@@ -2,49 +2,20 @@
 
 #include "base/Attributes.h"
 #include "base/Failure.h"
+#include "base/Masking.h"
 #include "base/Text.h"
 
 #include <algorithm>
-#include <cctype>
 
 namespace {
-
-// The first such character that is neither escaped nor within quotes. A blank follows each that separates.
-std::size_t findPlain(const std::string& text, char character)
-{
-    bool isQuoted = false;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] == '\\')
-            ++i;
-        else if (text[i] == '"')
-            isQuoted = !isQuoted;
-        else if (text[i] == character && !isQuoted)
-            return i;
-    }
-    return std::string::npos;
-}
-
-bool isHexPair(const std::string& text, std::size_t at)
-{
-    const auto isDigit = [&](std::size_t i) {
-        return i < text.size() && std::isxdigit(static_cast<unsigned char>(text[i])) != 0;
-    };
-    return isDigit(at) && isDigit(at + 1);
-}
-
-char byteAt(const std::string& text, std::size_t at)
-{
-    constexpr int radix = 16;
-    return static_cast<char>(std::stoi(text.substr(at, 2), nullptr, radix));
-}
 
 // Takes a hex pair, or else one character.
 char takeByte(const std::string& text, std::size_t& at)
 {
-    const bool isByte = isHexPair(text, at);
-    const char byte = isByte ? byteAt(text, at) : text[at];
-    at += isByte ? 2 : 1;
-    return byte;
+    const auto byte = byteAt(text, at);
+    const char taken = byte.value_or(text[at]);
+    at += byte ? 2 : 1;
+    return taken;
 }
 
 // value = "#" *hexpair / quote quoted quote / plain, where an escape is a backslash and a hex pair or a character
@@ -87,7 +58,8 @@ bool isRootDn(const std::string& dn)
 
 std::string parentOf(const std::string& dn)
 {
-    const auto comma = findPlain(dn, ',');
+    // A blank follows each comma.
+    const auto comma = findPlain(dn, ",");
     return comma == std::string::npos ? "" : dn.substr(std::min(comma + 2, dn.size()));
 }
 
@@ -102,9 +74,9 @@ std::vector<std::string> ancestorsOf(const std::string& dn)
 void requireNoNul(const std::string& dn)
 {
     for (std::size_t at = dn.find('\\'); at < dn.size(); at = dn.find('\\', at + 2)) {
-        if (isHexPair(dn, at + 1) && byteAt(dn, at + 1) == '\0')
+        if (byteAt(dn, at + 1) == '\0')
             throw Failure(LDAP_INVALID_DN_SYNTAX,
-                          "the DN holds a NUL byte, and a write would drop the rest of the value");
+                          "the DN contains a NUL byte, and a write would drop the rest of the value");
     }
 }
 
@@ -112,7 +84,7 @@ std::string nearestNote(const std::string& dn, const std::function<bool(const st
 {
     for (const std::string& above : ancestorsOf(dn)) {
         if (exists(above))
-            return "; the nearest entry that exists is " + above;
+            return "; the nearest entry that exists is " + shownDn(above);
     }
     return {};
 }
@@ -121,8 +93,8 @@ std::string nearestNote(const std::string& dn, const std::function<bool(const st
 std::vector<Attribute> rdnOf(const std::string& dn)
 {
     std::vector<Attribute> attributes;
-    for (std::string rest = dn.substr(0, findPlain(dn, ',')); !rest.empty();) {
-        const auto plus = findPlain(rest, '+');
+    for (std::string rest = dn.substr(0, findPlain(dn, ",")); !rest.empty();) {
+        const auto plus = findPlain(rest, "+");
         const std::string pair = rest.substr(0, plus == std::string::npos ? plus : plus - 1);
         const auto equals = pair.find('=');
         if (equals != std::string::npos)

@@ -1,6 +1,7 @@
 #include "library/Outline.h"
 
 #include "base/Attributes.h"
+#include "base/Masking.h"
 #include "formats/JsonObject.h"
 #include "library/Dn.h"
 #include "library/Session.h"
@@ -62,7 +63,7 @@ JsonObject treeOf(const std::vector<Node>& nodes, std::size_t& place)
     JsonObject children = JsonObject::array();
     while (place < nodes.size() && nodes[place].depth > node.depth)
         children.push_back(treeOf(nodes, place));
-    return {{"dn", node.dn}, {"children", children}};
+    return {{"dn", shownDn(node.dn)}, {"children", children}};
 }
 
 }  // namespace
@@ -123,7 +124,7 @@ std::string draw(const std::vector<Node>& nodes, Lines lines)
         const bool isLast = !hasSibling(nodes, i);
         if (node.depth > 0)
             drawing += isLast ? pieces.lastBranch : pieces.branch;
-        drawing += node.relativeDn + '\n';
+        drawing += shownDn(node.relativeDn) + '\n';
         continues.push_back(!isLast);
     }
     return drawing;

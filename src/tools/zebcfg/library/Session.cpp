@@ -123,7 +123,7 @@ Session::Session(const std::string& fileName, const std::string& shown, const st
     const int code = cfg_bind_s(cfg.get(), dn, password, static_cast<int>(LDAP_AUTH_SIMPLE));
     if (code == LDAP_INVALID_CREDENTIALS)
         throw Failure(code,
-                      "the login as " + login->dn + " is refused: DN and password have to match " +
+                      "the login as " + shownDn(login->dn) + " is refused: the DN and password must match " +
                           "zeb-slapdAdminDN and zeb-slapdAdminPW of cn=Configuration",
                       shownName);
     require(code);
@@ -166,31 +166,31 @@ std::string Session::explain(int code) const
     const int known = cfg_get_exterror(handle);
     const int extended = known != 0 ? known : code;  // The option calls leave nothing in the handle.
     if (isTextFailure(extended))
-        return std::string("there are bytes that are no text in the locale's encoding, ") + ::nl_langinfo(CODESET);
+        return std::string("there are bytes that are not text in the locale's encoding, ") + ::nl_langinfo(CODESET);
     if (isPassword(attribute) && extended == code && code > LDAP_OTHER && code < CFG_ERR_UNEXPECTED)
-        return "the encoded password cannot be decoded; give a new one with zebcfg passwd";
+        return "the encoded password cannot be decoded; set a new one with zebcfg passwd";
     switch (extended) {
     case CFG_ERR_INT_RANGE:
-        return shown + " is not within " + range;
+        return shown + " is not in the range " + range;
     case CFG_ERR_INT_SYNTAX:
-        return '"' + shown + "\" is no whole number";
+        return '"' + shown + "\" is not a whole number";
     case CFG_ERR_ENUM:
-        return '"' + shown + "\" is none of " + listOf(cfg_get_enum(handle));
+        return '"' + shown + "\" is not one of " + listOf(cfg_get_enum(handle));
     case CFG_ERR_LENGTH:
         return "the value is " + std::to_string(value.size()) + " bytes long, and " + range + " are allowed";
     case CFG_ERR_BITMASK:
         return shown + " has bits outside " + std::to_string(cfg_get_bitmask(handle));
     case CFG_ERR_NOT_IN_CLASS:
-        return "stands in no entry, where only charset and version may stand";
+        return "is outside of all entries, where only charset and version are allowed";
     case CFG_ERR_SINGLE_VALUED:
-        return "stands a second time in the head, where one is allowed";
+        return "occurs a second time in the head, where one is allowed";
     default:
         break;
     }
     std::string text = cfg_err2string(extended);
     if (!text.empty() && text.back() == '.')
         text.pop_back();
-    const std::string entry = textOf(cfg_get_entry(handle));
+    const std::string entry = shownDn(textOf(cfg_get_entry(handle)));
     const std::string& object = value.empty() || value.front() == '<' ? entry : shown;
     return object.empty() || object == "<root>" ? text : text + ": " + object;
 }
@@ -238,8 +238,8 @@ bool Session::has(const std::string& dn, const std::string& attribute) const
 
 Failure Session::missingEntry(const std::string& dn) const
 {
-    return {LDAP_NO_SUCH_OBJECT,
-            "there is no entry " + dn + nearestNote(dn, [this](const std::string& above) { return exists(above); })};
+    return {LDAP_NO_SUCH_OBJECT, "there is no entry " + shownDn(dn) +
+                                     nearestNote(dn, [this](const std::string& above) { return exists(above); })};
 }
 
 // The report of the failed search holds it.

@@ -96,5 +96,5 @@ void runEditor(std::string file, int line)
     while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
     }
     if (!WIFEXITED(status) || WEXITSTATUS(status) != 0)
-        throw Failure(0, "the editor " + editor + " has failed, and nothing is changed");
+        throw Failure(0, "the editor " + editor + " failed, and nothing is changed");
 }

@@ -14,12 +14,12 @@ std::string answerTo(const std::string& question, IsAccepted isAccepted)
     std::ifstream in("/dev/tty");
     std::ofstream out("/dev/tty");
     if (!in || !out)
-        throw Failure(0, "there is no terminal for a question, and nothing is changed");
+        throw Failure(0, "there is no terminal to ask a question on, and nothing is changed");
     for (std::string line; out << visible(question) << std::flush && std::getline(in, line);) {
         if (isAccepted(line))
             return line;
     }
-    throw Failure(0, "there is no answer, and nothing is changed");
+    throw Failure(0, "no answer was given, and nothing is changed");
 }
 
 }  // namespace

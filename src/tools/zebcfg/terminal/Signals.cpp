@@ -1,5 +1,7 @@
 #include "terminal/Signals.h"
 
+#include "terminal/Progress.h"
+
 #include <array>
 #include <cstring>
 
@@ -24,6 +26,7 @@ extern "C" void removeAndEnd(int signal)
             (void)::rmdir(name.data());  // Only a folder for an editor is empty now.
         }
     }
+    eraseProgress();
     (void)std::signal(signal, SIG_DFL);
     (void)std::raise(signal);
 }

@@ -2,10 +2,12 @@
 
 #include "base/Attributes.h"
 #include "base/Failure.h"
+#include "base/Masking.h"
 #include "base/Text.h"
 #include "files/Input.h"
 #include "library/Dn.h"
 #include "library/Outline.h"
+#include "terminal/Progress.h"
 #include "update/LdifInput.h"
 #include "update/Update.h"
 
@@ -20,7 +22,7 @@ namespace {
 void requireEntry(const LdifRecord& record)
 {
     if (record.type != LdifRecord::add)
-        throw Failure(LDAP_UNWILLING_TO_PERFORM, "a state is made of entries, not of changes; see zebcfg modify");
+        throw Failure(LDAP_UNWILLING_TO_PERFORM, "apply takes entries, not changes; see zebcfg modify");
     if (record.changes.empty())
         throw Failure(LDAP_OBJECT_CLASS_VIOLATION, "the entry has no attributes; the input may be cut off");
 }
@@ -81,8 +83,11 @@ public:
 
     void apply(Changes& changes) const
     {
-        for (const LdifRecord* const record : parentsFirst())
+        Progress progress("Applying entries", records.size());
+        for (const LdifRecord* const record : parentsFirst()) {
             atRecord(*record, [&] { makeSo(changes, *record); });
+            progress.step();
+        }
         if (wanted.isWhole)
             removeEntries(changes);
     }
@@ -103,7 +108,7 @@ private:
     void read(const std::string& text)
     {
         if (!text.empty() && text.back() != '\n')
-            throw Failure(0, "the input is cut off in its last line, and nothing is changed", shownName);
+            throw Failure(0, "the last line of the input is incomplete, and nothing is changed", shownName);
         std::set<std::string> known;
         LdifReader reader(text, shownName);
         for (LdifRecord record; reader.next(record, LdifRecord::add); record = {}) {
@@ -111,7 +116,7 @@ private:
                 requireEntry(record);
                 record.dn = spelled(record.dn);
                 if (!known.insert(lowerCase(record.dn)).second)
-                    throw Failure(LDAP_ALREADY_EXISTS, "the entry " + record.dn + " is given twice");
+                    throw Failure(LDAP_ALREADY_EXISTS, "the entry " + shownDn(record.dn) + " is given twice");
             });
             records.push_back(std::move(record));
         }
@@ -188,7 +193,7 @@ private:
         const auto kept = keptDns();
         if (std::none_of(part.begin(), part.end(),
                          [&](const Node& node) { return kept.count(lowerCase(node.dn)) != 0; }))
-            throw Failure(LDAP_UNWILLING_TO_PERFORM, "the input has no entry below " + wanted.base, shownName);
+            throw Failure(LDAP_UNWILLING_TO_PERFORM, "the input has no entry below " + shownDn(wanted.base), shownName);
         for (auto node = part.rbegin(); node != part.rend(); ++node) {
             if (kept.count(lowerCase(node->dn)) == 0 && !isSameName(node->dn, base))
                 changes.erase(node->dn, false);

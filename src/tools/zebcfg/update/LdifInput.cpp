@@ -6,6 +6,7 @@
 #include "files/FileName.h"
 #include "files/Input.h"
 #include "library/Dn.h"
+#include "terminal/Progress.h"
 #include "update/Update.h"
 
 #include <algorithm>
@@ -25,9 +26,9 @@ public:
 
     void apply(Changes& changes)
     {
-        for (LdifRecord record; readRecord(record);) {
-            for (const Change& change : record.changes)
-                messages.hintAtName(change.attribute.name);
+        Progress progress("Applying records");
+        for (LdifRecord record; readRecord(record); progress.step()) {
+            messages.hintAtNames(record.changes);
             try {
                 changes.apply(record, input.needsParent);
             } catch (Failure& failure) {
@@ -85,7 +86,7 @@ private:
 void makeSkippedFile(const std::string& name, const std::string& configuration)
 {
     if (resolvedName(name) == resolvedName(configuration))
-        throw Failure(0, "the records that are left out cannot go into the configuration file", name);
+        throw Failure(0, "the skipped records cannot be written to the configuration file", name);
     const Descriptor made(::open(name.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
     if (!made.isOpen())
         throw systemFailure(0, "cannot write " + name);

@@ -2,6 +2,7 @@
 
 #include "base/Attributes.h"
 #include "base/Masking.h"
+#include "terminal/Progress.h"
 
 namespace {
 
@@ -15,8 +16,14 @@ LiveFile usableFile(const Target& target)
 }  // namespace
 
 Reading::Reading(const Target& target)
-    : file(usableFile(target)), copy(file.text()), opened(copy.name(), file.shownName(), target.login)
+    : file(usableFile(target)), copy(file.text()), opened(loadedCopy(copy, file.shownName(), target.login))
 {}
+
+Session loadedCopy(const MemoryFile& copy, const std::string& shownName, const std::optional<Login>& login)
+{
+    const Progress progress("Loading");
+    return {copy.name(), shownName, login};
+}
 
 Failure missingAttribute(const std::string& name, const std::string& shownFile)
 {

@@ -22,6 +22,9 @@ private:
     Session opened;
 };
 
+// A copy in the library, while progress is shown. Throws Failure.
+Session loadedCopy(const MemoryFile& copy, const std::string& shownName, const std::optional<Login>& login);
+
 // Failure (16) for an attribute that an entry does not have, with a hint at a name that is near.
 Failure missingAttribute(const std::string& name, const std::string& shownFile);
 

@@ -12,6 +12,7 @@
 #include "formats/Json.h"
 #include "library/Comparison.h"
 #include "library/Outline.h"
+#include "terminal/Progress.h"
 #include "update/Workplace.h"
 
 #include <algorithm>
@@ -34,7 +35,7 @@ Failure differenceOf(const std::vector<Entry>& wanted, const std::vector<Entry>&
     const Entry none;
     const Entry& one = left != wanted.end() ? *left : none;
     const Entry& other = right != found.end() ? *right : none;
-    Failure failure(LDAP_INVALID_SYNTAX, "would be read back from the file as another one; nothing is changed");
+    Failure failure(LDAP_INVALID_SYNTAX, "would be read back from the file as a different one; nothing is changed");
     failure.entry = one.dn.empty() ? other.dn : one.dn;
     const auto [attribute, end] =
         std::mismatch(one.attributes.begin(), one.attributes.end(), other.attributes.begin(), other.attributes.end());
@@ -42,7 +43,8 @@ Failure differenceOf(const std::vector<Entry>& wanted, const std::vector<Entry>&
         failure.attribute = attribute->name;
         failure.value = firstMissing(*attribute, end != other.attributes.end() ? *end : Attribute());
     }
-    failure.text = (failure.attribute.empty() ? "the entry " : "a value of ") + failure.entry + ' ' + failure.text;
+    failure.text =
+        (failure.attribute.empty() ? "the entry " : "a value of ") + shownDn(failure.entry) + ' ' + failure.text;
     return failure;
 }
 
@@ -135,14 +137,18 @@ void update(const Target& target, const std::function<void(Changes& changes)>& b
     const auto place = openWorkplace(target);
     place->file().requireUsable(target.backup);
     requireNoNul(place->file());
+    Progress progress("Loading");
     try {
         Changes changes(place->copy(), place->file().shownName(), target.login, target.isForced);
         reportQuarantined(target.messages, *place, changes);
+        progress.turnTo("Changing");
         body(changes);
+        progress.turnTo("Verifying");
         const bool isChanged = changes.write();
         for (const std::string& note : changes.notes())
             target.messages.say(note);
-        if (target.isState && !isChanged) {
+        const bool isNothing = target.isState || place->file().isMissing();
+        if (isNothing && !isChanged) {
             overwriteFile(place->copy().name(), place->file().text());
         } else if (auto difference = readBackFailure(*place, changes)) {
             addInputPlace(*difference);
@@ -152,6 +158,7 @@ void update(const Target& target, const std::function<void(Changes& changes)>& b
         addPlace(failure, place->file().text(), place->file().shownName());
         throw;
     }
+    progress.turnTo("Writing");
     place->finish();
 }
 

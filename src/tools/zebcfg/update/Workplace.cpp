@@ -4,6 +4,7 @@
 #include "files/Descriptor.h"
 #include "formats/Diff.h"
 #include "formats/Json.h"
+#include "terminal/Progress.h"
 
 #include <iostream>
 
@@ -36,14 +37,19 @@ public:
         if (isChanged)
             replacement.install();
         if (target.messages.isVerbose)
-            target.messages.say(file().shownName() + (isChanged ? doneNote() : " is as it was"));
+            target.messages.say(file().shownName() + (isChanged ? doneNote() : asItWas()));
     }
 
 private:
+    const char* asItWas() const
+    {
+        return file().isMissing() ? " is not created, for there is nothing to add" : " is unchanged";
+    }
+
     std::string doneNote() const
     {
         if (file().isMissing())
-            return " is made";
+            return " has been created";
         return " is replaced" + (target.backup.empty() ? "" : ", and " + target.backup + " keeps the old text");
     }
 
@@ -90,9 +96,11 @@ std::unique_ptr<Workplace> openWorkplace(const Target& target)
 
 void showDiff(const Target& target, const std::string& before, const std::string& after, const std::string& shownName)
 {
+    const Progress progress("Comparing");
     const bool isJson = target.messages.isJson;
     const std::string diff = unifiedDiff(before, after, shownName, target.hasColor && !isJson);
     const std::string json = target.isState ? changeToJson(before != after, diff) : diffToJson(diff);
+    const PausedProgress pause;
     std::cout << (isJson ? json + '\n' : diff);
     if (!std::cout.flush())
         throw systemFailure(0, "cannot write the output, and nothing is changed");
