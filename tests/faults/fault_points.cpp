@@ -30,6 +30,9 @@ extern "C" [[gnu::visibility("default")]] const char* __asan_default_options()
 
 namespace {
 
+constexpr auto ownerOnly = std::filesystem::perms::owner_read | std::filesystem::perms::owner_write;
+constexpr auto groupReads = std::filesystem::perms::group_read;
+
 long points = 0;
 long violations = 0;
 
@@ -93,6 +96,8 @@ const struct Step {
     {"mend", "\ndn: cn=last\nzeb-slapdPort: no\n\n",
      [](Session& s) { return cfg_bind_s(s.cfg, nullptr, nullptr, LDAP_AUTH_SIMPLE); }},
     {"reload", "\ndn: cn=last\ncn:last\n\ndn: cn=odd\nö: x\n\n",
+     [](Session& s) { return s.search("", LDAP_SCOPE_BASE, "version"); }},
+    {"large reload", "# " + std::string(std::size_t{300} << 10, 'x') + '\n',  // in memory from the system
      [](Session& s) { return s.search("", LDAP_SCOPE_BASE, "version"); }},
     {"bad reload", "\ndn: cn\n\n", [](Session& s) { return s.search("", LDAP_SCOPE_BASE, "version"); }},
     {"search", "",
@@ -170,7 +175,7 @@ const struct Row {
     {"modify", true, faultRename, 1, "50/1004 old none", "50/1004 old none"},
     {"modify", true, faultOpen, 1, "50/1004 none old", "50/1004 none old"},
     {"modify", true, faultOwner, 1, "0/0 new old", "0/0 new old"},
-    {"modify", true, faultOwner, 2, "0/0 new old", "0/0 new old"},
+    {"modify", true, faultMode, 1, "0/0 new old", "0/0 new old"},
     {"modify", true, faultWrite, 1, "0/0 part old", "0/0 part old"},
     {"modify", true, faultClose, 1, "0/0 new old", "0/0 new old"},
     {"modify", false, faultStat, 1, "91/1003 old none", "91/1003 old none"},
@@ -209,6 +214,7 @@ public:
         const bool isFirst = !wanted;
         const long made = runStep(plan);
         check(isFirst || (liveBlocks() == blocks && openDescriptors() == descriptors), "leaked", plan);
+        check(inheritedFiles() == 0, "open in other programs", plan);
         return made;
     }
 
@@ -237,6 +243,7 @@ private:
     void start(Session& session) const
     {
         writeText(file, old);
+        std::filesystem::permissions(file, ownerOnly | groupReads);
         setAge(file, 2);
         if (hasBackup)
             writeText(backup, "backup");
@@ -248,11 +255,12 @@ private:
     void judge(const FaultPlan& plan, int code, const std::string& left) const
     {
         ++points;
+        check(!isOpened(plan), "open to others", plan);
         const bool isSafe = left.find(" old") != std::string::npos || left.find(" new") != std::string::npos;
         check(isSafe || plan.calls == faultWrite, "lost: " + left, plan);
         if (plan.calls == faultMemory)
             check(code == wanted->code || code == LDAP_OTHER || code == CFG_NO_MEMORY, left, plan);
-        else if (plan.fault == Fault::half)
+        else if (plan.fault == Fault::half || plan.error == EINTR)
             check(left == wanted->left, left, plan);
         bool hasRows = false;
         const Row* row = nullptr;
@@ -262,8 +270,17 @@ private:
                 row = each.call == plan.calls && each.number == plan.first ? &each : row;
             }
         }
-        if (hasRows && plan.calls != faultMemory && plan.fault == Fault::error)
+        if (hasRows && plan.calls != faultMemory && plan.fault == Fault::error && plan.error != EINTR)
             check(row != nullptr && left == (plan.lasts ? row->lasting : row->once), left, plan);
+    }
+
+    // Whether the file lets somebody in whom the old one did not. A group that it could not be given is another.
+    bool isOpened(const FaultPlan& plan) const
+    {
+        const bool isOtherGroup = plan.calls == faultOwner && plan.lasts;
+        const auto allowed = isOtherGroup ? ownerOnly : ownerOnly | groupReads;
+        return std::filesystem::exists(file) &&
+               (std::filesystem::status(file).permissions() & ~allowed) != std::filesystem::perms::none;
     }
 
     std::string state(const std::string& name) const
@@ -325,8 +342,10 @@ long tryCalls(Trial& trial, FaultCalls kind, long stride)
     for (long number = 1; number <= calls; number += kind == faultMemory ? within(random) : 1) {
         for (const bool lasts : {false, true}) {
             trial.run({kind, number, lasts, Fault::error, EIO});
-            if (kind == faultRead || kind == faultWrite)
+            if (kind == faultRead || kind == faultWrite || kind == faultStat)
                 trial.run({kind, number, lasts, Fault::half, 0});
+            if ((kind == faultRead || kind == faultWrite) && !lasts)
+                trial.run({kind, number, lasts, Fault::error, EINTR});
             for (const int error : {ENOSPC, EACCES, EMFILE}) {
                 if (kind != faultMemory && stride == 1)
                     trial.run({kind, number, lasts, Fault::error, error});
@@ -344,8 +363,8 @@ int main(int count, char** arguments)
     std::setbuf(stdout, nullptr);
     setenv("LC_ALL", "C.UTF-8", 1);
     const long stride = count > 1 ? std::strtol(arguments[1], nullptr, 10) : 1;
-    for (const FaultCalls kind :
-         {faultMemory, faultOpen, faultRead, faultWrite, faultClose, faultRename, faultUnlink, faultStat, faultOwner}) {
+    for (const FaultCalls kind : {faultMemory, faultOpen, faultRead, faultWrite, faultClose, faultRename, faultUnlink,
+                                  faultStat, faultOwner, faultMode}) {
         long calls = 0;
         for (const Step& step : steps) {
             for (const bool hasBackup : {false, true}) {

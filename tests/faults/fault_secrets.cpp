@@ -9,8 +9,20 @@
 
 namespace {
 
-constexpr char secret[] = "a secret of some length";
-constexpr char foreign[] = "a secret of some length \u00e4\u00df";  // no ASCII
+// The same passwords long and short: a short one fits into a string without a block of its own.
+struct Passwords {
+    const char* secret;
+    const char* folded;   // the secret over two lines
+    const char* foreign;  // no ASCII
+    const char* filter;   // for the foreign one
+};
+
+constexpr Passwords all[] = {
+    {"a secret of some length", "a secret of \n some length", "a secret of some length \u00e4\u00df",
+     "(zeb-slapdAdminPW=a secret of some length \u00e4\u00df)"},
+    {"s3cr3t", "s3c\n r3t", "\u00e4\u00df-1", "(zeb-slapdAdminPW=\u00e4\u00df-1)"},
+};
+
 constexpr char admin[] = "cn=admin, o=Example";
 constexpr char configuration[] = "cn=Configuration";
 constexpr char fileStart[] =
@@ -24,14 +36,30 @@ int bindAs(Session& session, const char* text)
 }
 
 // A load of a file that somebody has written with an editor. Nothing here has the text in memory that is released.
-int loadText(Session& session, const char* value)
+int loadText(Session& session, const char* value, const char* login, const char* before = "")
 {
     const int file = ::open(session.file, O_WRONLY | O_TRUNC);
     bool isWritten = true;
-    for (const char* part : {fileStart, value, "\n\n"})
-        isWritten = isWritten && ::write(file, part, std::strlen(part)) > 0;
+    for (const char* part : {before, fileStart, value, "\n\n"})
+        isWritten = isWritten && ::write(file, part, std::strlen(part)) == static_cast<ssize_t>(std::strlen(part));
     (void)::close(file);
-    return isWritten ? bindAs(session, secret) : -1;
+    return isWritten ? bindAs(session, login) : -1;
+}
+
+// A load that ends before it comes to the password. The buffer is made for half of the file.
+int loadInVain(Session& session, const Passwords& texts)
+{
+    armFaults({faultStat, 1, true, Fault::half, 0});
+    const int code = loadText(session, texts.secret, texts.secret, "dn: cn\n\n");
+    (void)disarmFaults();
+    return code;
+}
+
+// The same, with a buffer of memory from the system.
+int loadMuchInVain(Session& session, const Passwords& texts)
+{
+    static const std::string before = "dn: cn\n# " + std::string(std::size_t{300} << 10, 'x') + "\n\n";
+    return loadText(session, texts.secret, texts.secret, before.c_str());
 }
 
 int modify(const Session& session, int operation, const char* text)
@@ -52,44 +80,56 @@ int searchFor(Session& session, const char* filter)
 struct Step {
     const char* name;
     int code;  // expected
-    int (*run)(Session& session);
+    int (*run)(Session& session, const Passwords& texts);
 };
 
 const Step steps[] = {
-    {"load", 0, [](Session& session) { return loadText(session, secret); }},
-    {"load folded", 0, [](Session& session) { return loadText(session, "a secret of \n some length"); }},
-    {"load foreign", 49, [](Session& session) { return loadText(session, foreign); }},
-    {"bind foreign", 0, [](Session& session) { return bindAs(session, foreign); }},
-    {"bind wrongly", 49, [](Session& session) { return bindAs(session, secret); }},
-    {"replace", 0, [](Session& session) { return modify(session, LDAP_MOD_REPLACE, secret); }},
-    {"add", 0, [](Session& session) { return modify(session, LDAP_MOD_ADD, foreign); }},
-    {"delete", 0, [](Session& session) { return modify(session, LDAP_MOD_DELETE, secret); }},
+    {"load", 0, [](Session& s, const Passwords& texts) { return loadText(s, texts.secret, texts.secret); }},
+    {"load in vain", LDAP_INVALID_DN_SYNTAX, loadInVain},
+    {"load much in vain", LDAP_INVALID_DN_SYNTAX, loadMuchInVain},
+    {"load folded", 0, [](Session& s, const Passwords& texts) { return loadText(s, texts.folded, texts.secret); }},
+    {"load foreign", 49, [](Session& s, const Passwords& texts) { return loadText(s, texts.foreign, texts.secret); }},
+    {"bind foreign", 0, [](Session& s, const Passwords& texts) { return bindAs(s, texts.foreign); }},
+    {"bind wrongly", 49, [](Session& s, const Passwords& texts) { return bindAs(s, texts.secret); }},
+    {"replace", 0, [](Session& s, const Passwords& texts) { return modify(s, LDAP_MOD_REPLACE, texts.secret); }},
+    {"add", 0, [](Session& s, const Passwords& texts) { return modify(s, LDAP_MOD_ADD, texts.foreign); }},
+    {"delete", 0, [](Session& s, const Passwords& texts) { return modify(s, LDAP_MOD_DELETE, texts.secret); }},
     {"new entry", 0,
-     [](Session& session) { return session.change(cfg_add_s, "cn=new", LDAP_MOD_ADD, password, secret); }},
-    {"search", 0,
-     [](Session& session) { return searchFor(session, "(zeb-slapdAdminPW=a secret of some length \u00e4\u00df)"); }},
-    {"write", 0, [](Session& session) { return cfg_flush_s(session.cfg); }},
+     [](Session& s, const Passwords& texts) {
+         return s.change(cfg_add_s, "cn=new", LDAP_MOD_ADD, password, texts.secret);
+     }},
+    {"search", 0, [](Session& s, const Passwords& texts) { return searchFor(s, texts.filter); }},
+    {"write", 0, [](Session& s, const Passwords&) { return cfg_flush_s(s.cfg); }},
 };
 
-}  // namespace
-
-int main()
+// Gives how many steps went wrong.
+int runSteps(const Passwords& texts)
 {
-    const ScopedLocale utf8;
     const TempDirectory directory;
     const std::string file = directory / "zebslapd.conf";
     writeText(file, "version: 1\n");
     Session session(file.c_str());
     int violations = session.open() == 0 ? 0 : 1;
     for (const Step& step : steps) {
-        const long before = watchReleases(secret);
-        const int code = step.run(session);
-        const long releases = watchReleases(nullptr) - before;
+        long releases = -watchReleases(texts.secret);
+        const int code = step.run(session, texts);
+        releases += watchReleases(nullptr);
         if (code == step.code && releases == 0)
             continue;
         ++violations;
-        std::printf("%s: code %d, %ld blocks with the secret\n", step.name, code, releases);
+        std::printf("%s of \"%s\": code %d, %ld blocks with it\n", step.name, texts.secret, code, releases);
     }
-    std::printf("%zu steps, %d violations\n", std::size(steps), violations);
+    return violations;
+}
+
+}  // namespace
+
+int main()
+{
+    const ScopedLocale utf8;
+    int violations = 0;
+    for (const Passwords& texts : all)
+        violations += runSteps(texts);
+    std::printf("%zu steps, %d violations\n", std::size(all) * std::size(steps), violations);
     return violations == 0 ? 0 : 1;
 }

@@ -1,6 +1,7 @@
 #include "faults.h"
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <cerrno>
 #include <clocale>
@@ -12,8 +13,10 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <malloc.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace {
 
@@ -21,8 +24,47 @@ FaultPlan current = {};
 bool armed = false;
 long counted = 0;
 std::atomic<long> blocks = 0;
-const char* watched = nullptr;
 long found = 0;
+long inherited = 0;
+
+// What is looked for in memory that is released.
+class Watch {
+public:
+    void start(const char* text)
+    {
+        constexpr std::size_t longest = 8;  // a longer text may be torn where a buffer has grown
+        count = 0;
+        if (text == nullptr)
+            return;
+        narrow.fill(0);
+        std::strncpy(narrow.data(), text, narrow.size() - 1);
+        const std::size_t size = std::strlen(narrow.data());
+        addEnds(narrow.data(), size, std::min(size, longest));
+        const std::size_t units = std::mbstowcs(wide.data(), text, wide.size());
+        addEnds(wide.data(), units, std::min(units, longest));
+    }
+    bool isIn(const void* memory, std::size_t size) const
+    {
+        return std::any_of(parts.begin(), parts.begin() + count, [&](const auto& part) {
+            return ::memmem(memory, size, part.first, part.second) != nullptr;
+        });
+    }
+
+private:
+    template <typename Unit>
+    void addEnds(const Unit* text, std::size_t size, std::size_t length)
+    {
+        parts[count++] = {text, length * sizeof(Unit)};
+        parts[count++] = {text + size - length, length * sizeof(Unit)};
+    }
+
+    std::array<char, 64> narrow = {};
+    std::array<wchar_t, 64> wide = {};
+    std::array<std::pair<const void*, std::size_t>, 4> parts = {};
+    std::ptrdiff_t count = 0;
+};
+
+Watch watch;
 
 // Counts a call, and says whether the plan meets it.
 bool isMet(FaultCalls call)
@@ -97,8 +139,13 @@ long liveBlocks()
 
 long watchReleases(const char* text)
 {
-    watched = text;
+    watch.start(text);
     return found;
+}
+
+long inheritedFiles()
+{
+    return inherited;
 }
 
 // NOLINTBEGIN(readability-inconsistent-declaration-parameter-name): the headers of the C library have reserved names.
@@ -110,6 +157,7 @@ int open(const char* name, int flags, ...)
     // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): it is started above
     const auto mode = (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;
     va_end(arguments);
+    inherited += armed && (flags & O_CLOEXEC) == 0 ? 1 : 0;
     return planned(faultOpen, [&] { return behind<&open>("open")(name, flags, mode); });
 }
 
@@ -154,7 +202,12 @@ int lstat(const char* name, struct stat* status) noexcept
 
 int fstat(int file, struct stat* status) noexcept
 {
-    return planned(faultStat, [&] { return behind<&fstat>("fstat")(file, status); });
+    const auto look = [&] { return behind<&fstat>("fstat")(file, status); };
+    return planned(faultStat, look, [&] {
+        const int result = look();
+        status->st_size /= 2;
+        return result;
+    });
 }
 
 int fchown(int file, uid_t owner, gid_t group) noexcept
@@ -164,7 +217,7 @@ int fchown(int file, uid_t owner, gid_t group) noexcept
 
 int fchmod(int file, mode_t mode) noexcept
 {
-    return planned(faultOwner, [&] { return behind<&fchmod>("fchmod")(file, mode); });
+    return planned(faultMode, [&] { return behind<&fchmod>("fchmod")(file, mode); });
 }
 
 // What setlocale keeps is the C library's own, and it loses some of it when memory runs out: it does not count.
@@ -203,8 +256,7 @@ void* counting(Allocate allocate)
 
 void lookAt(void* block)
 {
-    if (watched != nullptr && block != nullptr &&
-        ::memmem(block, ::malloc_usable_size(block), watched, std::strlen(watched)) != nullptr)
+    if (block != nullptr && watch.isIn(block, ::malloc_usable_size(block)))
         ++found;
 }
 
@@ -243,6 +295,21 @@ void free(void* block) noexcept
     lookAt(block);
     blocks -= block != nullptr ? 1 : 0;
     __libc_free(block);
+}
+
+void* mmap(void* address, std::size_t size, int protection, int flags, int file, off_t offset) noexcept
+{
+    if (isMet(faultMemory)) {
+        errno = ENOMEM;
+        return MAP_FAILED;
+    }
+    return behind<&mmap>("mmap")(address, size, protection, flags, file, offset);
+}
+
+int munmap(void* memory, std::size_t size) noexcept
+{
+    found += watch.isIn(memory, size) ? 1 : 0;
+    return behind<&munmap>("munmap")(memory, size);
 }
 
 #endif

@@ -6,7 +6,7 @@
 
 // The calls that a plan concerns: any of these, joined.
 enum FaultCalls : unsigned {
-    faultMemory = 1,  // malloc, calloc, realloc, aligned_alloc
+    faultMemory = 1,  // malloc, calloc, realloc, aligned_alloc, mmap
     faultOpen = 2,
     faultRead = 4,
     faultWrite = 8,
@@ -14,13 +14,14 @@ enum FaultCalls : unsigned {
     faultRename = 32,
     faultUnlink = 64,
     faultStat = 128,    // stat, lstat, fstat
-    faultOwner = 256,   // fchown, fchmod
-    faultFiles = 0x1FE  // all but the memory
+    faultOwner = 256,   // fchown
+    faultMode = 512,    // fchmod
+    faultFiles = 0x3FE  // all but the memory
 };
 
 enum class Fault {
     error,  // the call does nothing (close closes) and fails with the plan's error; memory fails with ENOMEM
-    half,   // a read or write takes half of its bytes, at least one; other calls go well
+    half,   // a read or write takes half of its bytes, at least one; fstat tells half of the size; other calls go well
     kill    // behind the same, the process ends by SIGKILL
 };
 
@@ -44,8 +45,11 @@ bool isMemoryMet();
 // with it this is always 0, and only the plan of a program that asks isMemoryMet concerns memory.
 long liveBlocks();
 
-// Looks for a text, which the caller keeps, in each block that is released from now on; null ends it. Gives how many
-// had it so far.
+// Looks in all memory that is released from now on for the first and last bytes of a text, narrow and wide; null ends
+// it. Gives how many blocks had them so far.
 long watchReleases(const char* text);
+
+// How many files have been opened so that programs which are started would have them.
+long inheritedFiles();
 
 #endif

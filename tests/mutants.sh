@@ -1,0 +1,65 @@
+#!/usr/bin/env bash
+# Puts faults into a copy of the sources, one at a time, and runs the tests: each should be noticed. Prints which test
+# noticed it; ends with 1 if one survives. The argument: a word of the faults that are to be tried (all).
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+table=tests/mutants.txt
+copy=build/mutants/source
+log=build/mutants/log
+
+# The sources as they are, with what is not committed.
+make_copy() {
+    mkdir -p "$copy"
+    git ls-files -z | tar --null --files-from=- --create | tar --extract --directory "$copy"
+}
+
+# Replaces a text that stands there once.
+replace() {
+    local file=$1 old=$2 new=$3 content
+    content=$(cat "$file" && printf x)
+    content=${content%x}
+    [[ $content == *"$old"* && ${content#*"$old"} != *"$old"* ]] || return 1
+    printf '%s' "${content/"$old"/"$new"}" >"$file"
+}
+
+# What noticed the fault in the copy, or nothing.
+noticed_by() {
+    cmake --build "$copy/build/debug" >"$log" 2>&1 || { echo "the compiler" && return; }
+    ctest --test-dir "$copy/build/debug" -j "$(nproc)" --stop-on-failure >"$log" 2>&1 ||
+        sed -n 's/^[[:space:]]*[0-9]* - \(.*\) (.*)$/\1/p' "$log" | head -n 1
+}
+
+try() {
+    local file=$1 label=$2 old=$3 new=$4 by
+    [[ -n $file && "$file $label" == *"$pattern"* ]] || return 0
+    cp -p "$copy/$file" build/mutants/original
+    replace "$copy/$file" "$old" "$new" || { echo "$file: $label: its text does not stand there once" && exit 2; }
+    by=$(noticed_by)
+    cp build/mutants/original "$copy/$file"
+    tried=$((tried + 1))
+    [ -n "$by" ] || survivors=$((survivors + 1))
+    printf '%-9s %s: %s%s\n' "$([ -n "$by" ] && echo noticed || echo SURVIVED)" "$file" "$label" "${by:+ ($by)}"
+}
+
+pattern=${1-}
+tried=0
+survivors=0
+make_copy
+cmake --preset debug -S "$copy" -B "$copy/build/debug" --log-level=WARNING >/dev/null
+cmake --build "$copy/build/debug" >"$log" 2>&1 || { cat "$log" && exit 2; }
+
+file='' label='' old='' new=''
+while IFS= read -r line; do
+    case $line in
+        '@ '*)
+            try "$file" "$label" "${old%$'\n'}" "${new%$'\n'}"
+            line=${line#@ } file=${line%%: *} label=${line#*: } old='' new=''
+            ;;
+        '- '*) old+=${line#- }$'\n' ;;
+        '+ '* | '+') new+=${line#+}$'\n' && new=${new/#' '/} ;;
+    esac
+done <"$table"
+try "$file" "$label" "${old%$'\n'}" "${new%$'\n'}"
+echo "$tried faults, $survivors survived"
+[ "$survivors" -eq 0 ]
