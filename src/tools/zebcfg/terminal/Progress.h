@@ -8,9 +8,9 @@
 // Progress is shown where that is wanted and standard error is a terminal.
 void showProgress(bool isWanted);
 
-// Shows one line, "Applying entries ... 45 %", from a second on, rewrites it in place, and erases it at the end. A timer draws
-// it, so that a long call into the library is no obstacle and a step costs next to nothing. An object that is made
-// while another one lives takes its place on the line, and the time goes on.
+// Shows one line, "Applying entries ... 45 %", from a second on, rewrites it in place, and erases it at the end. A
+// timer draws it, so that a long call into the library is no obstacle and a step costs next to nothing. An object that
+// is made while another one lives takes its place on the line, and the time goes on.
 class Progress {
 public:
     // text: a literal of at most 20 characters. steps: how many there will be; with 0 the line counts them.
