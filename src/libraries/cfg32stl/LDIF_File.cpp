@@ -22,7 +22,8 @@ LDIF_Exception fileFailure(int ldapErr, int extErr, const std::string& text, con
 
 LDIF_Exception cannotOpen(const std::string& fileName, SourcePos pos = SourcePos::here())
 {
-    return {LDAP_INSUFFICIENT_ACCESS, CFG_ERR_CONFIG_OPEN, "Unable to open: \"" + fileName + '"', pos};
+    return fileFailure(LDAP_INSUFFICIENT_ACCESS, CFG_ERR_CONFIG_OPEN, "Unable to open: \"" + fileName + '"', fileName,
+                       pos);
 }
 
 std::string fullPathOf(const std::string& name)
@@ -109,11 +110,16 @@ void LDIF_File::readTree(LDIF_Tree&& emptyTree, bool& needsRewrite)
 }
 
 void LDIF_File::flush()
-try {
+{
     FileStatus before = fileStat;
     (void)_stat(fileName.c_str(), &before);  // Its mode may have changed without its time.
     if (!isRegular(before))
         throw cannotOpen(fileName);
+    write(before);
+}
+
+void LDIF_File::write(const FileStatus& before)
+try {
     std::string printed;
     const std::vector<std::string_view> text = tree.pieces(comment, printed);
     if (!backupFileName.empty())

@@ -77,6 +77,7 @@ private:
     Authentication checkLogin(const char* dn, const char* password);
     LDIF_Tree readText() const;
     void readTree(LDIF_Tree&& emptyTree, bool& needsRewrite);
+    void write(const FileStatus& before);
     void moveToBackup();
     void readStatus(FileStatus& status) const;
 

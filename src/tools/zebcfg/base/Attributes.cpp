@@ -76,8 +76,9 @@ const std::vector<AttributeType>& attributeTypes()
 
 bool isSameName(std::string_view left, std::string_view right)
 {
-    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
-                      [](char a, char b) { return a == b || lowered(a) == lowered(b); });
+    return left.size() == right.size() &&
+           (left == right || std::equal(left.begin(), left.end(), right.begin(),
+                                        [](char a, char b) { return lowered(a) == lowered(b); }));
 }
 
 const AttributeType* findAttributeType(std::string_view name)

@@ -34,11 +34,11 @@ bool isNameCharacter(char character)
     return nameCharacters[static_cast<unsigned char>(character)];
 }
 
-// The letters and digits of a text in lower case.
-std::string lettersOf(std::string_view text)
+// The letters and digits of a text in lower case, until the next call.
+const std::string& lettersOf(std::string_view text)
 {
-    std::string letters;
-    letters.reserve(text.size());
+    static std::string letters;  // keeps its memory from line to line
+    letters.clear();
     for (const char character : text) {
         if (isLetterOrDigit(character))
             letters += lowered(character);
@@ -69,20 +69,6 @@ const std::vector<std::string>& passwordNames()
     return names;
 }
 
-// Where the name of an attribute for a password ends in the text, whatever joins its letters; npos for none.
-std::size_t endOfPasswordName(std::string_view text)
-{
-    const auto& names = passwordNames();
-    const std::string letters = lettersOf(text);
-    std::size_t count = std::string::npos;
-    for (const std::string& name : names) {
-        const auto found = letters.find(name);
-        if (found != std::string::npos)
-            count = std::min(count, found + name.size());
-    }
-    return count != std::string::npos ? endOfLetters(text, count) : count;
-}
-
 // Of the names of attributes for passwords.
 std::size_t shortestName()
 {
@@ -91,6 +77,22 @@ std::size_t shortestName()
             return left.size() < right.size();
         })->size();
     return length;
+}
+
+// Where the name of an attribute for a password ends in the text, whatever joins its letters; npos for none.
+std::size_t endOfPasswordName(std::string_view text)
+{
+    if (text.size() < shortestName())
+        return std::string::npos;
+    const auto& names = passwordNames();
+    const std::string& letters = lettersOf(text);
+    std::size_t count = std::string::npos;
+    for (const std::string& name : names) {
+        const auto found = letters.find(name);
+        if (found != std::string::npos)
+            count = std::min(count, found + name.size());
+    }
+    return count != std::string::npos ? endOfLetters(text, count) : count;
 }
 
 bool contains(std::string_view text, std::string_view name)
@@ -156,6 +158,13 @@ std::size_t secretAfterWord(const std::string& line)
     return std::string::npos;
 }
 
+// Whether the name of no known attribute is near to that of a secret one.
+bool isLikeSecret(std::string_view name)
+{
+    const std::string line = std::string(name) + ": value";
+    return blankAt(line, 0) != 0 || std::min(secretAfterName(line), secretAfterWord(line)) != std::string::npos;
+}
+
 // Whether a refused line may be the rest of one that was broken: it has no value, and no name like a known one.
 bool isFragment(const std::string& refused)
 {
@@ -189,8 +198,8 @@ bool isSecret(std::string_view attribute)
     const AttributeType* const type = findAttributeType(attribute);
     if (type != nullptr || attribute.empty())
         return type != nullptr && type->syntax == Syntax::password;
-    const std::string line = std::string(attribute) + ": value";
-    return blankAt(line, 0) != 0 || std::min(secretAfterName(line), secretAfterWord(line)) != std::string::npos;
+    static Answers<bool> answers(&isLikeSecret);
+    return answers.of(attribute);
 }
 
 std::size_t secretOf(const std::string& line)
@@ -201,18 +210,25 @@ std::size_t secretOf(const std::string& line)
 
 // Numbers and words are what they are. A text may be a refused line, one that a blank in front has joined to the
 // line above it, or what a failure without an attribute is about.
-std::string shownValue(const std::string& attribute, const std::string& value)
+std::optional<std::string> maskedValue(const std::string& attribute, const std::string& value)
 {
     if (passwordsAreShown)
-        return value;
+        return std::nullopt;
     const AttributeType* const type = findAttributeType(attribute);
     if (type == nullptr ? isSecret(attribute) : type->syntax == Syntax::password)
         return passwordMask;
     if (isSameName(attribute, invalidLine) && isFragment(value))
         return passwordMask;
-    if (type != nullptr && type->syntax == Syntax::dn)
-        return shownDn(value);
-    return type != nullptr && type->syntax != Syntax::text ? value : shownLine(value);
+    const bool isDn = type != nullptr && type->syntax == Syntax::dn;
+    const bool isText = type == nullptr || type->syntax == Syntax::text;
+    if ((!isDn && !isText) || secretOf(value) == std::string::npos)
+        return std::nullopt;
+    return isDn ? shownDn(value) : shownLine(value);
+}
+
+std::string shownValue(const std::string& attribute, const std::string& value)
+{
+    return maskedValue(attribute, value).value_or(value);
 }
 
 std::string shownLine(const std::string& line)
@@ -229,6 +245,8 @@ std::string shownText(const std::string& text)
 // A part without a name belongs to the value before it.
 std::string shownDn(const std::string& dn)
 {
+    if (secretOf(dn) == std::string::npos)
+        return dn;  // as most are
     std::string shown;
     bool isMasked = false;
     for (std::size_t begin = 0;;) {

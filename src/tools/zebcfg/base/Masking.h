@@ -3,6 +3,7 @@
 #ifndef ZEBCFG_MASKING_H
 #define ZEBCFG_MASKING_H
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -19,6 +20,8 @@ std::size_t secretOf(const std::string& line);
 
 // The value as output and messages show it.
 std::string shownValue(const std::string& attribute, const std::string& value);
+// The same where that is another text than the value itself.
+std::optional<std::string> maskedValue(const std::string& attribute, const std::string& value);
 // The same for a line of the file, a filter or a part of a message, and for a text of several lines.
 std::string shownLine(const std::string& line);
 std::string shownText(const std::string& text);

@@ -106,7 +106,9 @@ bool canBeCarried(std::string_view name)
 
 std::string toLdif(const Entry& entry, bool namesOnly, std::size_t wrap)
 {
+    constexpr std::size_t usualSize = 500;
     std::string text;
+    text.reserve(usualSize);
     appendLine(text, LDIF_PUT_VALUE, "dn", shownDn(entry.dn), wrap);
     for (const Attribute& attribute : entry.attributes) {
         const bool isKnown = findAttributeType(attribute.name) != nullptr;
@@ -114,11 +116,13 @@ std::string toLdif(const Entry& entry, bool namesOnly, std::size_t wrap)
         if (namesOnly)
             appendLine(text, LDIF_PUT_NOVALUE, name, "", wrap);
         for (const std::string& value : attribute.values) {
+            const auto masked = maskedValue(attribute.name, value);
             if (!namesOnly)
-                appendLine(text, LDIF_PUT_VALUE, name, shownValue(attribute.name, value), wrap);
+                appendLine(text, LDIF_PUT_VALUE, name, masked ? *masked : value, wrap);
         }
     }
-    return text + '\n';
+    text += '\n';
+    return text;
 }
 
 bool isLdifName(const std::string& name)
