@@ -4,7 +4,6 @@
 #include "base/Failure.h"
 #include "base/Masking.h"
 #include "base/Text.h"
-#include "files/Descriptor.h"
 #include "formats/ConfigText.h"
 #include "library/Move.h"
 #include "library/Outline.h"
@@ -12,8 +11,7 @@
 #include <algorithm>
 #include <iterator>
 #include <map>
-
-#include <langinfo.h>
+#include <utility>
 
 namespace {
 
@@ -109,106 +107,9 @@ bool isLoginAttribute(const std::string& name)
                        [&](const char* known) { return isSameName(known, name); });
 }
 
-Changes::Changes(GuardedFile& workingCopy, std::string shown, std::optional<Login> wanted, bool force)
-    : copy(workingCopy), path(copy.name()), shownName(std::move(shown)), login(std::move(wanted)), isForced(force)
-{
-    const Text start = text();
-    open();
-    // What the library changes at its first write is no part of the changes that are compared later. The same text
-    // again would load as the same entries.
-    opened->flush();
-    if (!holdsText(path, *start, shownName))
-        open();
-    addHead();
-    original = holdsText(path, *start, shownName) ? start : text();
-    begin(original);
-}
-
-void Changes::addHead()
-{
-    if (!opened->search("", LDAP_SCOPE_BASE, "charset=*").empty())
-        return;
-    opened->modify("", {{LDAP_MOD_ADD, {"charset", {::nl_langinfo(CODESET)}}}});
-    if (opened->search("", LDAP_SCOPE_BASE, "version=*").empty())
-        opened->modify("", {{LDAP_MOD_ADD, {"version", {"1"}}}});
-}
-
-void Changes::open()
-{
-    opened = std::make_unique<Session>(path, shownName, login);
-}
-
-// The copy may be written then.
-void Changes::load(const std::string& text)
-{
-    copy.allowWrites();
-    overwriteFile(path, text);
-    open();
-}
-
-// The copy may be written then, and has what the tree has.
-void Changes::flush()
-{
-    copy.allowWrites();
-    opened->deferWrites(false);
-    if (!calls.empty())
-        opened->flush();
-}
-
-Changes::Text Changes::text() const
-{
-    return std::make_shared<const std::string>(readFile(path, shownName));
-}
-
-// From a text that is in the copy and in the tree.
-void Changes::begin(Text text)
-{
-    checkpoint = std::move(text);
-    calls.clear();
-    copy.refuseWrites();
-    opened->deferWrites(true);
-}
-
-bool Changes::write()
-{
-    flush();
-    const bool isChanged = !holdsText(path, *original, shownName);
-    original.reset();  // A large file has to be loaded beside this one.
-    checkpoint.reset();
-    return isChanged;
-}
-
-void Changes::make(Call call)
-{
-    call(*opened);
-    calls.push_back(std::move(call));
-}
-
-// Without memory the library may have made what it reports as failed.
-void Changes::step(const std::function<void()>& body)
-{
-    const std::size_t before = calls.size();
-    try {
-        body();
-    } catch (const Failure& failure) {
-        if (calls.size() > before || failure.code == CFG_NO_MEMORY)
-            goBack(before);
-        throw;
-    }
-}
-
-// A copy of the whole at each step would be most of the work: the calls since the last one are made again.
-void Changes::goBack(std::size_t count)
-{
-    std::vector<Call> kept = std::move(calls);
-    kept.resize(count);
-    load(*checkpoint);
-    begin(checkpoint);
-    for (Call& call : kept)
-        make(std::move(call));
-    flush();
-    begin(text());
-}
+Changes::Changes(GuardedFile& file, std::string shown, std::optional<Login> wanted, bool force)
+    : copy(file, std::move(shown), std::move(wanted)), isForced(force)
+{}
 
 void Changes::requireNameAndValues(const std::string& dn, const Attribute& attribute)
 {
@@ -233,7 +134,7 @@ void Changes::requireNameAndValues(const std::string& dn, const Attribute& attri
 void Changes::requireEachOnce(const std::string& dn, const Change& change) const
 {
     const Attribute& attribute = change.attribute;
-    if (opened->values(dn, attribute.name).size() == attribute.values.size())
+    if (session().values(dn, attribute.name).size() == attribute.values.size())
         return;
     Failure failure = attributeFailure(LDAP_TYPE_OR_VALUE_EXISTS, dn, attribute.name, "a value is given twice");
     failure.inputLine = lineOfSecond(change);
@@ -243,18 +144,18 @@ void Changes::requireEachOnce(const std::string& dn, const Change& change) const
 void Changes::requireParent(const std::string& dn, const std::string& advice) const
 {
     const std::string parent = parentOf(dn);
-    if (!parent.empty() && !opened->exists(parent))
+    if (!parent.empty() && !session().exists(parent))
         throw Failure(LDAP_NO_SUCH_OBJECT,
                       "the parent " + shownDn(parent) + " does not exist" +
-                          nearestNote(parent, [this](const std::string& above) { return opened->exists(above); }) +
+                          nearestNote(parent, [this](const std::string& above) { return session().exists(above); }) +
                           advice);
 }
 
 void Changes::add(const std::string& dn, const std::vector<Change>& attributes, bool needsParent)
 {
-    step([&] {
+    copy.step([&] {
         requireNoNul(dn);
-        const auto spelling = opened->spellingIfMissing(dn);
+        const auto spelling = session().spellingIfMissing(dn);
         if (!spelling)
             throw Failure(LDAP_ALREADY_EXISTS, "the entry " + shownDn(dn) + " already exists");
         requireNaming(*spelling);
@@ -279,7 +180,7 @@ bool Changes::hasPlainly(const std::string& dn, const std::vector<Change>& attri
 {
     if (attributes.empty())
         return true;
-    const auto found = opened->search(dn, LDAP_SCOPE_BASE, attributes.front().attribute.name + "=*");
+    const auto found = session().search(dn, LDAP_SCOPE_BASE, attributes.front().attribute.name + "=*");
     return !found.empty() && std::all_of(attributes.begin(), attributes.end(), [&](const Change& change) {
         const Attribute& wanted = change.attribute;
         const AttributeType* const type = findAttributeType(wanted.name);
@@ -296,7 +197,7 @@ bool Changes::hasPlainly(const std::string& dn, const std::vector<Change>& attri
 void Changes::addEntry(const std::string& dn, const std::vector<Change>& attributes)
 {
     try {
-        make([dn, attributes](Session& session) { session.add(dn, attributes); });
+        copy.make([dn, attributes](Session& session) { session.add(dn, attributes); });
     } catch (Failure& failure) {
         for (const Change& change : attributes) {
             if (isSameName(change.attribute.name, failure.attribute))
@@ -308,9 +209,9 @@ void Changes::addEntry(const std::string& dn, const std::vector<Change>& attribu
 
 void Changes::modify(const std::string& dn, const std::vector<Change>& changes)
 {
-    step([&] {
-        if (!opened->exists(dn))
-            throw opened->missingEntry(spelled(dn));
+    copy.step([&] {
+        if (!session().exists(dn))
+            throw session().missingEntry(spelled(dn));
         const auto loginBefore = loginAttributes(dn);
         for (const Change& change : changes) {
             atLineOf(change, [&] {
@@ -333,23 +234,23 @@ void Changes::applyChange(const std::string& dn, const Change& change)
     if (attribute.values.empty() && isAdded)
         throw attributeFailure(0, dn, attribute.name, "there is no value to add");
     if (attribute.values.empty())
-        make([dn, change](Session& session) { session.modify(dn, {change}); });
+        copy.make([dn, change](Session& session) { session.modify(dn, {change}); });
     for (const std::string& value : attribute.values) {
-        if (opened->holds(dn, attribute.name, value) == isAdded)
+        if (session().holds(dn, attribute.name, value) == isAdded)
             throw valueFailure(
                 isAdded ? LDAP_TYPE_OR_VALUE_EXISTS : LDAP_NO_SUCH_ATTRIBUTE, dn, {attribute.name, {value}},
                 '"' + shownValue(attribute.name, value) + (isAdded ? "\" is already there" : "\" is not there"));
         const Change single{change.operation, {attribute.name, {value}}};
-        make([dn, single](Session& session) { session.modify(dn, {single}); });
+        copy.make([dn, single](Session& session) { session.modify(dn, {single}); });
     }
 }
 
 void Changes::replaceValues(const std::string& dn, const Change& change)
 {
     const Attribute& attribute = change.attribute;
-    const bool isThere = !opened->search(dn, LDAP_SCOPE_BASE, attribute.name + "=*", {"objectclass"}).empty();
+    const bool isThere = !session().search(dn, LDAP_SCOPE_BASE, attribute.name + "=*", {"objectclass"}).empty();
     if (isThere || !attribute.values.empty())
-        make([dn, change](Session& session) { session.modify(dn, {change}); });
+        copy.make([dn, change](Session& session) { session.modify(dn, {change}); });
     requireEachOnce(dn, change);
 }
 
@@ -360,7 +261,7 @@ void Changes::requireSingle(const std::string& dn, const Change& change) const
     if (isForced || type == nullptr || !type->isSingle || change.operation == LDAP_MOD_DELETE ||
         change.attribute.values.empty())
         return;
-    const std::size_t count = opened->values(dn, type->name).size();
+    const std::size_t count = session().values(dn, type->name).size();
     if (count < 2)
         return;
     Failure failure = valueFailure(LDAP_CONSTRAINT_VIOLATION, dn, change.attribute,
@@ -376,7 +277,7 @@ std::vector<std::string> Changes::loginAttributes(const std::string& dn) const
     if (!isSameName(spelled.orNothing(dn), configurationDn))
         return found;
     for (const char* const name : loginNames) {
-        if (opened->has(dn, name))
+        if (session().has(dn, name))
             found.emplace_back(name);
     }
     return found;
@@ -388,7 +289,7 @@ void Changes::requireLogin(const std::string& dn, const std::vector<std::string>
     if (isForced)
         return;
     for (const std::string& name : before) {
-        if (opened->has(dn, name))
+        if (session().has(dn, name))
             continue;
         Failure failure =
             attributeFailure(LDAP_OBJECT_CLASS_VIOLATION, dn, name, "without it nobody can log in; --force removes it");
@@ -406,7 +307,7 @@ void Changes::erase(const std::string& dn, bool withChildren)
         throw Failure(LDAP_UNWILLING_TO_PERFORM, "the root cannot be deleted");
     if (!isForced && !loginAttributes(dn).empty())
         throw Failure(LDAP_OBJECT_CLASS_VIOLATION, "without cn=Configuration nobody can log in; --force deletes it");
-    step([&] { make([dn, withChildren](Session& session) { session.erase(dn, withChildren); }); });
+    copy.step([&] { copy.make([dn, withChildren](Session& session) { session.erase(dn, withChildren); }); });
 }
 
 // Only RDNs that are new count: an entry may have been added below others by any means.
@@ -415,7 +316,7 @@ void Changes::requireNaming(const std::string& dn) const
     for (std::string rest = dn; !rest.empty(); rest = parentOf(rest)) {
         for (const Attribute& attribute : rdnOf(rest)) {
             const bool isName = canNameEntry(attribute.name);
-            if ((isName && (isForced || !isSecret(attribute.name))) || opened->exists(rest))
+            if ((isName && (isForced || !isSecret(attribute.name))) || session().exists(rest))
                 continue;
             throw attributeFailure(LDAP_NAMING_VIOLATION, dn, attribute.name,
                                    isName ? "a DN is no place for a password; --force allows it"
@@ -436,32 +337,26 @@ void Changes::requireMovable(const Move& move) const
 {
     if (move.from().empty() || move.to().empty())
         throw Failure(LDAP_UNWILLING_TO_PERFORM, "the root can neither be moved nor replaced");
-    if (!opened->exists(move.from()))
-        throw opened->missingEntry(move.from());
+    if (!session().exists(move.from()))
+        throw session().missingEntry(move.from());
     if (!isForced && !move.isSpelling() && !loginAttributes(move.from()).empty())
         throw Failure(LDAP_OBJECT_CLASS_VIOLATION, "without cn=Configuration nobody can log in; --force moves it");
     if (move.isIntoItself())
         throw Failure(LDAP_UNWILLING_TO_PERFORM, "an entry cannot be moved below itself");
-    if (!move.isSpelling() && opened->exists(move.to()))
+    if (!move.isSpelling() && session().exists(move.to()))
         throw Failure(LDAP_ALREADY_EXISTS, "the entry " + shownDn(move.to()) + " already exists");
     requireNaming(move.to());
     requireParent(move.to(), {});
 }
 
-// All that the tree has, which is written in the text.
-std::vector<Entry> Changes::entries(const std::string& text) const
-{
-    return opened->entriesWith(namesIn(text), outlineOf(*opened).size());
-}
-
 // The same entries, but for the DNs of those that are moved.
-void Changes::requireMoved(const Move& move, const std::vector<Entry>& before) const
+void Changes::requireMoved(const Move& move, const std::vector<Entry>& before, const std::vector<Entry>& after)
 {
     std::map<std::string, std::vector<Attribute>> wanted;
     std::map<std::string, std::vector<Attribute>> found;
     for (const Entry& entry : before)
         wanted[keyOf(move.moved(entry.dn))] = entry.attributes;
-    for (const Entry& entry : entries(*text()))
+    for (const Entry& entry : after)
         found[keyOf(entry.dn)] = entry.attributes;
     if (wanted != found)
         throw Failure(LDAP_INVALID_SYNTAX,
@@ -476,12 +371,12 @@ void Changes::followRdn(const Move& move, bool keepsOld)
         named.push_back({old.name, {}});
     for (const Attribute& attribute : named) {
         requireNameAndValues(move.to(), attribute);
-        const auto before = opened->values(move.to(), attribute.name);
+        const auto before = session().values(move.to(), attribute.name);
         const auto after = move.movedValues(attribute.name, before, keepsOld);
         if (after == before)
             continue;
         const Change change{after.empty() ? LDAP_MOD_DELETE : LDAP_MOD_REPLACE, {attribute.name, after}};
-        opened->modify(move.to(), {change});
+        copy.make([dn = move.to(), change](Session& session) { session.modify(dn, {change}); });
         if (after.size() > before.size())
             requireSingle(move.to(), change);
     }
@@ -506,20 +401,16 @@ void Changes::noteReferences(const Move& move, const std::vector<Entry>& before)
 
 void Changes::move(const std::string& dn, const std::string& newDn, bool keepsOldRdn)
 {
-    flush();
-    begin(text());
-    const auto before = entries(*checkpoint);
+    const std::string& text = copy.text();
+    const auto names = namesIn(text);
+    const auto entries = [&] { return session().entriesWith(names, outlineOf(session()).size()); };
+    const auto before = entries();
     const Move move(spelled(dn), belowKnownParent(spelled(newDn), before), spelled);
     requireMovable(move);
-    try {
-        load(move.movedText(*checkpoint));
-        requireMoved(move, before);
+    copy.replaceText(move.movedText(text), [&] {
+        requireMoved(move, before, entries());
         followRdn(move, keepsOldRdn);
-    } catch (const Failure&) {
-        goBack(0);
-        throw;
-    }
-    begin(text());
+    });
     if (!move.isSpelling())
         noteReferences(move, before);
 }

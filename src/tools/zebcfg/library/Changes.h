@@ -2,13 +2,11 @@
 #ifndef ZEBCFG_CHANGES_H
 #define ZEBCFG_CHANGES_H
 
-#include "files/GuardedFile.h"
 #include "formats/Ldif.h"
 #include "library/Dn.h"
 #include "library/Session.h"
+#include "library/WorkingCopy.h"
 
-#include <functional>
-#include <memory>
 #include <optional>
 #include <set>
 #include <string>
@@ -19,16 +17,13 @@ class Move;
 // Whether the login stands on it, in cn=Configuration.
 bool isLoginAttribute(const std::string& name);
 
-// Works on a copy of the configuration file. Each call is one step: when it throws Failure, all is as before.
-//
-// The library writes the file at the end of each change, as a whole. Until write() the copy refuses that: a change that
-// cannot be written stays in the library's memory and goes with the next write, and as the modification time stays the
-// same too, no call loads the file in between. So a batch takes one write.
+// Each call is one step: when it throws Failure, all is as before.
 class Changes {
 public:
-    // shown: what messages call the copy. force allows what is only refused for what it may break: a
-    // second value of an attribute that takes one (19), and the end of the login (65).
-    Changes(GuardedFile& workingCopy, std::string shown, std::optional<Login> wanted, bool force);
+    // The file, a copy of the configuration, has to outlive this object. shown: what messages call it. force allows
+    // what is only refused for what it may break: a second value of an attribute that takes one (19), the end of the
+    // login (65), and a new DN with a password (64).
+    Changes(GuardedFile& file, std::string shown, std::optional<Login> wanted, bool force);
 
     // A new DN takes no attribute for the library's own use, and none for passwords unless that is forced: 64.
     // 68 for an entry that exists, 32 without a parent, 20 for a value that is given twice.
@@ -41,37 +36,22 @@ public:
     void move(const std::string& dn, const std::string& newDn, bool keepsOldRdn);
     void apply(const LdifRecord& record, bool needsParent);
 
-    // Writes the copy, with which the changes end. Says whether they have changed its text: the form that the library
-    // gives it does not count.
-    bool write();
+    // Writes the file, with which the changes end. Says whether they have changed more than its form.
+    bool write() { return copy.write(); }
 
-    const Session& session() const noexcept { return *opened; }
+    const Session& session() const noexcept { return copy.session(); }
     // What the user may want to change too.
     const std::vector<std::string>& notes() const noexcept { return noted; }
     // The names of attributes that have been used.
     const std::set<std::string>& names() const noexcept { return usedNames; }
 
 private:
-    using Text = std::shared_ptr<const std::string>;  // of the whole copy
-    // A call of the library that changes the tree. One that fails has changed nothing.
-    using Call = std::function<void(Session& session)>;
-
-    void open();
-    void addHead();
-    void load(const std::string& text);
-    void flush();
-    Text text() const;
-    void begin(Text text);
-    void step(const std::function<void()>& body);
-    void make(Call call);
-    void goBack(std::size_t count);
     void requireNameAndValues(const std::string& dn, const Attribute& attribute);
     void requireParent(const std::string& dn, const std::string& advice) const;
     void requireNaming(const std::string& dn) const;
     std::string newDnOf(const LdifRecord& record) const;
     void requireMovable(const Move& move) const;
-    std::vector<Entry> entries(const std::string& text) const;
-    void requireMoved(const Move& move, const std::vector<Entry>& before) const;
+    static void requireMoved(const Move& move, const std::vector<Entry>& before, const std::vector<Entry>& after);
     void followRdn(const Move& move, bool keepsOld);
     void noteReferences(const Move& move, const std::vector<Entry>& before);
     void addEntry(const std::string& dn, const std::vector<Change>& attributes);
@@ -84,18 +64,11 @@ private:
     void requireLogin(const std::string& dn, const std::vector<std::string>& before,
                       const std::vector<Change>& changes) const;
 
-    GuardedFile& copy;
-    const std::string path;
-    const std::string shownName;
-    const std::optional<Login> login;
+    WorkingCopy copy;
     const bool isForced;
-    std::unique_ptr<Session> opened;
     const DnSpeller spelled;
     std::set<std::string> usedNames;
     std::vector<std::string> noted;
-    Text original;            // before the first step
-    Text checkpoint;          // as it was written last
-    std::vector<Call> calls;  // made since then
 };
 
 #endif

@@ -1,0 +1,62 @@
+// The copy of the configuration file that an update changes.
+#ifndef ZEBCFG_WORKINGCOPY_H
+#define ZEBCFG_WORKINGCOPY_H
+
+#include "files/GuardedFile.h"
+#include "library/Session.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+// Changes stay in memory until write(), and are undone when their step fails. Calls throw Failure.
+//
+// The library writes the file at the end of each change, as a whole. Until write() the file refuses that: a change that
+// cannot be written stays in the library's memory and goes with the next write, and as the modification time stays the
+// same too, no call loads the file in between. So a batch takes one write.
+class WorkingCopy {
+public:
+    // A call of the library that changes the tree. One that fails has changed nothing.
+    using Call = std::function<void(Session& session)>;
+
+    // The file has to outlive this object. shown: what messages call it.
+    WorkingCopy(GuardedFile& copied, std::string shown, std::optional<Login> wanted);
+
+    // Stays until the end of a step that fails, or the next replaceText().
+    const Session& session() const noexcept { return *opened; }
+    void make(Call call);
+    // When body throws Failure, what it has made is undone.
+    void step(const std::function<void()>& body);
+    // The text with all changes so far, until the next change.
+    const std::string& text();
+    // Loads another text and runs body on it, as one step. In between each change is written.
+    void replaceText(const std::string& text, const std::function<void()>& body);
+
+    // Writes the file, with which the changes end. Says whether they have changed its text: the form that the library
+    // gives it at its first write does not count.
+    bool write();
+
+private:
+    using Text = std::shared_ptr<const std::string>;  // of the whole file
+
+    void open();
+    void addHead();
+    void load(const std::string& text);
+    void flush();
+    Text readText() const;
+    void begin(Text text);
+    void goBack(std::size_t count);
+
+    GuardedFile& file;
+    const std::string path;
+    const std::string shownName;
+    const std::optional<Login> login;
+    std::unique_ptr<Session> opened;
+    Text original;            // before the first step
+    Text checkpoint;          // as it was written last
+    std::vector<Call> calls;  // made since then
+};
+
+#endif
