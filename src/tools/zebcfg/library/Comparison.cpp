@@ -24,14 +24,6 @@ bool isSame(const CFGMessage* left, const CFGMessage* right)
     return left == right;
 }
 
-std::size_t countOf(const CFGMessage* record)
-{
-    std::size_t count = 0;
-    for (; record != nullptr; record = record->next)
-        ++count;
-    return count;
-}
-
 // Whether the DN ends with the other one, as that of an entry below it does.
 bool endsWith(std::string_view dn, std::string_view above)
 {
@@ -64,11 +56,11 @@ class Comparison {
 public:
     Comparison(const Session& one, const Session& other) : left(one), right(other) {}
 
-    std::size_t count() const
+    std::optional<std::size_t> count() const
     {
-        const SearchResult names = left.find("", LDAP_SCOPE_SUBTREE, "", {"1.1"});
-        if (!isSame(names.get(), right.find("", LDAP_SCOPE_SUBTREE, "", {"1.1"}).get()) || !isSameRoot())
-            return noneSame;
+        const SearchResult names = left.records("", LDAP_SCOPE_SUBTREE, "", {"1.1"});
+        if (!isSame(names.get(), right.records("", LDAP_SCOPE_SUBTREE, "", {"1.1"}).get()) || !isSameRoot())
+            return std::nullopt;
         std::vector<std::string_view> dns;
         for (const CFGMessage* entry = names.get(); entry != nullptr; entry = entry->next)
             dns.emplace_back(entry->text);
@@ -76,26 +68,28 @@ public:
         std::size_t done = 0;
         for (std::size_t i = 0; i < dns.size();) {
             const bool isPart = sizes[i] <= mostAtOnce;
-            const std::size_t same = countIn(std::string(dns[i]), isPart ? LDAP_SCOPE_SUBTREE : LDAP_SCOPE_BASE);
-            if (same == noneSame)
-                return noneSame;
-            done += same;
+            const auto same = countIn(std::string(dns[i]), isPart ? LDAP_SCOPE_SUBTREE : LDAP_SCOPE_BASE);
+            if (!same)
+                return std::nullopt;
+            done += *same;
             i += isPart ? sizes[i] : 1;
         }
-        return done == dns.size() ? done : noneSame;  // Texts of DNs may look like what they are not.
+        return done == dns.size() ? std::optional(done) : std::nullopt;  // DNs may look like what they are not.
     }
 
 private:
     bool isSameRoot() const
     {
-        return isSame(left.find("", LDAP_SCOPE_BASE, "charset=*").get(),
-                      right.find("", LDAP_SCOPE_BASE, "charset=*").get());
+        return isSame(left.records("", LDAP_SCOPE_BASE, "charset=*").get(),
+                      right.records("", LDAP_SCOPE_BASE, "charset=*").get());
     }
 
-    std::size_t countIn(const std::string& base, int scope) const
+    std::optional<std::size_t> countIn(const std::string& base, int scope) const
     {
-        const SearchResult one = left.find(base, scope);
-        return isSame(one.get(), right.find(base, scope).get()) ? countOf(one.get()) : noneSame;
+        const SearchResult one = left.records(base, scope);
+        if (!isSame(one.get(), right.records(base, scope).get()))
+            return std::nullopt;
+        return countOf(one.get());
     }
 
     const Session& left;
@@ -104,7 +98,7 @@ private:
 
 }  // namespace
 
-std::size_t countSameEntries(const Session& left, const Session& right)
+std::optional<std::size_t> countSameEntries(const Session& left, const Session& right)
 {
     return Comparison(left, right).count();
 }

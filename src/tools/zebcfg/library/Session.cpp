@@ -48,14 +48,6 @@ private:
     std::vector<LDAPMod*> pointers;
 };
 
-std::size_t countOf(const CFGMessage* record)
-{
-    std::size_t count = 0;
-    for (; record != nullptr; record = record->next)
-        ++count;
-    return count;
-}
-
 Entry entryOf(const CFGMessage& record)
 {
     Entry entry{textOf(record.text), {}};
@@ -91,6 +83,14 @@ std::string listOf(const char* const* words)
 }
 
 }  // namespace
+
+std::size_t countOf(const CFGMessage* record)
+{
+    std::size_t count = 0;
+    for (; record != nullptr; record = record->next)
+        ++count;
+    return count;
+}
 
 bool isTextFailure(int code)
 {
@@ -195,8 +195,8 @@ std::string Session::explain(int code) const
     return object.empty() || object == "<root>" ? text : text + ": " + object;
 }
 
-SearchResult Session::find(const std::string& base, int scope, const std::string& filter,
-                           const std::vector<std::string>& names) const
+SearchResult Session::records(const std::string& base, int scope, const std::string& filter,
+                              const std::vector<std::string>& names) const
 {
     std::vector<char*> wanted;
     wanted.reserve(names.size() + 1);
@@ -213,7 +213,7 @@ SearchResult Session::find(const std::string& base, int scope, const std::string
 std::vector<Entry> Session::search(const std::string& base, int scope, const std::string& filter,
                                    const std::vector<std::string>& names) const
 {
-    return entriesOf(find(base, scope, filter, names));
+    return entriesOf(records(base, scope, filter, names));
 }
 
 bool Session::exists(const std::string& dn) const

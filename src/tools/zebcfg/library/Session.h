@@ -5,6 +5,7 @@
 #include "base/Entry.h"
 #include "base/Failure.h"
 
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <string>
@@ -20,6 +21,8 @@ struct ResultRelease {
 };
 // The library's records of what a search has found.
 using SearchResult = std::unique_ptr<CFGMessage, ResultRelease>;
+// The records from one on in its list.
+std::size_t countOf(const CFGMessage* record);
 
 struct Login {
     std::string dn;
@@ -35,8 +38,8 @@ public:
     std::vector<Entry> search(const std::string& base, int scope, const std::string& filter = {},
                               const std::vector<std::string>& names = {}) const;
     // The same as it comes from the library. Null when nothing is found.
-    SearchResult find(const std::string& base, int scope, const std::string& filter = {},
-                      const std::vector<std::string>& names = {}) const;
+    SearchResult records(const std::string& base, int scope, const std::string& filter = {},
+                         const std::vector<std::string>& names = {}) const;
     bool exists(const std::string& dn) const;
     // Whether the entry has a value of the attribute that is not empty. No password is decoded.
     bool has(const std::string& dn, const std::string& attribute) const;

@@ -67,9 +67,9 @@ public:
     {}
 
     const Session& session() const noexcept { return opened; }
-    // Whether all entries are those of the other session, as one search for those with an objectclass shows it.
-    bool isPlainly(const Session& other) const { return isStable && countSameEntries(other, opened) == count; }
-    // The same without that search: wanted and found have all entries.
+    // Whether all entries are those of the other session, as a comparison of those with an objectclass shows it.
+    bool isPlainlySame(const Session& other) const { return isStable && countSameEntries(other, opened) == count; }
+    // The same without that comparison: wanted and found have all entries.
     bool isSame(const Session& other, const std::vector<Entry>& wanted, const std::vector<Entry>& found) const
     {
         return isStable && wanted == found && other.outline() == opened.outline();
@@ -88,7 +88,7 @@ std::optional<Failure> readBackFailure(Workplace& place, const Changes& changes)
 {
     const Session& made = changes.session();
     const ReadBack again(place.result(), place.copy(), place.file().shownName());
-    if (again.isPlainly(made))
+    if (again.isPlainlySame(made))
         return std::nullopt;
     auto names = namesIn(place.result());
     names.insert(names.end(), changes.names().begin(), changes.names().end());
@@ -147,8 +147,8 @@ void update(const Target& target, const std::function<void(Changes& changes)>& b
         const bool isChanged = changes.write();
         for (const std::string& note : changes.notes())
             target.messages.say(note);
-        const bool isNothing = target.isState || place->file().isMissing();
-        if (isNothing && !isChanged) {
+        const bool ignoresForm = target.isState || place->file().isMissing();
+        if (ignoresForm && !isChanged) {
             overwriteFile(place->copy().name(), place->file().text());
         } else if (auto difference = readBackFailure(*place, changes)) {
             addInputPlace(*difference);
