@@ -47,9 +47,7 @@ std::string adviceFor(const Failure& failure)
 {
     if (failure.code == LDAP_INVALID_DN_SYNTAX)
         return "a DN consists of NAME=VALUE pairs separated by commas, where no VALUE is empty, and , + \" \\ < > ; # "
-               "in one "
-               "take "
-               "a backslash";
+               "in one take a backslash";
     if (isSameName(failure.attribute, invalidLine))
         return "the head holds charset and version, each once, and version is 1";
     if (failure.extended == CFG_ERR_NOT_IN_CLASS)
@@ -73,9 +71,11 @@ public:
                                    .advise("remove it, for the next write drops the rest of the line"));
         for (const Failure& failure : loadable.failures())
             findings.push_back(findingOf(failure, failure.fileLine, adviceFor(failure)));
-        for (const auto find : {&Checker::findQuarantined, &Checker::findSeveralValues, &Checker::findUndecodable,
-                                &Checker::findMisspelt, &Checker::findMissingLogin})
-            (this->*find)();
+        findQuarantined();
+        findSeveralValues();
+        findUndecodable();
+        findMisspelt();
+        findMissingLogin();
         if (loadable.failures().empty())
             findChangesOfFirstWrite();
         std::stable_sort(findings.begin(), findings.end(),
@@ -157,20 +157,24 @@ private:
     // The first line of each attribute of an entry that is meant to have one value; 0 once that is reported.
     using FirstLines = std::map<const AttributeType*, int>;
 
-    // An entry may come in parts. There are none where each dn line gives an entry that a search finds.
-    void findSeveralValues()
+    // Whether an entry may come in parts. None does where each dn line gives an entry that a search finds.
+    bool mayHaveParts() const
     {
         const auto dnLines =
             std::count_if(lines.begin(), lines.end(), [](const ConfigLine& line) { return line.isDn; });
-        const auto entries = session.search("", LDAP_SCOPE_SUBTREE, "", {"1.1"}).size();
-        const bool hasParts = static_cast<std::size_t>(dnLines) > entries;
-        std::map<std::string, FirstLines> known;
+        return static_cast<std::size_t>(dnLines) > session.search("", LDAP_SCOPE_SUBTREE, "", {"1.1"}).size();
+    }
+
+    void findSeveralValues()
+    {
+        const bool isByDn = mayHaveParts();
+        std::map<std::string, FirstLines> known;  // of entries in parts; else of one entry after the other
         FirstLines* ofEntry = nullptr;
         int entry = -1;
         for (const ConfigLine& line : lines) {
             if (line.entry != entry) {
-                ofEntry = &known[hasParts ? dnOf(line) : ""];
-                if (!hasParts)
+                ofEntry = &known[isByDn ? dnOf(line) : ""];
+                if (!isByDn)
                     ofEntry->clear();
                 entry = line.entry;
             }

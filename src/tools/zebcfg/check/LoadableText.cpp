@@ -10,10 +10,10 @@ namespace {
 // A file with more is better looked at once these are mended: each takes a load.
 constexpr std::size_t mostFailures = 200;
 
-// A text that loads may still hold what keeps it from being written.
-std::optional<Failure> failureOfLoad(const std::string& text, const std::string& shownName)
+// Loads a text in place of another. One that loads may still hold what keeps it from being written.
+std::optional<Failure> load(std::optional<Loaded>& loaded, const std::string& text, const std::string& shownName)
 try {
-    (void)Loaded(text, shownName);
+    loaded.emplace(text, shownName);
     return std::nullopt;
 } catch (const Failure& failure) {
     return failure;
@@ -23,7 +23,8 @@ try {
 int lineOfUnwritableDn(const std::string& text, const std::string& shownName)
 {
     for (const ConfigLine& line : linesOf(text)) {
-        if (line.isDn && failureOfLoad("dn: " + std::string(line.value) + '\n', shownName))
+        std::optional<Loaded> alone;
+        if (line.isDn && load(alone, "dn: " + std::string(line.value) + '\n', shownName))
             return line.first;
     }
     return 0;
@@ -63,7 +64,7 @@ Loaded::Loaded(const std::string& text, const std::string& shownName) : copy(tex
 
 LoadableText::LoadableText(const std::string& original, const std::string& shownName) : current(original)
 {
-    while (std::optional<Failure> failure = load(shownName)) {
+    while (std::optional<Failure> failure = load(last, current, shownName)) {
         if (isTextFailure(failure->code))
             failure->fileLine = lineOfForeignBytes(current, failure->fileLine);
         if (failure->fileLine == 0)
@@ -75,14 +76,6 @@ LoadableText::LoadableText(const std::string& original, const std::string& shown
             return;
         }
     }
-}
-
-std::optional<Failure> LoadableText::load(const std::string& shownName)
-try {
-    last.emplace(current, shownName);
-    return std::nullopt;
-} catch (const Failure& failure) {
-    return failure;
 }
 
 // A dn line keeps its entry together under a name of its own, any other line becomes a comment. False when the line is

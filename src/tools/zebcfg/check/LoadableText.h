@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-// A text behind the library, which has written it once.
+// A text that the library has loaded, and written once.
 class Loaded {
 public:
     // Throws Failure.
@@ -38,7 +38,6 @@ public:
     const Loaded& loaded() const noexcept { return *last; }
 
 private:
-    std::optional<Failure> load(const std::string& shownName);
     bool takeOut(Failure failure);
 
     std::string current;

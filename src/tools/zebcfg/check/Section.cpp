@@ -11,7 +11,7 @@
 namespace {
 
 // The byte after that many lines.
-std::size_t behindLines(const std::string& text, int count)
+std::size_t afterLines(const std::string& text, int count)
 {
     std::size_t at = 0;
     for (; count > 0 && at < text.size(); --count)
@@ -43,8 +43,8 @@ Section::Section(const std::string& text, const std::string& dn) : whole(text), 
                           return std::any_of(known.begin(), known.end(),
                                              [&](const std::string& name) { return isSameName(name, above); });
                       }));
-    begin = behindLines(text, first - 1);
-    end = behindLines(text, last);
+    begin = afterLines(text, first - 1);
+    end = afterLines(text, last);
 }
 
 int Section::firstLine() const
