@@ -33,7 +33,7 @@ constexpr char invalidLine[] = "zeb-slapdInvalidLine";
 
 bool isSameName(std::string_view left, std::string_view right);
 
-// As far as slips of the fingers go: letters put in, left out or exchanged.
+// The letters that may be put in, left out or exchanged in a misspelt word.
 constexpr std::size_t mostSlips = 2;
 // The candidate that is nearest to a misspelt word, or the empty text when none is near.
 std::string nearest(std::string_view word, const std::vector<std::string>& candidates);

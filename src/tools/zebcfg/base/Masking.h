@@ -20,7 +20,7 @@ std::size_t secretOf(const std::string& line);
 
 // The value as output and messages show it.
 std::string shownValue(const std::string& attribute, const std::string& value);
-// The same where that is another text than the value itself.
+// The same, or nothing where the value is shown as it is.
 std::optional<std::string> maskedValue(const std::string& attribute, const std::string& value);
 // The same for a line of the file, a filter or a part of a message, and for a text of several lines.
 std::string shownLine(const std::string& line);

@@ -59,7 +59,7 @@ private:
     bool isWritten = false;
 };
 
-// The copy in memory, which nothing becomes of but a diff.
+// Only the copy in memory: all that comes of it is a diff.
 class Rehearsal : public Workplace {
 public:
     explicit Rehearsal(const Target& wanted) : target(wanted), live(wanted.file, wanted.presence), working(live.text())
