@@ -25,7 +25,7 @@ bool isSame(const CFGMessage* left, const CFGMessage* right)
 }
 
 // Whether the DN ends with the other one, as that of an entry below it does.
-bool endsWith(std::string_view dn, std::string_view above)
+bool looksBelow(std::string_view dn, std::string_view above)
 {
     return dn.size() > above.size() + 2 && dn.substr(dn.size() - above.size()) == above &&
            dn.substr(dn.size() - above.size() - 2, 2) == ", ";
@@ -43,7 +43,7 @@ std::vector<std::size_t> sizesOf(const std::vector<std::string_view>& dns)
             sizes[above.back()] += sizes[left];
     };
     for (std::size_t i = 0; i < dns.size(); ++i) {
-        while (!above.empty() && !endsWith(dns[i], dns[above.back()]))
+        while (!above.empty() && !looksBelow(dns[i], dns[above.back()]))
             leave();
         above.push_back(i);
     }
@@ -89,7 +89,10 @@ private:
         const SearchResult one = left.records(base, scope);
         if (!isSame(one.get(), right.records(base, scope).get()))
             return std::nullopt;
-        return countOf(one.get());
+        std::size_t count = 0;
+        for (const CFGMessage* entry = one.get(); entry != nullptr; entry = entry->next)
+            ++count;
+        return count;
     }
 
     const Session& left;

@@ -48,6 +48,14 @@ private:
     std::vector<LDAPMod*> pointers;
 };
 
+std::size_t countOf(const CFGMessage* record)
+{
+    std::size_t count = 0;
+    for (; record != nullptr; record = record->next)
+        ++count;
+    return count;
+}
+
 Entry entryOf(const CFGMessage& record)
 {
     Entry entry{textOf(record.text), {}};
@@ -83,14 +91,6 @@ std::string listOf(const char* const* words)
 }
 
 }  // namespace
-
-std::size_t countOf(const CFGMessage* record)
-{
-    std::size_t count = 0;
-    for (; record != nullptr; record = record->next)
-        ++count;
-    return count;
-}
 
 bool isTextFailure(int code)
 {

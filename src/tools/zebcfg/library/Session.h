@@ -5,7 +5,6 @@
 #include "base/Entry.h"
 #include "base/Failure.h"
 
-#include <cstddef>
 #include <memory>
 #include <optional>
 #include <string>
@@ -21,8 +20,6 @@ struct ResultRelease {
 };
 // The library's records of what a search has found.
 using SearchResult = std::unique_ptr<CFGMessage, ResultRelease>;
-// The records from one on in its list.
-std::size_t countOf(const CFGMessage* record);
 
 struct Login {
     std::string dn;
