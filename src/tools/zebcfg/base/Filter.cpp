@@ -44,7 +44,7 @@ char readEscaped(Rest& rest)
 {
     const auto byte = byteAt(rest, 1);
     if (!byte)
-        refuse("two hex digits belong after a backslash");
+        refuse("a backslash must be followed by two hex digits");
     rest.remove_prefix(3);
     return *byte;
 }
@@ -125,7 +125,7 @@ Filter readItem(Rest& rest)
     if (filter.kind == Filter::equal && filter.values.size() > 1)
         filter.kind = value == "*" ? Filter::present : Filter::substrings;
     else if (filter.values.size() > 1)
-        refuse("a * of the value is written \\2a");
+        refuse("a * in a value is written \\2a");
     if (filter.kind == Filter::atLeast || filter.kind == Filter::atMost)
         requireOrder(filter);
     filter.text = filter.isSimple() ? filter.attribute + '=' + std::string(value) : std::string(trimmed(item));
@@ -181,7 +181,7 @@ Filter readFilter(Rest& rest, int depth)
     Filter filter = readComponent(inner, depth + 1);
     if (!take(inner, ')'))
         refuse(trimmed(inner).empty() ? "the closing parenthesis is missing"
-                                      : "a parenthesis of a value is written \\28 or \\29");
+                                      : "a parenthesis in a value is written \\28 or \\29");
     rest = inner;
     return filter;
 }
@@ -238,7 +238,7 @@ Filter parseFilter(const std::string& text)
     Filter filter = rest.substr(0, 1) == "(" ? readFilter(rest, 0) : readItem(rest);
     if (!trimmed(rest).empty())
         refuse(
-            "there is text after its end; &, | and ! combine filters, and a parenthesis of a value is written \\28 or "
+            "there is text after its end; &, | and ! combine filters, and a parenthesis in a value is written \\28 or "
             "\\29");
     return filter;
 }

@@ -27,7 +27,7 @@ constexpr char loginAdvice[] = "add it: without it nobody can log in";
 std::string allowedFor(const std::string& name)
 {
     const AttributeType* const type = findAttributeType(name);
-    return type != nullptr ? "allowed is " + describeValues(*type) : "";
+    return type != nullptr ? "it takes " + describeValues(*type) : "";
 }
 
 Finding findingOf(const Failure& failure, int line, const std::string& advice)

@@ -170,7 +170,7 @@ void install(const Target& target, const LiveFile& edited, const std::string& te
 {
     replaceText(target, [&](const LiveFile& current) {
         if (current.text() != edited.text())
-            throw Failure(LDAP_BUSY, "the file has been changed while it was edited", current.shownName());
+            throw Failure(LDAP_BUSY, "the file was changed while it was being edited", current.shownName());
         return text;
     });
 }

@@ -91,7 +91,7 @@ PrivateFile::PrivateFile(const std::string& fileName, const Model& model)
     }
     const Failure failure = systemFailure(
         LDAP_INSUFFICIENT_ACCESS, file.isOpen() ? "cannot keep the owner and mode of the file, so nothing is changed"
-                                                : "cannot make the file " + path);
+                                                : "cannot create the file " + path);
     if (file.isOpen())
         (void)::unlink(path.c_str());
     keepOnSignals(path);

@@ -46,7 +46,7 @@ void appendLine(std::string& out, int type, const std::string& name, const std::
     const std::unique_ptr<char, BerRelease> line(
         ldif_put_wrap(type, toUtf8(name).c_str(), written.c_str(), static_cast<ber_len_t>(written.size()), width));
     if (line == nullptr)
-        throw Failure(0, "there is no memory for a line of LDIF");
+        throw Failure(0, "out of memory for a line of LDIF");
     out += line.get();
 }
 

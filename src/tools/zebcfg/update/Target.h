@@ -18,7 +18,7 @@ struct Target {
     std::optional<Login> login;
     bool isDryRun = false;
     bool isForced = false;
-    bool isState = false;          // a change of nothing but the form is none, and JSON says whether there is one
+    bool isState = false;          // a change of the form alone does not count, and JSON says whether there is one
     bool hasColor = false;         // for diffs on standard output
     std::chrono::seconds wait{0};  // for another update
     Messages messages;
