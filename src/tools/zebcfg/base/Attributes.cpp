@@ -34,13 +34,11 @@ std::string describeLength(const AttributeType& type, const std::string& noun)
                              : noun + " of " + std::to_string(type.minimum) + " to " + most;
 }
 
-// Without regard to case. The names begin alike: their ends tell them apart.
+// Without regard to case.
 struct HashOfName {
     std::size_t operator()(std::string_view name) const
     {
-        constexpr std::size_t most = 8;
-        const auto end = name.substr(name.size() - std::min(name.size(), most));
-        return std::accumulate(end.begin(), end.end(), name.size(), [](std::size_t hash, char letter) {
+        return std::accumulate(name.begin(), name.end(), name.size(), [](std::size_t hash, char letter) {
             return hash * 31 + static_cast<unsigned char>(lowered(letter));
         });
     }

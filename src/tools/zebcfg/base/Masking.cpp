@@ -34,11 +34,11 @@ bool isNameCharacter(char character)
     return nameCharacters[static_cast<unsigned char>(character)];
 }
 
-// The letters and digits of a text in lower case, until the next call.
-const std::string& lettersOf(std::string_view text)
+// The letters and digits of a text in lower case.
+std::string lettersOf(std::string_view text)
 {
-    static std::string letters;  // keeps its memory from line to line
-    letters.clear();
+    std::string letters;
+    letters.reserve(text.size());
     for (const char character : text) {
         if (isLetterOrDigit(character))
             letters += lowered(character);
@@ -85,7 +85,7 @@ std::size_t endOfPasswordName(std::string_view text)
     if (text.size() < shortestName())
         return std::string::npos;
     const auto& names = passwordNames();
-    const std::string& letters = lettersOf(text);
+    const std::string letters = lettersOf(text);
     std::size_t count = std::string::npos;
     for (const std::string& name : names) {
         const auto found = letters.find(name);
