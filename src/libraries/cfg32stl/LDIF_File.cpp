@@ -149,15 +149,20 @@ std::vector<LDIF_Tree::Number> LDIF_File::findEntries(const LDIF_DN& base, LDIF_
     return findEntries(key, scope, filter);
 }
 
+// A base that is not there is no rare failure: it is thrown once.
 std::vector<LDIF_Tree::Number> LDIF_File::findEntries(LDIF_DnKey& base, LDIF_Scope scope, const LDIF_Filter& filter)
-try {
-    const LDIF_Tree::Number entry = tree.find(base);
-    if (entry == LDIF_Tree::none)
-        throw LDIF_Exception(LDAP_NO_SUCH_OBJECT, LDAP_NO_SUCH_OBJECT, "Base entry not found");
-    return findMatches(tree, entry, scope, filter);
-} catch (...) {
-    wrapAndThrow("System error in LDIF_File::search()", [&](LDIF_Exception& failure) {
+{
+    const char* const systemError = "System error in LDIF_File::search()";
+    const auto addFields = [&](LDIF_Exception& failure) {
         failure.entryDn = base.str();
         failure.configFile = fileName;
-    });
+    };
+    const LDIF_Tree::Number entry = wrapping(systemError, addFields, [&] { return tree.find(base); });
+    if (entry != LDIF_Tree::none)
+        return wrapping(systemError, addFields, [&] { return findMatches(tree, entry, scope, filter); });
+    const SourcePos pos = SourcePos::here();
+    LDIF_Exception failure(pos.file, pos.line,
+                           LDIF_Exception(LDAP_NO_SUCH_OBJECT, LDAP_NO_SUCH_OBJECT, "Base entry not found"));
+    addFields(failure);
+    throw failure;
 }
