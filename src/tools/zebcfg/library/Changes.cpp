@@ -8,6 +8,7 @@
 #include "formats/ConfigText.h"
 #include "library/Move.h"
 #include "library/Outline.h"
+#include "library/ReadBack.h"
 
 #include <algorithm>
 #include <iterator>
@@ -17,6 +18,7 @@
 
 namespace {
 
+constexpr std::size_t mostCalls = 256;  // that are made again for each step that fails
 constexpr const char* reservedNames[] = {"objectclass", "charset", "version", "dn", invalidLine};
 constexpr const char* loginNames[] = {"objectclass", "zeb-slapdAdminDN", "zeb-slapdAdminPW"};
 
@@ -109,16 +111,16 @@ bool isLoginAttribute(const std::string& name)
                        [&](const char* known) { return isSameName(known, name); });
 }
 
-Changes::Changes(GuardedFile& workingCopy, std::string shown, std::optional<Login> wanted, bool force)
-    : copy(workingCopy), path(copy.name()), shownName(std::move(shown)), login(std::move(wanted)), isForced(force)
+Changes::Changes(GuardedFile& workingCopy, std::string shown, const std::optional<Login>& login, bool force)
+    : copy(workingCopy), path(copy.name()), shownName(std::move(shown)), isForced(force)
 {
     const Text start = text();
-    open();
+    open(login);
     // What the library changes at its first write is no part of the changes that are compared later. The same text
     // again would load as the same entries.
     opened->flush();
     if (!holdsText(path, *start, shownName))
-        open();
+        open(login);
     addHead();
     original = holdsText(path, *start, shownName) ? start : text();
     begin(original);
@@ -133,17 +135,17 @@ void Changes::addHead()
         opened->modify("", {{LDAP_MOD_ADD, {"version", {"1"}}}});
 }
 
-void Changes::open()
+void Changes::open(const std::optional<Login>& login)
 {
     opened = std::make_unique<Session>(path, shownName, login);
 }
 
-// The copy may be written then.
+// The copy may be written then. The login is that of the start: a step may change it.
 void Changes::load(const std::string& text)
 {
     copy.allowWrites();
     overwriteFile(path, text);
-    open();
+    open(std::nullopt);
 }
 
 // The copy may be written then, and has what the tree has.
@@ -165,12 +167,19 @@ void Changes::begin(Text text)
 {
     checkpoint = std::move(text);
     calls.clear();
+    hold();
+}
+
+void Changes::hold()
+{
     copy.refuseWrites();
     opened->deferWrites(true);
 }
 
 bool Changes::write()
 {
+    if (isLost)
+        throw Failure(LDAP_OTHER, "a change that failed could not be undone, and nothing is changed");
     flush();
     const bool isChanged = !holdsText(path, *original, shownName);
     original.reset();  // A large file has to be loaded beside this one.
@@ -202,12 +211,25 @@ void Changes::goBack(std::size_t count)
 {
     std::vector<Call> kept = std::move(calls);
     kept.resize(count);
+    isLost = true;
     load(*checkpoint);
     begin(checkpoint);
     for (Call& call : kept)
         make(std::move(call));
+    isLost = false;
+    if (calls.size() >= mostCalls)
+        advance();
+}
+
+// Not to a text that is read back as another one: the next load would hide from the end what is lost.
+void Changes::advance()
+{
     flush();
-    begin(text());
+    Text now = text();
+    if (ReadBack(*now, copy, shownName).isPlainly(*opened))
+        begin(std::move(now));
+    else
+        hold();
 }
 
 void Changes::requireNameAndValues(const std::string& dn, const Attribute& attribute)
@@ -481,7 +503,7 @@ void Changes::followRdn(const Move& move, bool keepsOld)
         if (after == before)
             continue;
         const Change change{after.empty() ? LDAP_MOD_DELETE : LDAP_MOD_REPLACE, {attribute.name, after}};
-        opened->modify(move.to(), {change});
+        make([dn = move.to(), change](Session& session) { session.modify(dn, {change}); });
         if (after.size() > before.size())
             requireSingle(move.to(), change);
     }
@@ -507,19 +529,24 @@ void Changes::noteReferences(const Move& move, const std::vector<Entry>& before)
 void Changes::move(const std::string& dn, const std::string& newDn, bool keepsOldRdn)
 {
     flush();
-    begin(text());
-    const auto before = entries(*checkpoint);
+    const Text start = text();
+    hold();
+    const auto before = entries(*start);
     const Move move(spelled(dn), belowKnownParent(spelled(newDn), before), spelled);
     requireMovable(move);
+    const Text earlier = checkpoint;
+    std::vector<Call> made = std::move(calls);
     try {
-        load(move.movedText(*checkpoint));
+        load(move.movedText(*start));
         requireMoved(move, before);
+        begin(text());
         followRdn(move, keepsOldRdn);
     } catch (const Failure&) {
-        goBack(0);
+        checkpoint = earlier;
+        calls = std::move(made);
+        goBack(calls.size());
         throw;
     }
-    begin(text());
     if (!move.isSpelling())
         noteReferences(move, before);
 }

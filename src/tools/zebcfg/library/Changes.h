@@ -28,7 +28,7 @@ class Changes {
 public:
     // shown: what messages call the copy. force allows what is only refused for what it may break: a
     // second value of an attribute that takes one (19), and the end of the login (65).
-    Changes(GuardedFile& workingCopy, std::string shown, std::optional<Login> wanted, bool force);
+    Changes(GuardedFile& workingCopy, std::string shown, const std::optional<Login>& login, bool force);
 
     // A new DN takes no attribute for the library's own use, and none for passwords unless that is forced: 64.
     // 68 for an entry that exists, 32 without a parent, 20 for a value that is given twice.
@@ -56,15 +56,17 @@ private:
     // A call of the library that changes the tree. One that fails has changed nothing.
     using Call = std::function<void(Session& session)>;
 
-    void open();
+    void open(const std::optional<Login>& login);
     void addHead();
     void load(const std::string& text);
     void flush();
     Text text() const;
     void begin(Text text);
+    void hold();
     void step(const std::function<void()>& body);
     void make(Call call);
     void goBack(std::size_t count);
+    void advance();
     void requireNameAndValues(const std::string& dn, const Attribute& attribute);
     void requireParent(const std::string& dn, const std::string& advice) const;
     void requireNaming(const std::string& dn) const;
@@ -87,15 +89,15 @@ private:
     GuardedFile& copy;
     const std::string path;
     const std::string shownName;
-    const std::optional<Login> login;
     const bool isForced;
     std::unique_ptr<Session> opened;
     const DnSpeller spelled;
     std::set<std::string> usedNames;
     std::vector<std::string> noted;
     Text original;            // before the first step
-    Text checkpoint;          // as it was written last
+    Text checkpoint;          // loads as the tree that the calls begin with
     std::vector<Call> calls;  // made since then
+    bool isLost = false;      // a step that failed could not be undone
 };
 
 #endif
