@@ -18,7 +18,7 @@
 
 namespace {
 
-constexpr std::size_t mostCalls = 256;  // that are made again for each step that fails
+constexpr std::size_t mostCalls = 8;  // that are made again for each step that fails
 constexpr const char* reservedNames[] = {"objectclass", "charset", "version", "dn", invalidLine};
 constexpr const char* loginNames[] = {"objectclass", "zeb-slapdAdminDN", "zeb-slapdAdminPW"};
 
