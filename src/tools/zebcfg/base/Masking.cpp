@@ -262,8 +262,15 @@ std::string shownDn(const std::string& dn)
     }
 }
 
+// At the end, or before the next part of a DN.
 bool holdsMask(const std::string& value)
 {
     constexpr std::size_t length = sizeof passwordMask - 1;
-    return value.size() >= length && value.compare(value.size() - length, length, passwordMask) == 0;
+    for (auto place = value.find(passwordMask); place != std::string::npos;
+         place = value.find(passwordMask, place + 1)) {
+        const std::size_t end = place + length;
+        if (end == value.size() || value[end] == ',' || value[end] == '+')
+            return true;
+    }
+    return false;
 }

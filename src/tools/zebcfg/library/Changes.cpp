@@ -107,8 +107,8 @@ bool isLoginAttribute(const std::string& name)
                        [&](const char* known) { return isSameName(known, name); });
 }
 
-Changes::Changes(GuardedFile& file, std::string shown, std::optional<Login> wanted, bool force)
-    : copy(file, std::move(shown), std::move(wanted)), isForced(force)
+Changes::Changes(GuardedFile& file, std::string shown, const std::optional<Login>& login, bool force)
+    : copy(file, std::move(shown), login), isForced(force)
 {}
 
 void Changes::requireNameAndValues(const std::string& dn, const Attribute& attribute)
@@ -177,7 +177,7 @@ void Changes::add(const std::string& dn, const std::vector<Change>& attributes, 
 
 // Whether one search shows that the entry has each value once and no single value twice, as nearly every one does.
 bool Changes::hasPlainly(const std::string& dn, const std::vector<Change>& attributes) const
-{
+try {
     if (attributes.empty())
         return true;
     const auto found = session().search(dn, LDAP_SCOPE_BASE, attributes.front().attribute.name + "=*");
@@ -191,6 +191,8 @@ bool Changes::hasPlainly(const std::string& dn, const std::vector<Change>& attri
         });
         return isPlain && present != names.end() && present->values.size() == wanted.values.size();
     });
+} catch (const Failure&) {
+    return false;  // A password cannot be decoded: the search for it names the line.
 }
 
 // The failure names the attribute that the library refuses.
@@ -401,7 +403,7 @@ void Changes::noteReferences(const Move& move, const std::vector<Entry>& before)
 
 void Changes::move(const std::string& dn, const std::string& newDn, bool keepsOldRdn)
 {
-    const std::string& text = copy.text();
+    const std::string text = copy.text();
     const auto names = namesIn(text);
     const auto entries = [&] { return session().entriesWith(names, outlineOf(session()).size()); };
     const auto before = entries();

@@ -23,7 +23,7 @@ public:
     // The file, a copy of the configuration, has to outlive this object. shown: what messages call it. force allows
     // what is only refused for what it may break: a second value of an attribute that takes one (19), a mask as a value
     // (19), the end of the login (65), and a new DN with a password (64).
-    Changes(GuardedFile& file, std::string shown, std::optional<Login> wanted, bool force);
+    Changes(GuardedFile& file, std::string shown, const std::optional<Login>& login, bool force);
 
     // A new DN takes no attribute for the library's own use, and none for passwords unless that is forced: 64.
     // 68 for an entry that exists, 32 without a parent, 20 for a value that is given twice.

@@ -2,21 +2,28 @@
 
 #include "base/Failure.h"
 #include "files/Descriptor.h"
+#include "library/ReadBack.h"
 
 #include <utility>
 
 #include <langinfo.h>
 
-WorkingCopy::WorkingCopy(GuardedFile& copied, std::string shown, std::optional<Login> wanted)
-    : file(copied), path(file.name()), shownName(std::move(shown)), login(std::move(wanted))
+namespace {
+
+constexpr std::size_t mostCalls = 8;  // that are made again for each step that fails
+
+}  // namespace
+
+WorkingCopy::WorkingCopy(GuardedFile& copied, std::string shown, const std::optional<Login>& login)
+    : file(copied), path(file.name()), shownName(std::move(shown))
 {
     const Text start = readText();
-    open();
+    open(login);
     // What the library changes at its first write is no part of the changes that are compared later. The same text
     // again would load as the same entries.
     opened->flush();
     if (!holdsText(path, *start, shownName))
-        open();
+        open(login);
     addHead();
     original = holdsText(path, *start, shownName) ? start : readText();
     begin(original);
@@ -31,7 +38,7 @@ void WorkingCopy::addHead()
         opened->modify("", {{LDAP_MOD_ADD, {"version", {"1"}}}});
 }
 
-void WorkingCopy::open()
+void WorkingCopy::open(const std::optional<Login>& login)
 {
     opened = std::make_unique<Session>(path, shownName, login);
 }
@@ -41,7 +48,7 @@ void WorkingCopy::load(const std::string& text)
 {
     file.allowWrites();
     overwriteFile(path, text);
-    open();
+    open(std::nullopt);
 }
 
 // The file may be written then, and has what the tree has.
@@ -63,6 +70,11 @@ void WorkingCopy::begin(Text text)
 {
     checkpoint = std::move(text);
     calls.clear();
+    hold();
+}
+
+void WorkingCopy::hold()
+{
     file.refuseWrites();
     opened->deferWrites(true);
 }
@@ -91,35 +103,55 @@ void WorkingCopy::goBack(std::size_t count)
 {
     std::vector<Call> kept = std::move(calls);
     kept.resize(count);
+    isLost = true;
     load(*checkpoint);
     begin(checkpoint);
     for (Call& call : kept)
         make(std::move(call));
-    flush();
-    begin(readText());
+    isLost = false;
+    if (calls.size() >= mostCalls)
+        advance();
 }
 
-const std::string& WorkingCopy::text()
+// Not to a text that is read back as another one: the next load would hide from the end what is lost.
+void WorkingCopy::advance()
 {
     flush();
-    begin(readText());
-    return *checkpoint;
+    Text now = readText();
+    if (ReadBack(*now, file, shownName).isPlainlySame(*opened))
+        begin(std::move(now));
+    else
+        hold();
+}
+
+std::string WorkingCopy::text()
+{
+    flush();
+    std::string now = readFile(path, shownName);
+    hold();
+    return now;
 }
 
 void WorkingCopy::replaceText(const std::string& text, const std::function<void()>& body)
 {
+    const Text earlier = checkpoint;
+    std::vector<Call> made = std::move(calls);
     try {
         load(text);
+        begin(readText());
         body();
     } catch (const Failure&) {
-        goBack(0);
+        checkpoint = earlier;
+        calls = std::move(made);
+        goBack(calls.size());
         throw;
     }
-    begin(readText());
 }
 
 bool WorkingCopy::write()
 {
+    if (isLost)
+        throw Failure(LDAP_OTHER, "a change that failed could not be undone, and nothing is changed");
     flush();
     const bool isChanged = !holdsText(path, *original, shownName);
     original.reset();  // A large file has to be loaded beside this one.

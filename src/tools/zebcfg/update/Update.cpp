@@ -5,13 +5,12 @@
 #include "base/Masking.h"
 #include "check/Place.h"
 #include "files/Descriptor.h"
-#include "files/MemoryFile.h"
 #include "files/Replacement.h"
 #include "formats/ConfigText.h"
 #include "formats/Diff.h"
 #include "formats/Json.h"
-#include "library/Comparison.h"
 #include "library/Outline.h"
+#include "library/ReadBack.h"
 #include "terminal/Progress.h"
 #include "update/Workplace.h"
 
@@ -47,40 +46,6 @@ Failure differenceOf(const std::vector<Entry>& wanted, const std::vector<Entry>&
         (failure.attribute.empty() ? "the entry " : "a value of ") + shownDn(failure.entry) + ' ' + failure.text;
     return failure;
 }
-
-// The entries in a text that the library has written.
-std::size_t entriesIn(const std::string& text)
-{
-    constexpr char begin[] = "\ndn: ";
-    std::size_t count = text.rfind(begin + 1, 0) == 0 ? 1 : 0;
-    for (auto place = text.find(begin); place != std::string::npos; place = text.find(begin, place + 1))
-        ++count;
-    return count;
-}
-
-// A text that the library has written to a copy, loaded again as every program will load it.
-class ReadBack {
-public:
-    ReadBack(const std::string& text, const GuardedFile& written, const std::string& shownName)
-        : copy(text), opened(copy.name(), shownName), count(entriesIn(text)),
-          isStable(holdsText(written.name(), text, shownName) && holdsText(copy.name(), text, shownName))
-    {}
-
-    const Session& session() const noexcept { return opened; }
-    // Whether all entries are those of the other session, as a comparison of those with an objectclass shows it.
-    bool isPlainlySame(const Session& other) const { return isStable && countSameEntries(other, opened) == count; }
-    // The same without that comparison: wanted and found have all entries.
-    bool isSame(const Session& other, const std::vector<Entry>& wanted, const std::vector<Entry>& found) const
-    {
-        return isStable && wanted == found && other.outline() == opened.outline();
-    }
-
-private:
-    const MemoryFile copy;
-    const Session opened;
-    const std::size_t count;  // of the entries in the text
-    const bool isStable;      // neither the way to the disk nor the load has changed the text
-};
 
 // Compares all entries with those that the changes have made. Those without an objectclass are looked for by their
 // other attributes.
