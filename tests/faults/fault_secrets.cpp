@@ -2,6 +2,7 @@
 #include "faults.h"
 #include "session.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
@@ -28,6 +29,7 @@ constexpr char configuration[] = "cn=Configuration";
 constexpr char fileStart[] =
     "version: 1\n\ndn: cn=Configuration\nobjectclass: zeb-slapdTop\nzeb-slapdAdminDN: cn=admin, o=Example\n"
     "zeb-slapdAdminPW: ";
+const std::string fileEnd = "\n\n# " + std::string(sizeof fileStart, 'x') + '\n';  // as long as what comes before
 constexpr char password[] = "zeb-slapdAdminPW";
 
 int bindAs(Session& session, const char* text)
@@ -40,26 +42,29 @@ int loadText(Session& session, const char* value, const char* login, const char*
 {
     const int file = ::open(session.file, O_WRONLY | O_TRUNC);
     bool isWritten = true;
-    for (const char* part : {before, fileStart, value, "\n\n"})
+    for (const char* part : {before, fileStart, value, fileEnd.c_str()})
         isWritten = isWritten && ::write(file, part, std::strlen(part)) == static_cast<ssize_t>(std::strlen(part));
     (void)::close(file);
     return isWritten ? bindAs(session, login) : -1;
 }
 
-// A load that ends before it comes to the password. The buffer is made for half of the file.
-int loadInVain(Session& session, const Passwords& texts)
+// A load under a plan of faults.
+int loadUnder(const FaultPlan& plan, Session& session, const Passwords& texts, const char* before = "")
 {
-    armFaults({faultStat, 1, true, Fault::half, 0});
-    const int code = loadText(session, texts.secret, texts.secret, "dn: cn\n\n");
+    armFaults(plan);
+    const int code = loadText(session, texts.secret, texts.secret, before);
     (void)disarmFaults();
     return code;
 }
 
-// The same, with a buffer of memory from the system.
-int loadMuchInVain(Session& session, const Passwords& texts)
+constexpr FaultPlan growingFile = {faultStat, 1, true, Fault::half, 0};
+constexpr FaultPlan noEnd = {faultRead, 2, true, Fault::error, EIO};
+
+// The buffer is memory from the system.
+int loadMuchWithoutEnd(Session& session, const Passwords& texts)
 {
-    static const std::string before = "dn: cn\n# " + std::string(std::size_t{300} << 10, 'x') + "\n\n";
-    return loadText(session, texts.secret, texts.secret, before.c_str());
+    static const std::string before = "# " + std::string(std::size_t{300} << 10, 'x') + "\n\n";
+    return loadUnder(noEnd, session, texts, before.c_str());
 }
 
 int modify(const Session& session, int operation, const char* text)
@@ -85,8 +90,12 @@ struct Step {
 
 const Step steps[] = {
     {"load", 0, [](Session& s, const Passwords& texts) { return loadText(s, texts.secret, texts.secret); }},
-    {"load in vain", LDAP_INVALID_DN_SYNTAX, loadInVain},
-    {"load much in vain", LDAP_INVALID_DN_SYNTAX, loadMuchInVain},
+    {"load growing", 0, [](Session& s, const Passwords& texts) { return loadUnder(growingFile, s, texts); }},
+    {"load without end", CFG_CONNECT_ERROR,
+     [](Session& s, const Passwords& texts) { return loadUnder(noEnd, s, texts); }},
+    {"load much without end", CFG_CONNECT_ERROR, loadMuchWithoutEnd},
+    {"load in vain", LDAP_INVALID_DN_SYNTAX,
+     [](Session& s, const Passwords& texts) { return loadText(s, texts.secret, texts.secret, "dn: cn\n\n"); }},
     {"load folded", 0, [](Session& s, const Passwords& texts) { return loadText(s, texts.folded, texts.secret); }},
     {"load foreign", 49, [](Session& s, const Passwords& texts) { return loadText(s, texts.foreign, texts.secret); }},
     {"bind foreign", 0, [](Session& s, const Passwords& texts) { return bindAs(s, texts.foreign); }},

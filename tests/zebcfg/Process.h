@@ -12,6 +12,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <pty.h>
+#include <sys/ptrace.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -71,6 +72,24 @@ inline int finish(pid_t child)
 inline int run(const std::string& file, const std::vector<std::string>& words)
 {
     return finish(start(file, words));
+}
+
+// Follows a process that has asked to be traced, to its end. at is called with what is known of each call into the
+// kernel, before and after it. Gives the status as finish does.
+inline int trace(pid_t child, const std::function<void(const __ptrace_syscall_info&)>& at)
+{
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    ::ptrace(PTRACE_SETOPTIONS, child, nullptr, PTRACE_O_TRACESYSGOOD | PTRACE_O_EXITKILL);
+    while (WIFSTOPPED(status)) {
+        __ptrace_syscall_info info = {};
+        ::ptrace(PTRACE_GET_SYSCALL_INFO, child, sizeof info, &info);
+        at(info);
+        const int signal = WSTOPSIG(status);
+        ::ptrace(PTRACE_SYSCALL, child, nullptr, signal < SIGTRAP ? signal : 0);
+        ::waitpid(child, &status, 0);
+    }
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
 // The tool on a terminal of its own.

@@ -8,7 +8,6 @@
 #include <thread>
 
 #include <sys/inotify.h>
-#include <sys/ptrace.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
@@ -121,22 +120,24 @@ bool mayChange(std::uint64_t call)
     return calls.count(call) != 0;
 }
 
+// Starts a change of the port that is traced. prepare runs in the new process.
+pid_t startTraced(
+    const std::string& file, const std::function<void()>& prepare = [] {})
+{
+    return start(file, setPort(2), [&] {
+        prepare();
+        ::setenv("ASAN_OPTIONS", "detect_leaks=0", 1);  // It does not work under a tracer.
+        ::ptrace(PTRACE_TRACEME);
+    });
+}
+
 // Kills a traced process in front of the Nth such call. Gives its status, which is 0 when it has fewer.
 int killAt(pid_t child, int number)
 {
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    ::ptrace(PTRACE_SETOPTIONS, child, nullptr, PTRACE_O_TRACESYSGOOD | PTRACE_O_EXITKILL);
-    while (WIFSTOPPED(status)) {
-        __ptrace_syscall_info info = {};
-        ::ptrace(PTRACE_GET_SYSCALL_INFO, child, sizeof info, &info);
+    return trace(child, [&](const __ptrace_syscall_info& info) {
         if (info.op == PTRACE_SYSCALL_INFO_ENTRY && mayChange(info.entry.nr) && --number == 0)
             ::kill(child, SIGKILL);
-        const int signal = WSTOPSIG(status);
-        ::ptrace(PTRACE_SYSCALL, child, nullptr, signal < SIGTRAP ? signal : 0);
-        ::waitpid(child, &status, 0);
-    }
-    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    });
 }
 
 // The file and its backup after one change, and a further change that meets refusals and kills. All of it as root, or
@@ -170,12 +171,7 @@ protected:
 
     int killed(int call) const
     {
-        const pid_t child = start(directory.file, setPort(2), [&] {
-            become();
-            ::setenv("ASAN_OPTIONS", "detect_leaks=0", 1);  // It does not work under a tracer.
-            ::ptrace(PTRACE_TRACEME);
-        });
-        return killAt(child, call);
+        return killAt(startTraced(directory.file, [&] { become(); }), call);
     }
 
     // Puts everything back as it was before the change.
@@ -319,6 +315,38 @@ TEST(Safety, TheMemoryIsHiddenFromTheSameUser)
                            })),
               0);
     EXPECT_EQ(readText(directory / "owner"), "0\n");
+}
+
+TEST(Safety, AChangeBySomebodyElseIsNotOverwritten)
+{
+    const ConfigDirectory directory;
+    const std::string other = readText(directory.file) + "# by somebody else\n";
+    const int status = trace(startTraced(directory.file), [&](const __ptrace_syscall_info& info) {
+        if (info.op == PTRACE_SYSCALL_INFO_ENTRY && info.entry.nr == SYS_fsync)
+            writeText(directory.file, other);
+    });
+    EXPECT_EQ(status, 51);
+    EXPECT_EQ(readText(directory.file), other);
+}
+
+TEST(Safety, NoFileIsOpenToOthersForAMoment)
+{
+    const ConfigDirectory directory;
+    ASSERT_EQ(run(directory.file, setPort(1)), 0);
+    ::chmod(directory.file.c_str(), 0600);
+    ::chmod(directory.backup.c_str(), 0600);
+    std::set<std::string> open;
+    const auto look = [&](const __ptrace_syscall_info&) {
+        for (const std::string& name : directory.names()) {
+            struct stat status = {};
+            if (::stat((directory / name).c_str(), &status) == 0 && (status.st_mode & 077) != 0)
+                open.insert(name);
+        }
+    };
+    EXPECT_EQ(trace(startTraced(directory.file), look), 0);
+    open.erase("zebslapd.conf.lock");
+    open.erase(".zebslapd.conf.lock.zebcfg-new");
+    EXPECT_TRUE(open.empty()) << *open.begin();
 }
 
 TEST(Safety, ExtendedAttributesAreKept)
