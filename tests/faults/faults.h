@@ -21,7 +21,8 @@ enum FaultCalls : unsigned {
 
 enum class Fault {
     error,  // the call does nothing (close closes) and fails with the plan's error; memory fails with ENOMEM
-    half,   // a read or write takes half of its bytes, at least one; fstat tells an eighth of the size; other calls go well
+    half,   // a read or write takes half of its bytes, at least one; fstat tells an eighth of the size; other calls go
+            // well
     kill    // behind the same, the process ends by SIGKILL
 };
 
