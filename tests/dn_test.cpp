@@ -10,11 +10,6 @@
 
 static const ScopedLocale utf8;
 
-const char* registryRoot() noexcept
-{
-    return "";
-}
-
 static LDIF_DN dn(const std::string& text)
 {
     return LDIF_DN(cisString(text));

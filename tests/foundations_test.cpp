@@ -16,11 +16,6 @@
 static const ScopedLocale utf8;
 static const TempDirectory directory;
 
-const char* registryRoot() noexcept
-{
-    return directory.path.c_str();
-}
-
 TEST(Failure, DumpsEachFieldInItsPlace)
 {
     const std::string msg = "]\nmsg     bad", ext = "\nextErr 1014: Attribute value in DN is not valid.";
@@ -141,6 +136,7 @@ TEST(HashIndex, FindsWhatWasAddedAndNotRemoved)
 
 TEST(Platform, HasARegistryOfFiles)
 {
+    registry = directory.path;
     std::filesystem::create_directories(directory / "A/B/folder");
     writeText(directory / "A/B/one", "/opt\n\n");
     HKEY key = nullptr;

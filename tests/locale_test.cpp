@@ -16,11 +16,6 @@ static const TempDirectory directory;
 static const std::string name = directory / "f";
 static const int path = setenv("LOCPATH", LOCALES, 1);
 
-const char* registryRoot() noexcept
-{
-    return "/dev/null";  // No test here reads the registry.
-}
-
 // Text in another encoding, or nothing where that lacks a character.
 static std::string converted(std::string text, const char* to, const char* from)
 {

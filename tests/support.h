@@ -1,17 +1,24 @@
-// What the tests share: the locale, a directory of their own, files, and the failures that a call throws.
+// What the tests share: the locale, the registry, a directory of their own, files, and the failures that a call throws.
 #ifndef SUPPORT_H
 #define SUPPORT_H
 
+#include <cerrno>
 #include <clocale>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <memory>
 #include <random>
 #include <sstream>
 #include <string>
+#include <system_error>
 #include <tuple>
+#include <utime.h>
 
 class LDIF_Exception;
+
+// The directory of the registry of a test that links the classes; what it names at first has no keys.
+extern std::string registry;
 
 // Sets the locale of the process, and the former one again at the end.
 struct ScopedLocale {
@@ -41,6 +48,20 @@ inline std::string readText(const std::string& name)
     std::ostringstream text;
     text << std::ifstream(name, std::ios::binary).rdbuf();
     return text.str();
+}
+
+// The time tells the writers of a file apart. In seconds.
+inline void setTime(const std::string& name, time_t seconds)
+{
+    const utimbuf times = {seconds, seconds};
+    if (::utime(name.c_str(), &times) != 0)
+        throw std::system_error(errno, std::generic_category(), name);
+}
+
+inline long openDescriptors()
+{
+    const std::filesystem::directory_iterator all("/proc/self/fd");
+    return std::distance(begin(all), end(all));
 }
 
 // The failure that a call throws, or null; codesOf gives its codes and msg. Who uses them includes LDIF_Exception.h.

@@ -6,11 +6,6 @@
 #include <gtest/gtest.h>
 #include <random>
 
-const char* registryRoot() noexcept
-{
-    return "";
-}
-
 namespace {
 
 // DNs that often meet: equal ones in another spelling or form, ancestors before and after their descendants, large

@@ -14,11 +14,6 @@
 
 static const ScopedLocale utf8;
 
-const char* registryRoot() noexcept
-{
-    return "";
-}
-
 static LDIF_Value slapdValue(const std::string& name, const std::string& text)
 {
     return LDIF_Value(getAttrType(("zeb-slapd" + name).c_str()), text.c_str());
