@@ -69,10 +69,11 @@ struct Client {
         return cfg_bind_s(cfg, dn, password, LDAP_AUTH_SIMPLE);
     }
 
-    int search(const char* base, int scope, const char* filter, char** names = nullptr)
+    // The flag is that which no search heeds.
+    int search(const char* base, int scope, const char* filter, char** names = nullptr, int flag = 0)
     {
         cfg_msgfree(found);
-        return cfg_search_s(cfg, base, scope, filter, names, 0, &found);
+        return cfg_search_s(cfg, base, scope, filter, names, flag, &found);
     }
 
     int update(Update call, const char* dn, std::vector<Mod> mods) const
