@@ -142,6 +142,7 @@ TEST_F(Api, EveryCallTakesANullAndAnUnboundHandle)
         {"values of no name", [&](CFG* c) { return isNull(cfg_get_values(c, &entry, nullptr)); }, "null", "null", 89},
         {"no values", [&](CFG* c) { return isNull(cfg_get_values(c, &entry, "CN")); }, "null", "null", 0},
         {"no attribute", [&](CFG* c) { return isNull(cfg_get_values(c, &entry, "sn")); }, "null", "null", 16},
+        {"file name", [&](CFG* c) { return isNull(cfg_get_file_name(c)); }, "null", "something", 86},
         {"report", report, "89/89 0 [null|null|null] ", noMethod, 86},
         {"tree view", [&](CFG* c) { return shown(cfg_tree_view(c, 0)); }, "null", "null", 86},
         {"get option", [&](CFG* c) { return code(cfg_get_option(c, 0, text)); }, "89", "0", 86},
@@ -199,20 +200,6 @@ TEST_F(Api, BindLoadsTheFileAndChecksTheLogin)
     EXPECT_STREQ(cfg_tree_view(cfg, 0), "\n\xC4 cn=b (suffix)\n");
 }
 
-TEST_F(ApiUpdate, NullTextsAreSystemErrors)
-{
-    const Call find = [](auto& c, auto* base, auto& /*mods*/) {
-        return cfg_search_s(c.cfg, base, 0, base == nullptr ? "" : nullptr, nullptr, 0, &c.found);
-    };
-    expectUpdates({
-        {"modify", modify, nullptr, {}, systemError + "modify_s()", all},
-        {"add", addEntry, nullptr, {}, systemError + "add_s()", all},
-        {"delete", deleteLeaf, nullptr, {}, systemError + "delete_s()", all},
-        {"search", find, nullptr, {}, systemError + "search_s()", all},
-        {"search without a filter", find, "", {}, systemError + "search_s()", all},
-    });
-}
-
 TEST_F(ApiUpdate, ModifyGoesAsFarAsItSucceeds)
 {
     const std::string noWord = "21/1017 0 [cn=a|zeb-audit|x] 0-0 0 true value not one of attrType.enumValues";
@@ -223,6 +210,7 @@ TEST_F(ApiUpdate, ModifyGoesAsFarAsItSucceeds)
     expectUpdates({
         {"nothing", modify, "cn=no", {}, none, all},
         {"no entry", modify, "cn=no", {{add, "x", {}}}, "32/32 0 [cn=no" + noEntry, all},
+        {"null", modify, nullptr, {}, systemError + "modify_s()", all},
         {"no DN", modify, "cn", {}, "34/1013 0 [|null|cn] Missing RDN value: cn", all},
         {"replace", modify, "cn=a", {{replace, "X", {"3", "3"}}}, none, a + "# c\nx: 3\n" + p + z},
         {"add before", modify, "cn=a", {{add, "A", {"1"}}}, none, a + "A: 1\n" + x + p + z},
@@ -246,8 +234,11 @@ TEST_F(ApiUpdate, ModifyGoesAsFarAsItSucceeds)
     });
 }
 
-TEST_F(ApiUpdate, AddAndDeleteDoAllOrNothing)
+TEST_F(ApiUpdate, OtherCallsDoAllOrNothing)
 {
+    const Call find = [](auto& c, auto* base, auto& /*mods*/) {
+        return cfg_search_s(c.cfg, base, 0, base == nullptr ? "" : nullptr, nullptr, 0, &c.found);
+    };
     const std::string notEmpty = "66/66 0 [cn=a|null|] Use CFG_OPT_DELETE_NON_LEAVES to enable subtree delete";
     expectUpdates({
         {"any operation adds", addEntry, "CN=A", {{7, "y", {"2"}}, {drop, "z", {}}}, none, a + x + "y: 2\n" + p + z},
@@ -257,6 +248,10 @@ TEST_F(ApiUpdate, AddAndDeleteDoAllOrNothing)
         {"delete no leaf", deleteLeaf, "cn=a", {}, notEmpty, all},
         {"delete a tree", deleteTree, "cn=a", {}, none, head},
         {"delete the root", deleteTree, "", {}, "32/32 0 [" + noEntry, all},
+        {"add null", addEntry, nullptr, {}, systemError + "add_s()", all},
+        {"delete null", deleteLeaf, nullptr, {}, systemError + "delete_s()", all},
+        {"search null", find, nullptr, {}, systemError + "search_s()", all},
+        {"search without a filter", find, "", {}, systemError + "search_s()", all},
     });
 }
 
@@ -275,21 +270,13 @@ TEST_F(Api, ValuesWithoutTextAreEmptyOrNone)
 TEST_F(Api, UpdatesReadAFileThatHasChanged)
 {
     EXPECT_EQ(load("dn: cn=a\n"), 0);
+    EXPECT_EQ(shown(cfg_get_file_name(cfg)), name);
     writeText(name, "dn: cn=b\n");
     setTime(name, 1000);
     EXPECT_EQ(cfg_add_s(cfg, "cn=\U0001F600", nullptr), 0);
     EXPECT_EQ(readText(name), head + "\ndn: cn=b\n\ndn: cn=\U0001F600\n\n");
     std::filesystem::remove(name);
     EXPECT_EQ(search("", LDAP_SCOPE_BASE, ""), CFG_CONNECT_ERROR);
-}
-
-TEST_F(Api, FileNamesBelongToTheHandle)
-{
-    EXPECT_EQ(load(""), 0);
-    EXPECT_EQ(shown(cfg_get_file_name(cfg)), name);
-    EXPECT_EQ(cfg_get_file_name(nullptr), nullptr);
-    cfg_set_option(cfg, CFG_OPT_CONFIG_FILE, nullptr);
-    EXPECT_EQ(cfg_flush_s(cfg), CFG_PARAM_ERROR);
 }
 
 TEST_F(Api, ReportsShowTheWholeChainOrItsFirstLink)
@@ -373,4 +360,5 @@ TEST_F(Api, NamesReadBackAsTheyWereSet)
         EXPECT_EQ(cfg_get_option(cfg, option, &copy), 0);
         EXPECT_EQ(copy, nullptr) << option;
     }
+    EXPECT_EQ(cfg_flush_s(cfg), CFG_PARAM_ERROR) << "no file";
 }

@@ -9,6 +9,9 @@
 #include <utility>
 #include <vector>
 
+// A handle takes its locale from here.
+inline const int utf8 = setenv("LC_ALL", "C.UTF-8", 1);
+
 // One record of an update. Its values are binary ones where the operation has LDAP_MOD_BVALUES.
 struct Mod {
     int operation;
@@ -104,7 +107,6 @@ struct Client {
 struct OwnFile {
     const TempDirectory directory;
     const std::string name = directory / "zebslapd.conf";
-    const int utf8 = setenv("LC_ALL", "C.UTF-8", 1);
 };
 
 // A client with a file of its own, not bound at first.

@@ -115,9 +115,4 @@ TEST_P(Size, IsLoadedSearchedChangedAndReleased)
     std::thread([&] { useFile(GetParam()); }).join();
 }
 
-std::string nameOf(const testing::TestParamInfo<Case>& each)
-{
-    return each.param.name;
-}
-
-INSTANTIATE_TEST_SUITE_P(Files, Size, testing::ValuesIn(cases), nameOf);
+INSTANTIATE_TEST_SUITE_P(Files, Size, testing::ValuesIn(cases), testing::PrintToStringParamName());

@@ -6,13 +6,13 @@
 #include <clocale>
 #include <filesystem>
 #include <fstream>
+#include <iconv.h>
 #include <iterator>
 #include <memory>
 #include <random>
 #include <sstream>
 #include <string>
 #include <system_error>
-#include <tuple>
 #include <utime.h>
 
 class LDIF_Exception;
@@ -64,7 +64,19 @@ inline long openDescriptors()
     return std::distance(begin(all), end(all));
 }
 
-// The failure that a call throws, or null; codesOf gives its codes and msg. Who uses them includes LDIF_Exception.h.
+// As much of a text in another encoding as that can hold, and whether this is all.
+inline std::pair<std::string, bool> converted(std::string text, const std::string& to, const char* from)
+{
+    std::string out(4 * text.size() + 1, '\0');
+    char *input = text.data(), *output = out.data();
+    std::size_t inputLeft = text.size(), outputLeft = out.size();
+    auto* const conversion = iconv_open(to.c_str(), from);
+    const bool isWhole = iconv(conversion, &input, &inputLeft, &output, &outputLeft) == 0;
+    iconv_close(conversion);
+    return {out.substr(0, out.size() - outputLeft), isWhole};
+}
+
+// The failure that a call throws, or null. Who uses them includes LDIF_Exception.h.
 template <typename Call, typename Failure = LDIF_Exception>
 std::unique_ptr<Failure> failureOf(Call call)
 try {
@@ -72,13 +84,6 @@ try {
     return nullptr;
 } catch (const Failure& failure) {
     return std::make_unique<Failure>(failure);
-}
-
-template <typename Call>
-std::tuple<int, int, std::string> codesOf(Call call)
-{
-    const auto failure = failureOf(call);
-    return failure ? std::tuple(failure->ldapErr, failure->extErr, failure->msg) : std::tuple(0, 0, "");
 }
 
 // What a call gives, or its failure as "ldapErr/extErr msg [links of the chain]": one column for good rows and bad.

@@ -361,7 +361,6 @@ long tryCalls(Trial& trial, FaultCalls kind, long stride)
 int main(int count, char** arguments)
 {
     std::setbuf(stdout, nullptr);
-    setenv("LC_ALL", "C.UTF-8", 1);
     const long stride = count > 1 ? std::strtol(arguments[1], nullptr, 10) : 1;
     for (const FaultCalls kind : {faultMemory, faultOpen, faultRead, faultWrite, faultClose, faultRename, faultUnlink,
                                   faultStat, faultOwner, faultMode}) {

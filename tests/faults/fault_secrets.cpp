@@ -89,26 +89,23 @@ struct Step {
 };
 
 const Step steps[] = {
-    {"load", 0, [](Client& s, const Passwords& texts) { return loadText(s, texts.secret, texts.secret); }},
-    {"load growing", 0, [](Client& s, const Passwords& texts) { return loadUnder(growingFile, s, texts); }},
-    {"load without end", CFG_CONNECT_ERROR,
-     [](Client& s, const Passwords& texts) { return loadUnder(noEnd, s, texts); }},
+    {"load", 0, [](auto& s, auto& texts) { return loadText(s, texts.secret, texts.secret); }},
+    {"load growing", 0, [](auto& s, auto& texts) { return loadUnder(growingFile, s, texts); }},
+    {"load without end", CFG_CONNECT_ERROR, [](auto& s, auto& texts) { return loadUnder(noEnd, s, texts); }},
     {"load much without end", CFG_CONNECT_ERROR, loadMuchWithoutEnd},
     {"load in vain", LDAP_INVALID_DN_SYNTAX,
-     [](Client& s, const Passwords& texts) { return loadText(s, texts.secret, texts.secret, "dn: cn\n\n"); }},
-    {"load folded", 0, [](Client& s, const Passwords& texts) { return loadText(s, texts.folded, texts.secret); }},
-    {"load foreign", 49, [](Client& s, const Passwords& texts) { return loadText(s, texts.foreign, texts.secret); }},
-    {"bind foreign", 0, [](Client& s, const Passwords& texts) { return bindAs(s, texts.foreign); }},
-    {"bind wrongly", 49, [](Client& s, const Passwords& texts) { return bindAs(s, texts.secret); }},
-    {"replace", 0, [](Client& s, const Passwords& texts) { return modify(s, LDAP_MOD_REPLACE, texts.secret); }},
-    {"add", 0, [](Client& s, const Passwords& texts) { return modify(s, LDAP_MOD_ADD, texts.foreign); }},
-    {"delete", 0, [](Client& s, const Passwords& texts) { return modify(s, LDAP_MOD_DELETE, texts.secret); }},
+     [](auto& s, auto& texts) { return loadText(s, texts.secret, texts.secret, "dn: cn\n\n"); }},
+    {"load folded", 0, [](auto& s, auto& texts) { return loadText(s, texts.folded, texts.secret); }},
+    {"load foreign", 49, [](auto& s, auto& texts) { return loadText(s, texts.foreign, texts.secret); }},
+    {"bind foreign", 0, [](auto& s, auto& texts) { return bindAs(s, texts.foreign); }},
+    {"bind wrongly", 49, [](auto& s, auto& texts) { return bindAs(s, texts.secret); }},
+    {"replace", 0, [](auto& s, auto& texts) { return modify(s, LDAP_MOD_REPLACE, texts.secret); }},
+    {"add", 0, [](auto& s, auto& texts) { return modify(s, LDAP_MOD_ADD, texts.foreign); }},
+    {"delete", 0, [](auto& s, auto& texts) { return modify(s, LDAP_MOD_DELETE, texts.secret); }},
     {"new entry", 0,
-     [](Client& s, const Passwords& texts) {
-         return s.change(cfg_add_s, "cn=new", LDAP_MOD_ADD, password, texts.secret);
-     }},
-    {"search", 0, [](Client& s, const Passwords& texts) { return searchFor(s, texts.filter); }},
-    {"write", 0, [](Client& s, const Passwords&) { return cfg_flush_s(s.cfg); }},
+     [](auto& s, auto& texts) { return s.change(cfg_add_s, "cn=new", LDAP_MOD_ADD, password, texts.secret); }},
+    {"search", 0, [](auto& s, auto& texts) { return searchFor(s, texts.filter); }},
+    {"write", 0, [](auto& s, auto&) { return cfg_flush_s(s.cfg); }},
 };
 
 // Gives how many steps went wrong.
@@ -135,7 +132,6 @@ int runSteps(const Passwords& texts)
 
 int main()
 {
-    const ScopedLocale utf8;
     int violations = 0;
     for (const Passwords& texts : all)
         violations += runSteps(texts);

@@ -12,7 +12,6 @@ using Parts = std::vector<std::string>;
 const TempDirectory directory;
 const std::string name = directory / "f";
 const std::string backupName = directory / "b";
-const int utf8 = setenv("LC_ALL", "C.UTF-8", 1);
 
 // One record of an update: an operation, "+", "-", "=" or one that there is not, a name, and perhaps "=" and a value.
 Mod modOf(const std::string& text)
