@@ -66,8 +66,6 @@ std::string contentOf(CFG* cfg, CFGMessage* given)
 const std::string head = "charset: ISO-8859-1\nversion: 1\n";
 const std::string none = "0/0 0 [null|null|null] ";
 
-class Api : public testing::Test, protected FileClient {};
-
 using Call = int (*)(FileClient&, const char* dn, const std::vector<Mod>& mods);
 
 // An update of a file, its failure or none, and what the tree holds behind it.
@@ -80,7 +78,7 @@ struct UpdateRow {
     std::string left;
 };
 
-class ApiUpdate : public Api {
+class Api : public testing::Test, protected FileClient {
 protected:
     void expectUpdates(const std::vector<UpdateRow>& rows)
     {
@@ -200,7 +198,7 @@ TEST_F(Api, BindLoadsTheFileAndChecksTheLogin)
     EXPECT_STREQ(cfg_tree_view(cfg, 0), "\n\xC4 cn=b (suffix)\n");
 }
 
-TEST_F(ApiUpdate, ModifyGoesAsFarAsItSucceeds)
+TEST_F(Api, ModifyGoesAsFarAsItSucceeds)
 {
     const std::string noWord = "21/1017 0 [cn=a|zeb-audit|x] 0-0 0 true value not one of attrType.enumValues";
     const std::string noBits =
@@ -234,7 +232,7 @@ TEST_F(ApiUpdate, ModifyGoesAsFarAsItSucceeds)
     });
 }
 
-TEST_F(ApiUpdate, OtherCallsDoAllOrNothing)
+TEST_F(Api, OtherCallsDoAllOrNothing)
 {
     const Call find = [](auto& c, auto* base, auto& /*mods*/) {
         return cfg_search_s(c.cfg, base, 0, base == nullptr ? "" : nullptr, nullptr, 0, &c.found);

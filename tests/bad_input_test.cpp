@@ -3,6 +3,7 @@
 #include "client.h"
 
 #include <gtest/gtest.h>
+#include <regex>
 #include <set>
 #include <sstream>
 
@@ -32,12 +33,10 @@ protected:
     std::string left;
 };
 
-std::size_t occurrences(const std::string& text, const std::string& part)
+auto occurrences(const std::string& text, const std::string& part)
 {
-    std::size_t found = 0;
-    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1))
-        ++found;
-    return found;
+    const std::regex wanted(part);
+    return std::distance(std::sregex_iterator(text.begin(), text.end(), wanted), {});
 }
 
 }  // namespace
@@ -51,8 +50,7 @@ TEST_F(BadInput, IsAnsweredAsTheTableSays)
     for (std::string row; std::getline(table, row);) {
         if (row.empty() || row[0] == '#')
             continue;
-        int code = -1, extended = -1, line = -1, count = -1;
-        std::size_t bad = 0;
+        int code = -1, extended = -1, line = -1, count = -1, bad = -1;
         std::string input;
         std::istringstream(row) >> code >> extended >> line >> count >> bad >> input;
         EXPECT_EQ(unused.erase(input), 1U) << row;

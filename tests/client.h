@@ -41,7 +41,12 @@ struct Client {
 
     explicit Client(const char* name = nullptr, const char* backupName = nullptr) : file(name), backup(backupName) {}
     Client(const Client&) = delete;
-    ~Client() { close(); }
+    ~Client()
+    {
+        cfg_ber_free(walk);
+        cfg_msgfree(found);
+        cfg_unbind(cfg);
+    }
 
     // Makes a handle that is not bound.
     int make()
@@ -55,16 +60,6 @@ struct Client {
     {
         const int code = make();
         return code != 0 ? code : bind();
-    }
-
-    void close()
-    {
-        cfg_ber_free(walk);
-        cfg_msgfree(found);
-        cfg_unbind(cfg);
-        cfg = nullptr;
-        found = nullptr;
-        walk = nullptr;
     }
 
     int bind(const char* dn = nullptr, const char* password = nullptr) const
@@ -104,9 +99,8 @@ struct Client {
     BerElement* walk = nullptr;
 };
 
-struct OwnFile {
-    const TempDirectory directory;
-    const std::string name = directory / "zebslapd.conf";
+struct OwnFile : TempDirectory {
+    const std::string name = *this / "zebslapd.conf";
 };
 
 // A client with a file of its own, not bound at first.
