@@ -5,6 +5,7 @@
 #include "support.h"
 #include "zebldapcfg.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <utility>
 #include <vector>
@@ -76,10 +77,8 @@ struct Client {
 
     int update(Update call, const char* dn, std::vector<Mod> mods) const
     {
-        std::vector<LDAPMod*> records;
-        for (Mod& each : mods)
-            records.push_back(each.made());
-        records.push_back(nullptr);
+        std::vector<LDAPMod*> records(mods.size() + 1);
+        std::transform(mods.begin(), mods.end(), records.begin(), [](Mod& each) { return each.made(); });
         return call(cfg, dn, records.data());
     }
 
