@@ -1,27 +1,22 @@
 // The install location and the default file, from a registry of this test's own.
-#include "support.h"
-#include "zebldapcfg.h"
+#include "client.h"
 
 #include <gtest/gtest.h>
 
-static const TempDirectory directory;
-static const std::string root = directory / "registry";
-
-const char* registryRoot() noexcept
-{
-    return root.c_str();
-}
-
 TEST(Location, DefaultFileComesFromTheRegistry)
 {
+    const TempDirectory directory;
+    registry = directory / "registry";
     const auto shown = [](const char* text) -> std::string { return text != nullptr ? text : "null"; };
     const std::string noName =
         "Unable to get default config filename. Either out of memory or ldaphome not in registry\n";
-    CFG* const cfg = cfg_init();
+    Client client;
+    CFG* const& cfg = client.cfg;
+    EXPECT_EQ(client.make(), 0);
     EXPECT_EQ(cfg_get_file_name(cfg), nullptr);
     EXPECT_EQ(cfg_bind_s(cfg, nullptr, nullptr, 1), 80);
     EXPECT_NE(shown(cfg_dump_exception(cfg)).find("msg     " + noName), std::string::npos);
-    const std::string key = root + "/SOFTWARE/ZEB/LDAP/Client";
+    const std::string key = registry + "/SOFTWARE/ZEB/LDAP/Client";
     const std::string file = "/etc/zebslapd.conf";
     const std::string most(255 - file.size(), 'x');
     const std::string home = directory / "home";
@@ -33,14 +28,13 @@ TEST(Location, DefaultFileComesFromTheRegistry)
     std::filesystem::create_directories(key);
     for (const auto& [content, installPath, defaultFile] : cases) {
         writeText(key + "/LDAPHome", content);
-        EXPECT_EQ(shown(getInstallPath()), installPath);
-        EXPECT_EQ(shown(getDefaultConfigFilename()), defaultFile);
+        EXPECT_EQ(shown(getInstallPath()), installPath) << content;
+        EXPECT_EQ(shown(getDefaultConfigFilename()), defaultFile) << content;
     }
     EXPECT_EQ(cfg_bind_s(cfg, nullptr, nullptr, 1), CFG_AUTH_UNKNOWN);
     writeText(key + "/LDAPHome", "/none");  // the handle keeps the name that it has fetched
     std::filesystem::create_directories(home + "/etc");
     writeText(home + file, "dn: cn=a\n");
-    EXPECT_EQ(cfg_bind_s(cfg, nullptr, nullptr, LDAP_AUTH_SIMPLE), 0);
+    EXPECT_EQ(client.bind(), 0);
     EXPECT_EQ(cfg_get_file_name(cfg), home + file);
-    EXPECT_EQ(cfg_unbind(cfg), 0);
 }

@@ -9,11 +9,6 @@
 #include <set>
 #include <sstream>
 
-const char* registryRoot() noexcept
-{
-    return "";
-}
-
 // What the page says that a value of this type is.
 static std::string valueOf(const _AttrType& type)
 {

@@ -1,7 +1,6 @@
 // Deep and large files through the C interface, on a stack of 8 MB. A step that grows with the square of the size runs
 // into the time limit of the test.
-#include "support.h"
-#include "zebldapcfg.h"
+#include "client.h"
 
 #include <cstdint>
 #include <gtest/gtest.h>
@@ -62,52 +61,47 @@ void PrintTo(const Case& each, std::ostream* stream)
 
 class Size : public testing::TestWithParam<Case> {};
 
-// Finds so many entries.
-void search(CFG* cfg, const std::string& base, int scope, int entries)
+// The DN of the last entry.
+std::string lastDn(const std::string& text)
 {
-    CFGMessage* found = nullptr;
-    EXPECT_EQ(cfg_search_s(cfg, base.c_str(), scope, "cn=x", nullptr, 0, &found), 0);
-    EXPECT_EQ(cfg_count_entries(cfg, found), entries);
-    cfg_msgfree(found);
+    const auto start = text.rfind("dn: ") + 4;
+    return text.substr(start, text.find('\n', start) - start);
+}
+
+// Adds a port to an entry, and removes as many values as that from it.
+int change(const Client& client, const std::string& dn, std::size_t goneValues)
+{
+    std::vector<Mod> mods = {{LDAP_MOD_ADD, "zeb-slapdPort", {"1"}}, {LDAP_MOD_DELETE, "description", {}}};
+    for (std::size_t number = 0; number < goneValues; ++number)
+        mods[1].values.push_back(std::to_string(number));
+    mods.resize(goneValues == 0 ? 1 : 2);
+    return client.update(cfg_modify_s, dn.c_str(), mods);
+}
+
+void expectFound(Client& client, const std::string& base, int scope, int entries)
+{
+    EXPECT_EQ(client.search(base.c_str(), scope, "cn=x"), 0);
+    EXPECT_EQ(cfg_count_entries(client.cfg, client.found), entries);
 }
 
 void useFile(const Case& tried)
 {
-    const TempDirectory directory;
-    const std::string name = directory / "file";
+    FileClient client;
     const std::string text = "version: 1\n" + tried.content();
-    writeText(name, text);
-    const auto start = text.rfind("dn: ") + 4;
-    const std::string dn = text.substr(start, text.find('\n', start) - start);
-    CFG* const cfg = cfg_init();
-    EXPECT_EQ(cfg_set_option(cfg, CFG_OPT_CONFIG_FILE, name.c_str()), 0);
-    EXPECT_EQ(cfg_bind_s(cfg, nullptr, nullptr, LDAP_AUTH_SIMPLE), 0);
-    search(cfg, dn, LDAP_SCOPE_BASE, 1);
-    search(cfg, "", LDAP_SCOPE_SUBTREE, tried.entries);
-    char type[] = "zeb-slapdPort";
-    char value[] = "1";
-    char* values[] = {value, nullptr};
-    LDAPMod record = {LDAP_MOD_ADD, type, {values}};
-    char gone[] = "description";
-    std::vector<std::string> numbers(tried.goneValues);
-    std::vector<char*> goneValues(tried.goneValues + 1);
-    for (std::size_t number = 0; number < numbers.size(); ++number) {
-        numbers[number] = std::to_string(number);
-        goneValues[number] = numbers[number].data();
-    }
-    LDAPMod removal = {LDAP_MOD_DELETE, gone, {goneValues.data()}};
-    LDAPMod* records[] = {&record, numbers.empty() ? nullptr : &removal, nullptr};
-    EXPECT_EQ(cfg_modify_s(cfg, dn.c_str(), records), 0);
-    const std::string written = readText(name);
+    const std::string dn = lastDn(text);
+    EXPECT_EQ(client.load(text), 0);
+    expectFound(client, dn, LDAP_SCOPE_BASE, 1);
+    expectFound(client, "", LDAP_SCOPE_SUBTREE, tried.entries);
+    EXPECT_EQ(change(client, dn, tried.goneValues), 0);
+    const std::string written = readText(client.name);
     EXPECT_NE(written.find("zeb-slapdPort: 1\n"), std::string::npos);
-    std::filesystem::last_write_time(name, {});
-    EXPECT_EQ(cfg_flush_s(cfg), 0);  // reads it again
-    EXPECT_TRUE(readText(name) == written);
-    search(cfg, "", LDAP_SCOPE_SUBTREE, tried.entries);
-    CFGMessage* none = nullptr;  // a failure at the end of the tree, which has a link for each level
-    EXPECT_EQ(cfg_search_s(cfg, "", LDAP_SCOPE_SUBTREE, "zeb-slapdPort=no", nullptr, 0, &none), LDAP_INVALID_SYNTAX);
-    EXPECT_NE(cfg_dump_exception(cfg), nullptr);
-    EXPECT_EQ(cfg_unbind(cfg), 0);
+    setTime(client.name, 1000);
+    EXPECT_EQ(cfg_flush_s(client.cfg), 0);  // reads it again
+    EXPECT_TRUE(readText(client.name) == written);
+    expectFound(client, "", LDAP_SCOPE_SUBTREE, tried.entries);
+    // A failure at the end of the tree has a link for each level.
+    EXPECT_EQ(client.search("", LDAP_SCOPE_SUBTREE, "zeb-slapdPort=no"), LDAP_INVALID_SYNTAX);
+    EXPECT_NE(cfg_dump_exception(client.cfg), nullptr);
 }
 
 }  // namespace
@@ -121,9 +115,4 @@ TEST_P(Size, IsLoadedSearchedChangedAndReleased)
     std::thread([&] { useFile(GetParam()); }).join();
 }
 
-std::string nameOf(const testing::TestParamInfo<Case>& each)
-{
-    return each.param.name;
-}
-
-INSTANTIATE_TEST_SUITE_P(Files, Size, testing::ValuesIn(cases), nameOf);
+INSTANTIATE_TEST_SUITE_P(Files, Size, testing::ValuesIn(cases), testing::PrintToStringParamName());

@@ -1,17 +1,24 @@
-// What the tests share: the locale, a directory of their own, files, and the failures that a call throws.
+// What the tests share: the locale, the registry, a directory of their own, files, and the failures that a call throws.
 #ifndef SUPPORT_H
 #define SUPPORT_H
 
+#include <cerrno>
 #include <clocale>
 #include <filesystem>
 #include <fstream>
+#include <iconv.h>
+#include <iterator>
 #include <memory>
 #include <random>
 #include <sstream>
 #include <string>
-#include <tuple>
+#include <system_error>
+#include <utime.h>
 
 class LDIF_Exception;
+
+// The directory of the registry of a test that links the classes; what it names at first has no keys.
+extern std::string registry;
 
 // Sets the locale of the process, and the former one again at the end.
 struct ScopedLocale {
@@ -43,7 +50,33 @@ inline std::string readText(const std::string& name)
     return text.str();
 }
 
-// The failure that a call throws, or null; codesOf gives its codes and msg. Who uses them includes LDIF_Exception.h.
+// The time tells the writers of a file apart. In seconds.
+inline void setTime(const std::string& name, time_t seconds)
+{
+    const utimbuf times = {seconds, seconds};
+    if (::utime(name.c_str(), &times) != 0)
+        throw std::system_error(errno, std::generic_category(), name);
+}
+
+inline long openDescriptors()
+{
+    const std::filesystem::directory_iterator all("/proc/self/fd");
+    return std::distance(begin(all), end(all));
+}
+
+// As much of a text in another encoding as that can hold, and whether this is all.
+inline std::pair<std::string, bool> converted(std::string text, const std::string& to, const char* from)
+{
+    std::string out(4 * text.size() + 1, '\0');
+    char *input = text.data(), *output = out.data();
+    std::size_t inputLeft = text.size(), outputLeft = out.size();
+    auto* const conversion = iconv_open(to.c_str(), from);
+    const bool isWhole = iconv(conversion, &input, &inputLeft, &output, &outputLeft) == 0;
+    iconv_close(conversion);
+    return {out.substr(0, out.size() - outputLeft), isWhole};
+}
+
+// The failure that a call throws, or null. Who uses them includes LDIF_Exception.h.
 template <typename Call, typename Failure = LDIF_Exception>
 std::unique_ptr<Failure> failureOf(Call call)
 try {
@@ -51,13 +84,6 @@ try {
     return nullptr;
 } catch (const Failure& failure) {
     return std::make_unique<Failure>(failure);
-}
-
-template <typename Call>
-std::tuple<int, int, std::string> codesOf(Call call)
-{
-    const auto failure = failureOf(call);
-    return failure ? std::tuple(failure->ldapErr, failure->extErr, failure->msg) : std::tuple(0, 0, "");
 }
 
 // What a call gives, or its failure as "ldapErr/extErr msg [links of the chain]": one column for good rows and bad.

@@ -1,7 +1,7 @@
 // Kills a process that updates a file with a backup: at each of its calls on files, and at random moments. Behind each
 // kill the file or the backup holds one of the texts that were ever complete. Ends with 1 if one did not.
+#include "client.h"
 #include "faults.h"
-#include "session.h"
 
 #include <algorithm>
 #include <csignal>
@@ -24,34 +24,33 @@ std::vector<std::string> texts;  // all of a round; the last one is the first
 long kills = 0;
 long violations = 0;
 
-int update(const Session& session, int number)
+int update(const Client& client, int number)
 {
     if (number == 1)
-        return cfg_add_s(session.cfg, "cn=new, cn=k7", nullptr);
+        return cfg_add_s(client.cfg, "cn=new, cn=k7", nullptr);
     if (number == 2)
-        return cfg_delete_s(session.cfg, "cn=new, cn=k7");
-    return session.change(cfg_modify_s, "cn=k0", LDAP_MOD_REPLACE, "zeb-slapdPort", number == 0 ? "789" : "389");
+        return cfg_delete_s(client.cfg, "cn=new, cn=k7");
+    return client.change(cfg_modify_s, "cn=k0", LDAP_MOD_REPLACE, "zeb-slapdPort", number == 0 ? "789" : "389");
 }
 
 // The first text, with a time that the bound handle knows, and no backup.
 void prepare()
 {
-    static const auto time = std::filesystem::file_time_type::clock::now() - std::chrono::hours(1);
     writeText(file, texts.back());
-    std::filesystem::last_write_time(file, time);
+    setTime(file, 1000);
     std::remove(backup.c_str());
 }
 
 // Starts a process that updates the file under a plan of faults, kills it after some microseconds unless that is 0, and
 // says whether it was killed, by whomever.
-bool killsWriter(const Session& session, const FaultPlan& plan, unsigned int life)
+bool killsWriter(const Client& client, const FaultPlan& plan, unsigned int life)
 {
     prepare();
     const pid_t child = ::fork();
     if (child == 0) {
         armFaults(plan);
         for (int number = 0; life != 0 || number < 2 * updates; ++number)
-            (void)update(session, number % updates);
+            (void)update(client, number % updates);
         std::_Exit(0);
     }
     if (life != 0) {
@@ -89,22 +88,22 @@ int main(int count, char** arguments)
         text += "dn: cn=k" + std::to_string(number) + "\nobjectclass: top\n\n";
     texts = {text};
     prepare();
-    Session session(file.c_str(), backup.c_str());
-    bool isReady = session.open() == 0;
+    Client client(file.c_str(), backup.c_str());
+    bool isReady = client.open() == 0;
     for (int number = 0; number < updates; ++number) {
-        isReady = update(session, number) == 0 && isReady;
+        isReady = update(client, number) == 0 && isReady;
         texts.push_back(readText(file));
     }
     texts.erase(texts.begin());
     prepare();
-    isReady = session.search("", LDAP_SCOPE_BASE, "") == 0 && isReady;
-    for (long call = 1; killsWriter(session, {faultFiles, call, false, Fault::kill, 0}, 0); ++call)
+    isReady = client.search("", LDAP_SCOPE_BASE, "") == 0 && isReady;
+    for (long call = 1; killsWriter(client, {faultFiles, call, false, Fault::kill, 0}, 0); ++call)
         check("call", call);
     const long chosen = kills;
     std::mt19937 random(seed);
     while (kills < chosen + randomKills) {
         const auto life = static_cast<unsigned int>(1 + random() % longestLife);
-        if (killsWriter(session, {}, life))
+        if (killsWriter(client, {}, life))
             check("microsecond", life);
     }
     std::printf("%ld kills, %ld of them at a chosen call, %ld violations\n", kills, chosen, violations);

@@ -1,7 +1,7 @@
 // A scripted session over the whole C interface, again and again: each allocation and each call on a file fails in
 // turn, once and from then on. Prints how many points it has tried; ends with 1 if one of them went wrong.
+#include "client.h"
 #include "faults.h"
-#include "session.h"
 
 #include <cerrno>
 #include <clocale>
@@ -64,7 +64,7 @@ int firstOf(std::initializer_list<int> codes)
 }
 
 // The code for a call that gives a copy or null.
-int taken(const Session& s, char* copy)
+int taken(const Client& s, char* copy)
 {
     cfg_memfree(copy);
     return copy != nullptr ? 0 : cfg_get_errno(s.cfg);
@@ -73,11 +73,11 @@ int taken(const Session& s, char* copy)
 const struct Step {
     std::string name;
     std::string added;  // what another program adds to the file before the step
-    int (*call)(Session&);
+    int (*call)(Client&);
 } steps[] = {
-    {"init", "", [](Session& s) { return cfg_unbind(std::exchange(s.cfg, nullptr)) + Session(s.file).open(); }},
+    {"init", "", [](Client& s) { return cfg_unbind(std::exchange(s.cfg, nullptr)) + Client(s.file).open(); }},
     {"options", "",
-     [](Session& s) {
+     [](Client& s) {
          char* name = nullptr;
          int flag = 0;
          return firstOf({cfg_set_option(s.cfg, CFG_OPT_BACKUP_FILE, "b"),
@@ -86,36 +86,36 @@ const struct Step {
                          cfg_get_option(s.cfg, CFG_OPT_CONFIG_FILE, &name), taken(s, name)});
      }},
     {"location", "",
-     [](Session& s) {
-         Session other(nullptr);
+     [](Client& s) {
+         Client other(nullptr);
          const int code = other.open();
          const bool isKnown = std::strcmp(cfg_get_file_name(s.cfg), s.file) == 0 && getInstallPath() != nullptr;
          return isKnown && getDefaultConfigFilename() != nullptr ? code : LDAP_OTHER;
      }},
-    {"login", "", [](Session& s) { return cfg_bind_s(s.cfg, "cn=root, o=x", "secret", LDAP_AUTH_SIMPLE); }},
+    {"login", "", [](Client& s) { return cfg_bind_s(s.cfg, "cn=root, o=x", "secret", LDAP_AUTH_SIMPLE); }},
     {"mend", "\ndn: cn=last\nzeb-slapdPort: no\n\n",
-     [](Session& s) { return cfg_bind_s(s.cfg, nullptr, nullptr, LDAP_AUTH_SIMPLE); }},
+     [](Client& s) { return cfg_bind_s(s.cfg, nullptr, nullptr, LDAP_AUTH_SIMPLE); }},
     {"reload", "\ndn: cn=last\ncn:last\n\ndn: cn=odd\nö: x\n\n",
-     [](Session& s) { return s.search("", LDAP_SCOPE_BASE, "version"); }},
+     [](Client& s) { return s.search("", LDAP_SCOPE_BASE, "version"); }},
     {"large reload", "# " + std::string(std::size_t{300} << 10, 'x') + '\n',  // in memory from the system
-     [](Session& s) { return s.search("", LDAP_SCOPE_BASE, "version"); }},
-    {"bad reload", "\ndn: cn\n\n", [](Session& s) { return s.search("", LDAP_SCOPE_BASE, "version"); }},
+     [](Client& s) { return s.search("", LDAP_SCOPE_BASE, "version"); }},
+    {"bad reload", "\ndn: cn\n\n", [](Client& s) { return s.search("", LDAP_SCOPE_BASE, "version"); }},
     {"search", "",
-     [](Session& s) {
+     [](Client& s) {
          char* names[] = {const_cast<char*>("cn"), nullptr};
          return firstOf({s.search("cn=Configuration", LDAP_SCOPE_BASE, ""),
                          s.search("", LDAP_SCOPE_ONELEVEL, "(zeb-slapdSuffix=o=\\c3\\a9)", names),
                          s.search("", LDAP_SCOPE_SUBTREE, "cn=*")});
      }},
     {"locale", "",
-     [](Session& s) {
+     [](Client& s) {
          setenv("LOCPATH", LOCALES, 1);
          const bool isThere = std::setlocale(LC_ALL, "de_CH.ISO-8859-1") != nullptr;
          unsetenv("LOCPATH");
          return isThere ? s.search("", LDAP_SCOPE_BASE, "version") : LDAP_OTHER;
      }},
     {"navigation", "",
-     [](Session& s) {
+     [](Client& s) {
          CFGMessage* const entry = cfg_next_entry(s.cfg, cfg_first_entry(s.cfg, s.found));
          const int code =
              firstOf({taken(s, cfg_get_dn(s.cfg, entry)), taken(s, cfg_first_attribute(s.cfg, entry, &s.walk)),
@@ -126,22 +126,22 @@ const struct Step {
          const int counts = cfg_count_entries(s.cfg, entry) - 33 + cfg_count_attributes(s.cfg, entry) - 2;
          return firstOf({code, last, counts});
      }},
-    {"add", "", [](Session& s) { return s.change(cfg_add_s, "cn=n, cn=k7, o=p", LDAP_MOD_ADD, "zeb-slapdPort", "1"); }},
-    {"adopt", "", [](Session& s) { return s.change(cfg_add_s, "o=p", LDAP_MOD_ADD, "description", "\u00e9"); }},
+    {"add", "", [](Client& s) { return s.change(cfg_add_s, "cn=n, cn=k7, o=p", LDAP_MOD_ADD, "zeb-slapdPort", "1"); }},
+    {"adopt", "", [](Client& s) { return s.change(cfg_add_s, "o=p", LDAP_MOD_ADD, "description", "\u00e9"); }},
     {"modify", "",
-     [](Session& s) { return s.change(cfg_modify_s, "cn=k1, o=p", LDAP_MOD_REPLACE, "zeb-slapdSuffix", "o=y"); }},
+     [](Client& s) { return s.change(cfg_modify_s, "cn=k1, o=p", LDAP_MOD_REPLACE, "zeb-slapdSuffix", "o=y"); }},
     {"encode", "",
-     [](Session& s) { return s.change(cfg_modify_s, "cn=k7, o=p", LDAP_MOD_ADD, "zeb-slapdPeerPW", "a secret"); }},
-    {"drop", "", [](Session& s) { return s.change(cfg_modify_s, "cn=k7, o=p", LDAP_MOD_DELETE, "CN", "k"); }},
-    {"delete", "", [](Session& s) { return cfg_delete_s(s.cfg, "cn=k7, o=p"); }},
-    {"flush", "", [](Session& s) { return cfg_flush_s(s.cfg); }},
+     [](Client& s) { return s.change(cfg_modify_s, "cn=k7, o=p", LDAP_MOD_ADD, "zeb-slapdPeerPW", "a secret"); }},
+    {"drop", "", [](Client& s) { return s.change(cfg_modify_s, "cn=k7, o=p", LDAP_MOD_DELETE, "CN", "k"); }},
+    {"delete", "", [](Client& s) { return cfg_delete_s(s.cfg, "cn=k7, o=p"); }},
+    {"flush", "", [](Client& s) { return cfg_flush_s(s.cfg); }},
     {"own backup", "",
-     [](Session& s) {
-         Session other(s.file, s.file);
+     [](Client& s) {
+         Client other(s.file, s.file);
          return firstOf({other.open(), cfg_flush_s(other.cfg)});
      }},
     {"failure", "",
-     [](Session& s) {
+     [](Client& s) {
          const int code = s.change(cfg_modify_s, "cn=k1, o=p", LDAP_MOD_ADD, "zeb-slapdPort", "70000");
          const bool isWhole = cfg_get_exterror(s.cfg) == CFG_ERR_INT_RANGE && cfg_get_enum(s.cfg) == nullptr &&
                               cfg_get_bitmask(s.cfg) == 0 && cfg_get_minimum(s.cfg) == 1 &&
@@ -152,7 +152,7 @@ const struct Step {
          return isWhole && cfg_dump_exception(s.cfg) == nullptr ? static_cast<int>(CFG_NO_MEMORY) : code;
      }},
     {"outline", "",
-     [](Session& s) { return cfg_reset(s.cfg) + (cfg_tree_view(s.cfg, 1) != nullptr ? 0 : CFG_NO_MEMORY); }},
+     [](Client& s) { return cfg_reset(s.cfg) + (cfg_tree_view(s.cfg, 1) != nullptr ? 0 : CFG_NO_MEMORY); }},
 };
 
 // What a step leaves when a call on a file fails, once and from then on: code/extended code, then what the file and the
@@ -200,7 +200,7 @@ public:
     Trial(const Step& tried, bool withBackup) : step(tried), hasBackup(withBackup)
     {
         writeText(file, configuration());
-        Session first(file.c_str());
+        Client first(file.c_str());
         check(first.open() == 0 && cfg_flush_s(first.cfg) == 0, "no session", {});
         old = readText(file);
         (void)run({});  // also makes what is made once in a process
@@ -221,15 +221,15 @@ public:
 private:
     long runStep(const FaultPlan& plan)
     {
-        Session session(file.c_str(), hasBackup ? backup.c_str() : nullptr);
-        start(session);
+        Client client(file.c_str(), hasBackup ? backup.c_str() : nullptr);
+        start(client);
         armFaults(plan);
-        const int code = step.call(session);
+        const int code = step.call(client);
         const long made = disarmFaults();
-        const int ext = cfg_get_exterror(session.cfg);
+        const int ext = cfg_get_exterror(client.cfg);
         const std::string left =
             std::to_string(code) + '/' + std::to_string(ext) + ' ' + state(file) + ' ' + state(backup);
-        const int flushed = goOn(session);
+        const int flushed = goOn(client);
         if (!wanted)
             wanted = {code, left, flushed, withoutSalt(readText(file))};
         else if (plan.first != 0)
@@ -240,16 +240,16 @@ private:
         return made;
     }
 
-    void start(Session& session) const
+    void start(Client& client) const
     {
         writeText(file, old);
         std::filesystem::permissions(file, ownerOnly | groupReads);
-        setAge(file, 2);
+        setTime(file, 1000);
         if (hasBackup)
             writeText(backup, "backup");
-        check(session.open() == 0 && session.search("", LDAP_SCOPE_SUBTREE, "cn") == 0, "no start", {});
+        check(client.open() == 0 && client.search("", LDAP_SCOPE_SUBTREE, "cn") == 0, "no start", {});
         writeText(file, old + step.added);
-        setAge(file, step.added.empty() ? 2 : 1);
+        setTime(file, step.added.empty() ? 1000 : 2000);
     }
 
     void judge(const FaultPlan& plan, int code, const std::string& left) const
@@ -296,14 +296,14 @@ private:
     }
 
     // The same handle again, when nothing fails any more: the code of a flush.
-    int goOn(Session& session) const
+    int goOn(Client& client) const
     {
         if (hasBackup && !std::filesystem::exists(file))
             std::filesystem::rename(backup, file);
-        if (session.cfg == nullptr)
-            (void)session.open();
-        (void)cfg_tree_view(session.cfg, 0);  // walks the tree that a failed load has left
-        return cfg_flush_s(session.cfg);
+        if (client.cfg == nullptr)
+            (void)client.open();
+        (void)cfg_tree_view(client.cfg, 0);  // walks the tree that a failed load has left
+        return cfg_flush_s(client.cfg);
     }
 
     void check(bool isRight, const std::string& what, const FaultPlan& plan) const
@@ -361,7 +361,6 @@ long tryCalls(Trial& trial, FaultCalls kind, long stride)
 int main(int count, char** arguments)
 {
     std::setbuf(stdout, nullptr);
-    setenv("LC_ALL", "C.UTF-8", 1);
     const long stride = count > 1 ? std::strtol(arguments[1], nullptr, 10) : 1;
     for (const FaultCalls kind : {faultMemory, faultOpen, faultRead, faultWrite, faultClose, faultRename, faultUnlink,
                                   faultStat, faultOwner, faultMode}) {

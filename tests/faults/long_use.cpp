@@ -1,7 +1,7 @@
 // Many operations on one handle, and many handles: neither memory nor descriptors may grow. Prints what was in use
 // after a tenth and at the end; ends with 1 if that differs.
+#include "client.h"
 #include "faults.h"
-#include "session.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -32,38 +32,38 @@ struct Use {
 };
 
 // Takes a walk over the first entry that is found.
-void search(Session& session, const char* base, int scope, const char* filter)
+void search(Client& client, const char* base, int scope, const char* filter)
 {
-    expect(session.search(base, scope, filter) == 0);
-    char* const name = cfg_first_attribute(session.cfg, session.found, &session.walk);
-    char** const values = cfg_get_values(session.cfg, session.found, name);
+    expect(client.search(base, scope, filter) == 0);
+    char* const name = cfg_first_attribute(client.cfg, client.found, &client.walk);
+    char** const values = cfg_get_values(client.cfg, client.found, name);
     expect(cfg_count_values(values) > 0);
     cfg_value_free(values);
     cfg_memfree(name);
-    cfg_ber_free(std::exchange(session.walk, nullptr));
+    cfg_ber_free(std::exchange(client.walk, nullptr));
 }
 
 // Ten operations, behind which the file is as it was, at a time that another program seems to have given it.
-void mixedOperations(Session& session, int number)
+void mixedOperations(Client& client, int number)
 {
     const std::string port = std::to_string(1000 + number % 1000);
     const std::string dn = "cn=" + port + ", cn=k7";
     const auto modify = [&](int operation, const char* type, const char* value) {
-        return session.change(cfg_modify_s, "cn=k0", operation, type, value);
+        return client.change(cfg_modify_s, "cn=k0", operation, type, value);
     };
-    search(session, "", LDAP_SCOPE_SUBTREE, "cn=k");
-    expect(cfg_add_s(session.cfg, dn.c_str(), nullptr) == 0);
+    search(client, "", LDAP_SCOPE_SUBTREE, "cn=k");
+    expect(cfg_add_s(client.cfg, dn.c_str(), nullptr) == 0);
     expect(modify(LDAP_MOD_REPLACE, "zeb-slapdPort", port.c_str()) == 0);
     expect(modify(LDAP_MOD_ADD, "zeb-slapdPort", "no") == LDAP_INVALID_SYNTAX);
-    expect(cfg_dump_exception(session.cfg) != nullptr && cfg_tree_view(session.cfg, 0) != nullptr);
-    search(session, "cn=k0", LDAP_SCOPE_BASE, "");
+    expect(cfg_dump_exception(client.cfg) != nullptr && cfg_tree_view(client.cfg, 0) != nullptr);
+    search(client, "cn=k0", LDAP_SCOPE_BASE, "");
     expect(modify(LDAP_MOD_ADD, "zeb-slapdAdminPW", "secret") == 0);
     expect(modify(LDAP_MOD_DELETE, "zeb-slapdAdminPW", "secret") == 0);
-    expect(cfg_delete_s(session.cfg, dn.c_str()) == 0);
-    expect(cfg_flush_s(session.cfg) == 0);
+    expect(cfg_delete_s(client.cfg, dn.c_str()) == 0);
+    expect(cfg_flush_s(client.cfg) == 0);
     if (number % 10 == 0)
-        setAge(session.file, 1 + number / 10);
-    search(session, "", LDAP_SCOPE_SUBTREE, "cn=k");
+        setTime(client.file, 1 + number / 10);
+    search(client, "", LDAP_SCOPE_SUBTREE, "cn=k");
 }
 
 template <typename Round>
@@ -96,10 +96,10 @@ int main(int count, char** arguments)
     for (int number = 0; number < 40; ++number)
         text += "dn: cn=k" + std::to_string(number) + "\nobjectclass: top\ncn: k\n\n";
     writeText(file, text);
-    Session session(file.c_str());
-    expect(session.open() == 0);
-    const bool isOneFlat = isFlat("operations", operations / 10, [&](int number) { mixedOperations(session, number); });
-    const bool areAllFlat = isFlat("handles", handles, [&](int) { expect(Session(file.c_str()).open() == 0); });
+    Client client(file.c_str());
+    expect(client.open() == 0);
+    const bool isOneFlat = isFlat("operations", operations / 10, [&](int number) { mixedOperations(client, number); });
+    const bool areAllFlat = isFlat("handles", handles, [&](int) { expect(Client(file.c_str()).open() == 0); });
     std::printf("%ld unexpected results\n", unexpected);
     return isOneFlat && areAllFlat && unexpected == 0 ? 0 : 1;
 }

@@ -1,43 +1,35 @@
 // Calls of the C interface on one file: the text of the file up to a line "--", then a call each line, a letter with
 // arguments that are separated by "|".
+#include "client.h"
 #include "fuzz.h"
-#include "zebldapcfg.h"
 
-#include <list>
 #include <set>
-#include <utime.h>
 
 namespace {
 
 using Parts = std::vector<std::string>;
 
-// One record of an update: an operation, "+", "-", "=" or one that there is not, a name, and perhaps "=" and a value.
-struct Mod {
-    explicit Mod(const std::string& text)
-        : type(text, std::min<std::size_t>(text.size(), 1), text.find('=', 1) - 1), value(text, text.find('=', 1) + 1)
-    {
-        values[0] = text.find('=', 1) != std::string::npos ? value.data() : nullptr;
-        record = {static_cast<int>(std::string("+-=").find(text[0]) & 3U), type.data(), {values}};
-    }
-    Mod(const Mod&) = delete;
+const TempDirectory directory;
+const std::string name = directory / "f";
+const std::string backupName = directory / "b";
 
-    std::string type;
-    std::string value;
-    char* values[2] = {nullptr, nullptr};
-    LDAPMod record = {};
-};
+// One record of an update: an operation, "+", "-", "=" or one that there is not, a name, and perhaps "=" and a value.
+Mod modOf(const std::string& text)
+{
+    const auto equals = std::min(text.find('=', 1), text.size());
+    const auto operation = static_cast<int>(std::string("+-=").find(text[0]) & 3U);
+    const std::string type(text, std::min<std::size_t>(text.size(), 1), equals - 1);
+    return {operation, type, equals == text.size() ? Parts() : Parts{text.substr(equals + 1)}};
+}
 
 // A handle bound to a file.
-class Session {
+class Session : Client {
 public:
-    explicit Session(const std::string& text)
+    explicit Session(const std::string& text) : Client(name.c_str())
     {
         writeText(name, text);
-        cfg_set_option(cfg, CFG_OPT_CONFIG_FILE, name.c_str());
-        check(cfg_bind_s(cfg, nullptr, nullptr, LDAP_AUTH_SIMPLE));
+        check(open());
     }
-    Session(const Session&) = delete;
-    ~Session() { cfg_unbind(cfg); }
 
     void call(const std::string& line)
     {
@@ -46,18 +38,18 @@ public:
         const char* const second = parts.size() > 1 ? parts[1].c_str() : nullptr;
         switch (line[0]) {
         case 'a':
-            return update(parts, [&](LDAPMod** mods) { return cfg_add_s(cfg, base.c_str(), mods); });
+            return change(parts, [&](const auto& mods) { return update(cfg_add_s, base.c_str(), mods); });
         case 'm':
-            return update(parts, [&](LDAPMod** mods) { return cfg_modify_s(cfg, base.c_str(), mods); });
+            return change(parts, [&](const auto& mods) { return update(cfg_modify_s, base.c_str(), mods); });
         case 'd':
-            return update(parts, [&](LDAPMod** /*mods*/) { return cfg_delete_s(cfg, base.c_str()); });
+            return change(parts, [&](const auto& /*mods*/) { return cfg_delete_s(cfg, base.c_str()); });
         case 's':
-            return search(base, parts);
+            return searchAndWalk(base, parts);
         case 'b':
-            return check(cfg_bind_s(cfg, base.c_str(), second, LDAP_AUTH_SIMPLE));
+            return check(bind(base.c_str(), second));
         case 'o':
             cfg_set_option(cfg, CFG_OPT_DELETE_NON_LEAVES, second);
-            cfg_set_option(cfg, CFG_OPT_BACKUP_FILE, base.empty() ? nullptr : backup.c_str());
+            cfg_set_option(cfg, CFG_OPT_BACKUP_FILE, base.empty() ? nullptr : backupName.c_str());
             return;
         case 'w':
             return rewrite(base);
@@ -74,50 +66,50 @@ private:
         const char* const dump = cfg_dump_exception(cfg);
         const std::string report = std::to_string(code) + ' ' + (dump != nullptr ? dump : "");
         const bool isBare = code == 0 || code == 49 || (code == 89 && cfg_get_exterror(cfg) == 89);
-        require(codes.count(code) == 1 && code == cfg_get_errno(cfg), "the code is a documented one", report);
-        require((dump == nullptr) == isBare && cfg_get_exterror(cfg) != 1000, "a failure has its report", report);
+        require(codes.count(code) == 1, "the code is a documented one", report);
+        require(code == cfg_get_errno(cfg), "the handle holds the code", report);
+        require((dump == nullptr) == isBare, "a failure has its report", report);
+        require(cfg_get_exterror(cfg) != 1000, "no failure comes from inside the library", report);
     }
 
     // An update that fails leaves the file, unless that had changed; one that succeeds has written all there is.
     template <typename Call>
-    void update(const Parts& parts, Call call)
+    void change(const Parts& parts, Call call)
     {
-        std::list<Mod> mods(parts.begin() + 1, parts.end());
-        std::vector<LDAPMod*> records;
-        for (Mod& mod : mods)
-            records.push_back(&mod.record);
-        records.push_back(nullptr);
+        std::vector<Mod> mods;
+        std::transform(parts.begin() + 1, parts.end(), std::back_inserter(mods), modOf);
         const std::string before = readText(name);
-        const int code = call(records.data());
+        const int code = call(mods);
         check(code);
         const std::string after = readText(name);
         require(code == 0 || isRewritten || after == before, "a failed update leaves the file", before);
-        require(code != 0 || (cfg_flush_s(cfg) == 0 && readText(name) == after), "an update is written", after);
-        isRewritten = isRewritten && code != 0;
+        if (code != 0)
+            return;
+        require(cfg_flush_s(cfg) == 0, "what was updated can be written", after);
+        require(readText(name) == after, "an update is written", after);
+        isRewritten = false;
     }
 
-    void search(const std::string& base, Parts& parts)
+    void searchAndWalk(const std::string& base, Parts& parts)
     {
-        CFGMessage* found = nullptr;
         std::vector<char*> names;
         parts.resize(std::max<std::size_t>(parts.size(), 2));
         for (std::size_t at = 2; at < parts.size(); ++at)
             names.push_back(parts[at].data());
         names.push_back(nullptr);
-        check(cfg_search_s(cfg, base.c_str(), LDAP_SCOPE_SUBTREE, parts[1].c_str(), names.data(), 0, &found));
+        check(search(base.c_str(), LDAP_SCOPE_SUBTREE, parts[1].c_str(), names.data()));
         for (CFGMessage* entry = cfg_first_entry(cfg, found); entry != nullptr; entry = cfg_next_entry(cfg, entry)) {
-            BerElement* walk = nullptr;
+            BerElement* state = nullptr;
             int left = cfg_count_attributes(cfg, entry);
-            for (char* each = cfg_first_attribute(cfg, entry, &walk); each != nullptr; --left) {
+            for (char* each = cfg_first_attribute(cfg, entry, &state); each != nullptr; --left) {
                 cfg_value_free(cfg_get_values(cfg, entry, each));
                 require(cfg_get_errno(cfg) == 0, "an attribute of the walk is there", each);
                 cfg_memfree(each);
-                each = cfg_next_attribute(cfg, entry, walk);
+                each = cfg_next_attribute(cfg, entry, state);
             }
-            cfg_ber_free(walk);
+            cfg_ber_free(state);
             require(left == 0, "the walk meets all attributes", base);
         }
-        cfg_msgfree(found);
     }
 
     // As another program would; "\" stands for a line end.
@@ -125,21 +117,13 @@ private:
     {
         std::replace(text.begin(), text.end(), '\\', '\n');
         writeText(name, text);
-        const utimbuf times = {++time, time};
-        utime(name.c_str(), &times);
+        setTime(name, ++time);
         isRewritten = true;
     }
 
-    static const TempDirectory directory;
-    const std::string name = directory / "f";
-    const std::string backup = directory / "b";
-    const int utf8 = setenv("LC_ALL", "C.UTF-8", 1);
-    CFG* const cfg = cfg_init();
     time_t time = 1000;
     bool isRewritten = false;
 };
-
-const TempDirectory Session::directory;
 
 }  // namespace
 

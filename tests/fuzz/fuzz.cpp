@@ -5,11 +5,6 @@
 
 static const ScopedLocale utf8;
 
-const char* registryRoot() noexcept
-{
-    return "/dev/null";  // No target reads the registry.
-}
-
 void require(bool holds, const char* what, const std::string& text)
 {
     if (holds)

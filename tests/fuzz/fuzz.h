@@ -32,9 +32,10 @@ constexpr Codes success = {0, 0};
 template <typename Call>
 Codes resultOf(Call call)
 {
-    const auto [ldapErr, extErr, msg] = codesOf(call);
-    require(extErr != 1000, "no failure comes from inside the library", msg);
-    return {ldapErr, extErr};
+    const auto failure = failureOf(call);
+    require(!failure || failure->extErr != 1000, "no failure comes from inside the library",
+            failure ? failure->msg : "");
+    return failure ? Codes(failure->ldapErr, failure->extErr) : success;
 }
 
 inline std::string textOf(const std::uint8_t* data, std::size_t size)
