@@ -45,7 +45,7 @@ public:
     }
     bool isIn(const void* memory, std::size_t size) const
     {
-        return std::any_of(parts.begin(), parts.begin() + count, [&](const auto& part) {
+        return std::any_of(parts.data(), parts.data() + count, [&](const auto& part) {
             return ::memmem(memory, size, part.first, part.second) != nullptr;
         });
     }
@@ -61,7 +61,7 @@ private:
     std::array<char, 64> narrow = {};
     std::array<wchar_t, 64> wide = {};
     std::array<std::pair<const void*, std::size_t>, 4> parts = {};
-    std::ptrdiff_t count = 0;
+    std::size_t count = 0;
 };
 
 Watch watch;
