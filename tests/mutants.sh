@@ -23,11 +23,13 @@ replace() {
     printf '%s' "${content/"$old"/"$new"}" >"$file"
 }
 
-# What noticed the fault in the copy, or nothing.
-noticed_by() {
-    cmake --build "$copy/build/debug" >"$log" 2>&1 || { echo "the compiler" && return; }
-    ctest --test-dir "$copy/build/debug" -j "$(nproc)" --stop-on-failure >"$log" 2>&1 ||
-        sed -n 's/^[[:space:]]*[0-9]* - \(.*\) (.*)$/\1/p' "$log" | head -n 1
+run_tests() {
+    ctest --test-dir "$copy/build/debug" -j "$(nproc)" --stop-on-failure >"$log" 2>&1
+}
+
+# The test that has failed first.
+red_test() {
+    sed -n 's/^[[:space:]]*[0-9]* - \(.*\) (.*)$/\1/p' "$log" | head -n 1 | grep . || echo "a test"
 }
 
 try() {
@@ -35,7 +37,8 @@ try() {
     [[ -n $file && "$file $label" == *"$pattern"* ]] || return 0
     cp -p "$copy/$file" build/mutants/original
     replace "$copy/$file" "$old" "$new" || { echo "$file: $label: its text does not stand there once" && exit 2; }
-    by=$(noticed_by)
+    cmake --build "$copy/build/debug" >"$log" 2>&1 || { echo "$file: $label: it does not compile, see $log" && exit 2; }
+    by=$(run_tests || red_test)
     cp build/mutants/original "$copy/$file"
     tried=$((tried + 1))
     [ -n "$by" ] || survivors=$((survivors + 1))
@@ -48,6 +51,7 @@ survivors=0
 make_copy
 cmake --preset debug -S "$copy" -B "$copy/build/debug" --log-level=WARNING >/dev/null
 cmake --build "$copy/build/debug" >"$log" 2>&1 || { cat "$log" && exit 2; }
+run_tests || { echo "without a fault: $(red_test) fails" && exit 2; }
 
 file='' label='' old='' new=''
 while IFS= read -r line; do
@@ -57,7 +61,7 @@ while IFS= read -r line; do
             line=${line#@ } file=${line%%: *} label=${line#*: } old='' new=''
             ;;
         '- '*) old+=${line#- }$'\n' ;;
-        '+ '* | '+') new+=${line#+}$'\n' && new=${new/#' '/} ;;
+        '+'*) line=${line#+} new+=${line# }$'\n' ;;
     esac
 done <"$table"
 try "$file" "$label" "${old%$'\n'}" "${new%$'\n'}"
