@@ -10,11 +10,14 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <malloc.h>
+#include <pwd.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 #include <utility>
 
@@ -148,6 +151,52 @@ long inheritedFiles()
     return inherited;
 }
 
+namespace {
+
+// The plan of a program that is started. It begins with the first call of setlocale, which programs make early in main:
+// what constants take before is not theirs to care for.
+class Start {
+public:
+    Start()
+    {
+        if (const char* const text = std::getenv("FAULT_WATCH"))
+            watch.start(text);
+        const char* const text = std::getenv("FAULT_PLAN");
+        int lasts = 0;
+        int fault = 0;
+        isDue = text != nullptr &&
+                std::sscanf(text, "%u %ld %d %d %d", &plan.calls, &plan.first, &lasts, &fault, &plan.error) == 5;
+        plan.lasts = lasts != 0;
+        plan.fault = static_cast<Fault>(fault);
+    }
+    Start(const Start&) = delete;
+    Start& operator=(const Start&) = delete;
+    ~Start()
+    {
+        const long calls = disarmFaults();
+        const long blocksFound = watchReleases(nullptr);
+        const char* const report = std::getenv("FAULT_REPORT");
+        std::FILE* const file = report != nullptr ? std::fopen(report, "we") : nullptr;
+        if (file == nullptr)
+            return;
+        (void)std::fprintf(file, "%ld %ld\n", calls, blocksFound);
+        (void)std::fclose(file);
+    }
+    void begin()
+    {
+        if (std::exchange(isDue, false))
+            armFaults(plan);
+    }
+
+private:
+    FaultPlan plan = {};
+    bool isDue = false;
+};
+
+Start start;
+
+}  // namespace
+
 // NOLINTBEGIN(readability-inconsistent-declaration-parameter-name): the headers of the C library have reserved names.
 
 int open(const char* name, int flags, ...)
@@ -210,6 +259,46 @@ int fstat(int file, struct stat* status) noexcept
     });
 }
 
+int renameat2(int from, const char* name, int to, const char* other, unsigned int flags) noexcept
+{
+    return planned(faultRename, [&] { return behind<&renameat2>("renameat2")(from, name, to, other, flags); });
+}
+
+int link(const char* from, const char* to) noexcept
+{
+    return planned(faultLink, [&] { return behind<&link>("link")(from, to); });
+}
+
+int fsync(int file)
+{
+    return planned(faultSync, [&] { return behind<&fsync>("fsync")(file); });
+}
+
+int ftruncate(int file, off_t size) noexcept
+{
+    return planned(faultCut, [&] { return behind<&ftruncate>("ftruncate")(file, size); });
+}
+
+int futimens(int file, const timespec* times) noexcept
+{
+    return planned(faultTime, [&] { return behind<&futimens>("futimens")(file, times); });
+}
+
+int fsetxattr(int file, const char* name, const void* value, std::size_t size, int flags) noexcept
+{
+    return planned(faultExtended, [&] { return behind<&fsetxattr>("fsetxattr")(file, name, value, size, flags); });
+}
+
+int memfd_create(const char* name, unsigned int flags) noexcept
+{
+    const char* const slowness = std::getenv("FAULT_SLOWNESS");
+    const long time = slowness != nullptr ? std::strtol(slowness, nullptr, 10) : 0;
+    timespec left = {time / 1000, time % 1000 * 1000000};
+    while (::nanosleep(&left, &left) != 0 && errno == EINTR) {
+    }
+    return planned(faultNameless, [&] { return behind<&memfd_create>("memfd_create")(name, flags); });
+}
+
 int fchown(int file, uid_t owner, gid_t group) noexcept
 {
     return planned(faultOwner, [&] { return behind<&fchown>("fchown")(file, owner, group); });
@@ -223,10 +312,20 @@ int fchmod(int file, mode_t mode) noexcept
 // What setlocale keeps is the C library's own, and it loses some of it when memory runs out: it does not count.
 char* setlocale(int category, const char* locale) noexcept
 {
+    start.begin();
     const long before = blocks;
     char* const name = behind<&setlocale>("setlocale")(category, locale);
     blocks = before;
     return name;
+}
+
+// The C library itself crashes when it has no memory here.
+passwd* getpwuid(uid_t user)
+{
+    const bool wasArmed = std::exchange(armed, false);
+    passwd* const found = behind<&getpwuid>("getpwuid")(user);
+    armed = wasArmed;
+    return found;
 }
 
 #ifndef __SANITIZE_ADDRESS__

@@ -1,6 +1,10 @@
 // Lets chosen calls of the C library fail, fall short or end the process, and counts the memory that is in use.
 // A program that names this library before others has its calls, and theirs, led through here; so has any program
 // that is started with it in LD_PRELOAD. Nothing is counted and nothing fails until a plan is armed.
+//
+// A program that is started may have its plan in FAULT_PLAN, the five numbers of a FaultPlan, and a text that is looked
+// for in FAULT_WATCH. The number of its calls and that of the blocks with the text go to the file FAULT_REPORT at its
+// end. FAULT_SLOWNESS is the time, in milliseconds, that it takes to make a file in memory.
 #ifndef FAULTS_H
 #define FAULTS_H
 
@@ -11,12 +15,18 @@ enum FaultCalls : unsigned {
     faultRead = 4,
     faultWrite = 8,
     faultClose = 16,
-    faultRename = 32,
+    faultRename = 32,  // rename, renameat2
     faultUnlink = 64,
-    faultStat = 128,    // stat, lstat, fstat
-    faultOwner = 256,   // fchown
-    faultMode = 512,    // fchmod
-    faultFiles = 0x3FE  // all but the memory
+    faultStat = 128,   // stat, lstat, fstat
+    faultOwner = 256,  // fchown
+    faultMode = 512,   // fchmod
+    faultLink = 1024,
+    faultSync = 2048,       // fsync
+    faultCut = 4096,        // ftruncate
+    faultTime = 8192,       // futimens
+    faultExtended = 16384,  // fsetxattr
+    faultNameless = 32768,  // memfd_create
+    faultFiles = 0xFFFE     // all but the memory
 };
 
 enum class Fault {

@@ -1,10 +1,14 @@
 // What the tool promises whatever happens: the file is the old or the new one, and nothing is left beside it.
 #include "Process.h"
+#include "faults/faults.h"
 
 #include <array>
+#include <cerrno>
 #include <chrono>
+#include <iostream>
 #include <map>
 #include <set>
+#include <sstream>
 #include <thread>
 
 #include <sys/inotify.h>
@@ -98,12 +102,21 @@ void becomeNobody()
     ASSERT_TRUE(::setgid(nobody) == 0 && ::setuid(nobody) == 0);
 }
 
-// Lets a call of the process refuse, as refusals.cpp has it.
-void refuse(const std::string& refusal)
+std::string textOf(const FaultPlan& plan)
 {
-    ::setenv("LD_PRELOAD", ZEBCFG_REFUSALS, 1);
+    std::ostringstream text;
+    text << plan.calls << ' ' << plan.first << ' ' << plan.lasts << ' ' << static_cast<int>(plan.fault) << ' '
+         << plan.error;
+    return text.str();
+}
+
+// Lets calls of the process fail.
+void plan(const FaultPlan& plan, const std::string& report = {})
+{
+    ::setenv("LD_PRELOAD", ZEBCFG_FAULTS, 1);
     ::setenv("ASAN_OPTIONS", "verify_asan_link_order=0", 1);
-    ::setenv("REFUSAL", refusal.c_str(), 1);
+    ::setenv("FAULT_PLAN", textOf(plan).c_str(), 1);
+    ::setenv("FAULT_REPORT", report.c_str(), 1);
 }
 
 // Whether the call to the kernel may change a file, a directory or a lock.
@@ -148,8 +161,8 @@ protected:
     {
         if (GetParam() && ::geteuid() != 0)
             GTEST_SKIP() << "only root can be two users";
-        own(directory.path);
-        own(directory.file);
+        for (const std::string& name : {directory.path, directory.file, reports.path})
+            own(name);
         ASSERT_EQ(change(1), 0);
         backup = readText(directory.backup);
         live = readText(directory.file);
@@ -161,12 +174,20 @@ protected:
         return finish(start(directory.file, setPort(port), [&] { become(); }));
     }
 
-    int refused(const std::string& refusal) const
+    int changeUnder(const FaultPlan& faults) const
     {
         return finish(start(directory.file, setPort(2), [&] {
             become();
-            refuse(refusal);
+            plan(faults, report);
         }));
+    }
+
+    // How many calls of a kind a change makes.
+    long count(FaultCalls kind) const
+    {
+        reset();
+        EXPECT_EQ(changeUnder({kind, 0, false, Fault::error, 0}), 0);
+        return std::stol(readText(report));
     }
 
     int killed(int call) const
@@ -205,6 +226,9 @@ protected:
     std::string next;
 
 private:
+    const TempDirectory reports;
+    const std::string report = reports / "report";
+
     static void become()
     {
         if (GetParam())
@@ -215,23 +239,73 @@ private:
 INSTANTIATE_TEST_SUITE_P(Users, Generations, testing::Bool(),
                          [](const auto& user) { return user.param ? "Nobody" : "Self"; });
 
-// Each call of a kind is refused in turn, until there are no more.
+struct Calls {
+    const char* name;
+    FaultCalls kind;
+};
+
 TEST_P(Generations, ARefusedStepUndoesThoseBeforeIt)
 {
     int refusals = 0;
-    for (const std::string name : {"rename", "renameat2", "link", "fsync", "fchmod", "fchown", "ftruncate"}) {
-        int status = 1;
-        for (int call = 1; call < 10; ++call) {
-            const std::string label = name + ':' + std::to_string(call);
+    for (const auto& [name, kind] : std::vector<Calls>{{"rename", faultRename},
+                                                       {"link", faultLink},
+                                                       {"fsync", faultSync},
+                                                       {"fchmod", faultMode},
+                                                       {"fchown", faultOwner},
+                                                       {"ftruncate", faultCut}}) {
+        const long calls = count(kind);
+        for (long call = 1; call <= calls; ++call) {
+            const std::string label = name + std::to_string(call);
             reset();
-            status = refused(label);
+            const int status = changeUnder({kind, call, false, Fault::error, EPERM});
             refusals += static_cast<int>(status == 50 || status == 80);
             expect(status == 0 ? next : live, status == 0 ? live : backup, label);
             EXPECT_EQ(directory.names(), fileAndBackup) << label;
         }
-        EXPECT_EQ(status, 0) << name << ": the last call number is beyond all";
     }
     EXPECT_GT(refusals, 8) << "of some fifteen calls";
+}
+
+// Memory and calls on files fail once and from then on, and reading and writing fall short or are interrupted.
+TEST_P(Generations, AFaultLeavesTheOldOrTheNewFile)
+{
+    long points = 0;
+    const auto tryPlan = [&](const char* name, const FaultPlan& faults) {
+        const std::string label = name + (": " + textOf(faults));
+        reset();
+        const int status = changeUnder(faults);
+        ++points;
+        const bool isNew = readText(directory.file) == next;
+        EXPECT_EQ(readText(directory.file), isNew ? next : live) << label;
+        EXPECT_LT(status, 128) << label;
+        EXPECT_TRUE(isNew || status != 0) << label;
+        const bool isUnchanged = faults.fault == Fault::half || faults.error == EINTR;
+        EXPECT_TRUE(!isUnchanged || (isNew && status == 0)) << label << ", status " << status;
+    };
+    for (const auto& [name, kind] : std::vector<Calls>{{"memory", faultMemory},
+                                                       {"open", faultOpen},
+                                                       {"read", faultRead},
+                                                       {"write", faultWrite},
+                                                       {"close", faultClose},
+                                                       {"unlink", faultUnlink},
+                                                       {"stat", faultStat},
+                                                       {"memfd_create", faultNameless}}) {
+        if (kind == faultMemory && GetParam())
+            continue;  // It is the same for each user.
+        const long calls = count(kind);
+        for (long call = 1; call <= calls; ++call) {
+            tryPlan(name, {kind, call, false, Fault::error, EIO});
+            if (kind != faultMemory || call % 10 == 0)
+                tryPlan(name, {kind, call, true, Fault::error, EIO});
+            if (kind == faultRead || kind == faultWrite) {
+                tryPlan(name, {kind, call, false, Fault::half, 0});
+                tryPlan(name, {kind, call, true, Fault::half, 0});
+                tryPlan(name, {kind, call, false, Fault::error, EINTR});
+            }
+        }
+    }
+    std::cout << points << " points\n";
+    EXPECT_GT(points, 100);
 }
 
 TEST_P(Generations, AfterAKillAllStandWholeAndTheNextUpdateTidiesUp)
@@ -295,6 +369,42 @@ TEST(Safety, ALockThatRootHasLeftDoesNotKeepTheOwnerOut)
     writeText(lock, "zebcfg lock\nprocess 1 of root since 2026-01-31 12:00:00\n");
     EXPECT_EQ(finish(start(directory.file, setPort(2), &becomeNobody)), 0);
     EXPECT_EQ(directory.names(), fileAndBackup);
+}
+
+TEST(Safety, NoPasswordIsLeftInMemory)
+{
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "AddressSanitizer has the memory to itself";
+#endif
+    constexpr char password[] = "a secret of some length";
+    const ConfigDirectory directory;
+    const std::string input = directory / "password";
+    const std::string report = directory / "report";
+    writeText(input, password);
+    writeText(directory / "clear",
+              std::string("dn: cn=Configuration\nobjectclass: top\nzeb-slapdAdminPW: ") + password + '\n');
+    const std::vector<std::string> login = {"-D", "cn=admin,o=Example", "-y", input, "--show-passwords"};
+    const auto afterLogin = [&](std::vector<std::string> words) {
+        words.insert(words.begin(), login.begin(), login.end());
+        return words;
+    };
+    for (const std::vector<std::string>& words : std::vector<std::vector<std::string>>{
+             {"passwd", "cn=Configuration", "-y", input},
+             afterLogin({"search"}),
+             afterLogin({"-j", "search"}),
+             afterLogin({"get", "cn=Configuration", "zeb-slapdAdminPW"}),
+             afterLogin({"compare", "cn=Configuration", "zeb-slapdAdminPW", password}),
+             {"-F", directory / "clear", "check"},
+             {"-F", directory / "clear", "set", "cn=Configuration", "zeb-slapdPort=5"},
+         }) {
+        const pid_t child = start(directory.file, words, [&] {
+            plan({faultFiles, 0, false, Fault::error, 0}, report);
+            ::setenv("FAULT_WATCH", password, 1);
+        });
+        EXPECT_LT(finish(child), 2) << words.front();
+        const std::string result = readText(report);
+        EXPECT_EQ(result.substr(result.find(' ')), " 0\n") << ::testing::PrintToString(words);
+    }
 }
 
 // The kernel gives the files below /proc/PID of a process that may not be dumped to root.
@@ -363,7 +473,7 @@ TEST(Safety, ExtendedAttributesAreKept)
 
     const std::string errors = directory / "errors";
     const pid_t child = start(directory.file, setPort(3), [&] {
-        refuse("fsetxattr:1");
+        plan({faultExtended, 1, false, Fault::error, EPERM});
         ::dup2(::open(errors.c_str(), O_WRONLY | O_CREAT, 0600), STDERR_FILENO);
     });
     EXPECT_EQ(finish(child), 0);

@@ -94,14 +94,14 @@ TEST(Progress, ShowsWhatTakesLongerThanASecond)
         const char* text;  // a pattern
         bool isShown;
     } cases[] = {
-        {{"check"}, "SLOWNESS=600", "Checking [.]{3}", true},
-        {{"tree"}, "SLOWNESS=600", "[.]{3}", false},
-        {{"-q", "check"}, "SLOWNESS=600", "[.]{3}", false},
-        {{"-j", "check"}, "SLOWNESS=600", "[.]{3}", false},
-        {{"check"}, "SLOWNESS=0", "[.]{3}", false},
-        {{"-n", "add", "-f", records}, "SLOWNESS=1100", "Verifying [.]{3}", true},
+        {{"check"}, "FAULT_SLOWNESS=600", "Checking [.]{3}", true},
+        {{"tree"}, "FAULT_SLOWNESS=600", "[.]{3}", false},
+        {{"-q", "check"}, "FAULT_SLOWNESS=600", "[.]{3}", false},
+        {{"-j", "check"}, "FAULT_SLOWNESS=600", "[.]{3}", false},
+        {{"check"}, "FAULT_SLOWNESS=0", "[.]{3}", false},
+        {{"-n", "add", "-f", records}, "FAULT_SLOWNESS=1100", "Verifying [.]{3}", true},
     };
-    const std::string preload = std::string("LD_PRELOAD=") + ZEBCFG_REFUSALS;
+    const std::string preload = std::string("LD_PRELOAD=") + ZEBCFG_FAULTS;
     std::deque<Terminal> terminals;  // all at the same time
     for (const auto& c : cases)
         terminals.emplace_back(

@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <iostream>
+#include <new>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -49,6 +50,24 @@ int runCommand(int argc, char** argv, Messages& messages)
     return status;
 }
 
+// The exit status. Throws std::bad_alloc.
+int runReporting(int argc, char** argv)
+{
+    Messages messages;
+    try {
+        return runCommand(argc, argv, messages);
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const Failure& failure) {
+        messages.report(failure);
+        return failure.exitStatus();
+    } catch (const std::exception& other) {
+        const Failure failure(0, other.what());
+        messages.report(failure);
+        return failure.exitStatus();
+    }
+}
+
 }  // namespace
 
 int runApplication(int argc, char** argv)
@@ -57,15 +76,11 @@ int runApplication(int argc, char** argv)
     useUtf8InPlainLocale();
     handleSignals();
     hideMemory();
-    Messages messages;
-    Failure failure;
     try {
-        return runCommand(argc, argv, messages);
-    } catch (const Failure& caught) {
-        failure = caught;
-    } catch (const std::exception& caught) {
-        failure = Failure(0, caught.what());
+        return runReporting(argc, argv);
+    } catch (const std::bad_alloc&) {
+        constexpr char message[] = "zebcfg: there is not enough memory\n";  // for which no more of it is asked
+        (void)!::write(STDERR_FILENO, message, sizeof message - 1);
+        return 1;
     }
-    messages.report(failure);
-    return failure.exitStatus();
 }

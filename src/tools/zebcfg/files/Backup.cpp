@@ -4,6 +4,7 @@
 #include "files/Descriptor.h"
 #include "files/FileName.h"
 
+#include <new>
 #include <utility>
 
 #include <ldap.h>
@@ -25,6 +26,12 @@ bool isSameFile(const std::string& left, const std::string& right)
            one.st_ino == other.st_ino;
 }
 
+std::string asideName(const std::string& name)
+{
+    const std::string directory = directoryOf(name);
+    return directory + '.' + name.substr(directory.size()) + ".zebcfg-old";
+}
+
 }  // namespace
 
 std::string generationName(const std::string& backupName, int number)
@@ -32,35 +39,26 @@ std::string generationName(const std::string& backupName, int number)
     return number == 1 ? backupName : backupName + '.' + std::to_string(number);
 }
 
-Backup::Backup(std::string backupName, int generations) : name(std::move(backupName)), most(generations) {}
+Backup::Backup(std::string backupName, int generations)
+    : name(std::move(backupName)), aside(asideName(name)), most(generations)
+{}
 
+// What cannot be put back stands under its other name, and the next update tries again.
 Backup::~Backup()
 {
-    if (!isAdvanced)
-        return;
-    if (!isSetAside) {
+    if (isAdvanced && isSetAside)
+        (void)putBack();
+    else if (isAdvanced)
         (void)::unlink(name.c_str());
-        return;
-    }
-    try {
-        putBack();
-    } catch (const Failure&) {
-        return;  // It stands under its other name, and the next update tries again.
-    }
-}
-
-std::string Backup::asideName() const
-{
-    const std::string directory = directoryOf(name);
-    return directory + '.' + name.substr(directory.size()) + ".zebcfg-old";
 }
 
 // Two names of one file are left alone by a rename.
-void Backup::putBack() const
+bool Backup::putBack() const noexcept
 {
-    if (::rename(asideName().c_str(), name.c_str()) != 0)
-        throw systemFailure(LDAP_INSUFFICIENT_ACCESS, "cannot put " + asideName() + " back in place of " + name);
-    (void)::unlink(asideName().c_str());
+    const bool isBack = ::rename(aside.c_str(), name.c_str()) == 0;
+    if (isBack)
+        (void)::unlink(aside.c_str());
+    return isBack;
 }
 
 // A backup that holds the live text belongs to a change that was not made, and one that has two names was only about to
@@ -70,12 +68,12 @@ void Backup::recover(const std::string& liveText) const
     if (name.empty())
         return;
     (void)::unlink(siblingOf(name).c_str());
-    if (!isThere(asideName()))
+    if (!isThere(aside))
         return;
-    if (!isThere(name) || isSameFile(name, asideName()) || readFile(name, name) == liveText)
-        putBack();
-    else
+    if (isThere(name) && !isSameFile(name, aside) && readFile(name, name) != liveText)
         retire();
+    else if (!putBack())
+        throw systemFailure(LDAP_INSUFFICIENT_ACCESS, "cannot put " + aside + " back in place of " + name);
 }
 
 // Each older generation moves up by one, to the first number that is free; the last one goes. Where this ends in
@@ -83,7 +81,7 @@ void Backup::recover(const std::string& liveText) const
 void Backup::retire() const
 {
     if (most == 1) {
-        (void)::unlink(asideName().c_str());
+        (void)::unlink(aside.c_str());
         return;
     }
     int free = 2;
@@ -93,7 +91,7 @@ void Backup::retire() const
         if (::rename(generationName(name, free - 1).c_str(), generationName(name, free).c_str()) != 0)
             return;
     }
-    (void)::rename(asideName().c_str(), generationName(name, 2).c_str());
+    (void)::rename(aside.c_str(), generationName(name, 2).c_str());
 }
 
 // A copy, for a link would be changed together with the file by programs that write in place.
@@ -112,17 +110,20 @@ void Backup::advance()
     if (name.empty())
         return;
     isSetAside = isThere(name);
-    if (isSetAside && ::link(name.c_str(), asideName().c_str()) != 0 &&
-        ::rename(name.c_str(), asideName().c_str()) != 0)
+    if (isSetAside && ::link(name.c_str(), aside.c_str()) != 0 && ::rename(name.c_str(), aside.c_str()) != 0)
         throw systemFailure(LDAP_INSUFFICIENT_ACCESS, "cannot set the backup " + name + " aside");
     isAdvanced = true;
     copy->moveTo(name);
-    syncDirectoryOf(name);
+    syncDirectory(directoryOf(name));
 }
 
 void Backup::finish() noexcept
 {
-    if (isSetAside)
-        retire();
     isAdvanced = false;
+    try {
+        if (isSetAside)
+            retire();
+    } catch (const std::bad_alloc&) {
+        return;  // The backup stays aside.
+    }
 }

@@ -12,8 +12,8 @@
 std::string generationName(const std::string& backupName, int number);
 
 // One step from a generation to the next. The caller holds the lock. Without finish() the end puts back the backup that
-// stood there. At every moment that one stands whole, under the backup's name or, set aside, under asideName(). Calls
-// throw Failure.
+// stood there. At every moment that one stands whole, under the backup's name or, set aside, under its other name.
+// Calls throw Failure.
 class Backup {
 public:
     // An empty name keeps nothing; generations: how many are kept.
@@ -32,12 +32,12 @@ public:
     void finish() noexcept;
 
 private:
-    std::string asideName() const;
-    void putBack() const;
+    bool putBack() const noexcept;
     void retire() const;
 
     const std::string name;
-    const int most;  // generations
+    const std::string aside;  // the other name
+    const int most;           // generations
     std::optional<PrivateFile> copy;
     bool isAdvanced = false;
     bool isSetAside = false;

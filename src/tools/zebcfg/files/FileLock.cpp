@@ -45,10 +45,11 @@ bool standsFor(const std::string& name, int file)
 }
 
 // Other users may read it: a message names the holder to whoever waits.
-bool describeHolder(int file)
+void describeHolder(int file, const std::string& name)
 {
-    const std::string text = mark + thisProcess() + '\n';
-    return ::write(file, text.data(), text.size()) == static_cast<ssize_t>(text.size()) && ::fchmod(file, 0644) == 0;
+    writeAll(file, mark + thisProcess() + '\n', "the lock file " + name);
+    if (::fchmod(file, 0644) != 0)
+        throw systemFailure(LDAP_OTHER, "cannot write the lock file " + name);
 }
 
 bool lockNow(int file)
@@ -109,11 +110,12 @@ bool FileLock::tryLock()
     if (file < 0)
         throw systemFailure(LDAP_INSUFFICIENT_ACCESS, "cannot create the lock file " + name);
     if (lockNow(file)) {
-        if (!describeHolder(file)) {
-            const Failure failure = systemFailure(LDAP_OTHER, "cannot write the lock file " + name);
+        try {
+            describeHolder(file, name);
+        } catch (...) {
             (void)::unlink(fresh.c_str());
             ::close(file);
-            throw failure;
+            throw;
         }
         renameToFree(fresh, name);
         if (standsFor(name, file)) {

@@ -30,9 +30,8 @@ std::string siblingOf(const std::string& name)
     return directory + '.' + name.substr(directory.size()) + ".zebcfg-new";
 }
 
-void syncDirectoryOf(const std::string& name)
+void syncDirectory(const std::string& directory) noexcept
 {
-    const std::string directory = directoryOf(name);
     const Descriptor opened(::open(directory.empty() ? "." : directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (opened.isOpen())
         (void)::fsync(opened.get());  // Some file systems refuse it, and nothing can be done about that.

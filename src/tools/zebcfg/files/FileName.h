@@ -9,7 +9,7 @@ std::string resolvedName(const std::string& name);
 std::string directoryOf(const std::string& name);  // with its slash; empty for a plain name
 // A name in the same directory for what is to take the place of name.
 std::string siblingOf(const std::string& name);
-// Makes what happened in the directory of a file last.
-void syncDirectoryOf(const std::string& name);
+// Makes what happened in a directory last.
+void syncDirectory(const std::string& directory) noexcept;
 
 #endif

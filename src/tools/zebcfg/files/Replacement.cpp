@@ -75,10 +75,11 @@ void Replacement::install()
     backup.prepare(file);
     if (!file.isCurrent())
         throw Failure(LDAP_BUSY, "another program has changed the file in the meantime; try again", file.shownName());
+    const std::string directory = directoryOf(file.path());
     const BlockedSignals blocked;
     backup.advance();
     working.moveTo(file.path());
-    syncDirectoryOf(file.path());
+    syncDirectory(directory);
     backup.finish();
     noteLost(working, handling);
 }
@@ -93,6 +94,6 @@ void createLike(const LiveFile& model, const std::string& name, const Handling& 
     copy.write(model.text());
     copy.sync();
     copy.moveTo(path);
-    syncDirectoryOf(path);
+    syncDirectory(directoryOf(path));
     noteLost(copy, handling);
 }

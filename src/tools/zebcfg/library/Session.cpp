@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstring>
 #include <set>
 #include <utility>
 
@@ -91,6 +92,19 @@ std::string listOf(const char* const* words)
 }
 
 }  // namespace
+
+void ResultRelease::operator()(CFGMessage* result) const noexcept
+{
+    for (const CFGMessage* entry = result; entry != nullptr; entry = entry->next) {
+        for (const CFGMessage* attribute = entry->child; attribute != nullptr; attribute = attribute->next) {
+            for (const CFGMessage* value = attribute->child; value != nullptr; value = value->next) {
+                if (value->text != nullptr)
+                    ::explicit_bzero(value->text, std::strlen(value->text));
+            }
+        }
+    }
+    cfg_msgfree(result);
+}
 
 bool isTextFailure(int code)
 {

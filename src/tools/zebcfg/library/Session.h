@@ -15,8 +15,9 @@
 // The entry that the login stands in.
 constexpr char configurationDn[] = "cn=Configuration";
 
+// Wipes the values, which may be clear passwords.
 struct ResultRelease {
-    void operator()(CFGMessage* result) const noexcept { cfg_msgfree(result); }
+    void operator()(CFGMessage* result) const noexcept;
 };
 // The library's records of what a search has found.
 using SearchResult = std::unique_ptr<CFGMessage, ResultRelease>;

@@ -1,4 +1,4 @@
-// What other processes may see of this one.
+// What other processes may see of this one, and what comes after it in the same memory.
 #ifndef ZEBCFG_PRIVATEPROCESS_H
 #define ZEBCFG_PRIVATEPROCESS_H
 
