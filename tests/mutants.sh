@@ -24,7 +24,7 @@ replace() {
 }
 
 run_tests() {
-    ctest --test-dir "$copy/build/debug" -j "$(nproc)" --stop-on-failure >"$log" 2>&1
+    ctest --test-dir "$copy/build/debug" -j "$(nproc)" --stop-on-failure "$@" >"$log" 2>&1
 }
 
 # The test that has failed first.
@@ -33,12 +33,13 @@ red_test() {
 }
 
 try() {
-    local file=$1 label=$2 old=$3 new=$4 by
+    local file=$1 label=$2 test=$3 old=$4 new=$5 by=''
     [[ -n $file && "$file $label" == *"$pattern"* ]] || return 0
     cp -p "$copy/$file" build/mutants/original
     replace "$copy/$file" "$old" "$new" || { echo "$file: $label: its text does not stand there once" && exit 2; }
     cmake --build "$copy/build/debug" >"$log" 2>&1 || { echo "$file: $label: it does not compile, see $log" && exit 2; }
-    by=$(run_tests || red_test)
+    [ -z "$test" ] || by=$(run_tests -R "$test" || red_test)
+    [ -n "$by" ] || by=$(run_tests || red_test)
     cp build/mutants/original "$copy/$file"
     tried=$((tried + 1))
     [ -n "$by" ] || survivors=$((survivors + 1))
@@ -53,17 +54,18 @@ cmake --preset debug -S "$copy" -B "$copy/build/debug" --log-level=WARNING >/dev
 cmake --build "$copy/build/debug" >"$log" 2>&1 || { cat "$log" && exit 2; }
 run_tests || { echo "without a fault: $(red_test) fails" && exit 2; }
 
-file='' label='' old='' new=''
+file='' label='' test='' old='' new=''
 while IFS= read -r line; do
     case $line in
         '@ '*)
-            try "$file" "$label" "${old%$'\n'}" "${new%$'\n'}"
-            line=${line#@ } file=${line%%: *} label=${line#*: } old='' new=''
+            try "$file" "$label" "$test" "${old%$'\n'}" "${new%$'\n'}"
+            line=${line#@ } file=${line%%: *} label=${line#*: } test='' old='' new=''
             ;;
+        '= '*) test=${line#= } ;;
         '- '*) old+=${line#- }$'\n' ;;
         '+'*) line=${line#+} new+=${line# }$'\n' ;;
     esac
 done <"$table"
-try "$file" "$label" "${old%$'\n'}" "${new%$'\n'}"
+try "$file" "$label" "$test" "${old%$'\n'}" "${new%$'\n'}"
 echo "$tried faults, $survivors survived"
 [ "$survivors" -eq 0 ]

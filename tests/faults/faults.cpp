@@ -319,6 +319,15 @@ char* setlocale(int category, const char* locale) noexcept
     return name;
 }
 
+// The texts of a language are kept too.
+char* strerror(int number) noexcept
+{
+    const long before = blocks;
+    char* const text = behind<&strerror>("strerror")(number);
+    blocks = before;
+    return text;
+}
+
 // The C library itself crashes when it has no memory here.
 passwd* getpwuid(uid_t user)
 {

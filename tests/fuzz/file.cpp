@@ -38,7 +38,9 @@ bool opensEntryWithoutColon(const std::string& text)
         require(result == resultOf([&] { otherLast = other.next(memory, otherLast); }), "both sources fail", text);
         if (result != success)
             break;
-        require(last == otherLast && one.type == other.type && one.str() == other.str(), "lines are the same", text);
+        require(last == otherLast, "lines have the same number", text);
+        require(one.type == other.type, "lines are of the same type", text);
+        require(one.str() == other.str(), "lines are the same", text);
         found = found || (one.type == LDIF_Line::dn && !one.wellFormed);
     }
     return found;
@@ -95,8 +97,8 @@ PlainTree requireSame(const Round<LoadedFile>& fast, const std::string& text)
         anyEntry(plain.file.tree, [](const auto& entry) { return anyAttribute(entry, hasPassword); });
     require(fast.loaded == plain.loaded, "both ways load alike", text);
     require(fast.loaded == success || fast.file.lastLine == plain.file.lastLine, "both ways fail at one line", text);
-    require(mayDiffer || (fast.rendered == plain.rendered && fast.written == plain.written), "both ways write alike",
-            text);
+    require(mayDiffer || fast.rendered == plain.rendered, "both ways render alike", text);
+    require(mayDiffer || fast.written == plain.written, "both ways write alike", text);
     return std::move(plain.file.tree);
 }
 

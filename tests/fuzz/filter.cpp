@@ -37,8 +37,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const Codes result = resultOf([&] { filter = text; });
     require(result == success || result.first == 162, "every text is a filter", text);
     require(result == resultOf([&] { enclosed = " ( " + text + " )"; }), "parentheses change no result", text);
-    require(filter.attr == enclosed.attr && filter.value == enclosed.value && filter.anyValue == enclosed.anyValue,
-            "parentheses change no filter", text);
+    require(filter.attr == enclosed.attr, "parentheses change no attribute", text);
+    require(filter.value == enclosed.value, "parentheses change no value", text);
+    require(filter.anyValue == enclosed.anyValue, "parentheses change no presence", text);
     for (const LDIF_Entry& entry : entries) {
         bool matches = false, expected = false;
         const Codes found = resultOf([&] { matches = filter.match(entry); });
