@@ -96,7 +96,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     require(mayDiffer || readByTool(text) == readByLibldap(text), "libldap reads the same", text);
     const auto entries = entriesOf(text);
-    for (const std::size_t wrap : {0, 3, 76}) {
+    for (const std::size_t wrap : {0U, 3U, 76U}) {
         std::string written;
         for (const Entry& entry : entries)
             written += toLdif(entry, false, wrap);

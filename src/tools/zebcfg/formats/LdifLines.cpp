@@ -119,7 +119,7 @@ LdifLine LdifLines::parse(std::string_view line) const
     parsed.value = form == ':' ? decoded(value.substr(1)) : std::string(withoutFirst(value));
     if (parsed.value.find('\0') != std::string::npos)
         throw failure(LDAP_INVALID_SYNTAX, shownLine(parsed.name) + ": the value contains a NUL byte");
-    parsed.value = inLocale(parsed.value);
+    parsed.value = inLocale(std::move(parsed.value));
     return parsed;
 }
 
@@ -131,10 +131,10 @@ std::string LdifLines::decoded(std::string_view value) const
     return *bytes;
 }
 
-std::string LdifLines::inLocale(const std::string& utf8) const
+std::string LdifLines::inLocale(std::string utf8) const
 {
     try {
-        return fromUtf8(utf8);
+        return fromUtf8(std::move(utf8));
     } catch (const Failure& refusal) {
         throw failure(refusal.code, refusal.text);
     }

@@ -38,7 +38,7 @@ private:
     std::string_view nextFolded();
     LdifLine parse(std::string_view line) const;
     std::string decoded(std::string_view value) const;
-    std::string inLocale(const std::string& utf8) const;
+    std::string inLocale(std::string utf8) const;
 
     std::string text;  // Each line has its end, and a blank line follows the last record.
     std::string shownName;

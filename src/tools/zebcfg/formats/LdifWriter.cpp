@@ -17,7 +17,8 @@ bool isPrintable(char character)
     return character >= ' ' && character <= '~';
 }
 
-// Whether the value can stand as it is. Narrower than SAFE-STRING, which has control characters and a last blank.
+// Whether the value, which is not empty, can stand as it is. Narrower than SAFE-STRING, which has control characters
+// and a last blank.
 bool isPlain(const std::string& value)
 {
     return std::all_of(value.begin(), value.end(), isPrintable) && value.back() != ' ' &&
@@ -34,7 +35,7 @@ bool isAlwaysInBase64(const std::string& name)
 void fold(std::string& text, std::size_t begin, std::size_t whole, std::size_t wrap)
 {
     const std::string line = text.substr(begin);
-    std::size_t at = std::max(whole, std::min(wrap, line.size()));
+    std::size_t at = std::min(std::max(whole, wrap), line.size());
     text.resize(begin + at);
     for (; at < line.size(); at += wrap - 1)
         text.append("\n ").append(line, at, wrap - 1);
@@ -44,12 +45,12 @@ void appendLine(std::string& out, const std::string& name, const std::string& va
 {
     const std::size_t begin = out.size();
     out.append(name) += ':';
-    std::size_t whole = out.size() - begin;
-    if (!value.empty()) {
-        const bool isText = isPlain(value) && !isAlwaysInBase64(name);
-        out += isText ? " " : ": ";
-        whole = out.size() - begin;
-        out += isText ? value : toBase64(value);
+    std::size_t whole = out.size() - begin + 1;
+    if (!value.empty() && isPlain(value) && !isAlwaysInBase64(name)) {
+        out.append(1, ' ').append(value);
+    } else if (!value.empty()) {
+        out.append(": ").append(toBase64(value));
+        ++whole;
     }
     if (wrap != 0)
         fold(out, begin, whole, wrap);
