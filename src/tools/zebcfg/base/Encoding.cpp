@@ -47,7 +47,7 @@ std::string toUtf8(const std::string& text)
     return isUtf8Locale() ? text : converted(text, ::nl_langinfo(CODESET), utf8).value_or(text);
 }
 
-std::string fromUtf8(const std::string& text)
+std::string fromUtf8(std::string text)
 {
     if (isUtf8Locale())
         return text;

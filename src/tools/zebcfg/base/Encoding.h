@@ -9,6 +9,6 @@ bool isUtf8Locale();
 // Text that is not in the locale's encoding comes back as it is.
 std::string toUtf8(const std::string& text);
 // Throws Failure (21) for a text that is no UTF-8, or has characters that the locale's encoding does not have.
-std::string fromUtf8(const std::string& text);
+std::string fromUtf8(std::string text);
 
 #endif

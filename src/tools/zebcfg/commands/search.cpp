@@ -7,7 +7,7 @@
 #include "cli/Call.h"
 #include "formats/ConfigText.h"
 #include "formats/Json.h"
-#include "formats/Ldif.h"
+#include "formats/LdifWriter.h"
 #include "library/Dn.h"
 #include "library/Query.h"
 #include "terminal/Progress.h"

@@ -2,7 +2,7 @@
 #ifndef ZEBCFG_CHANGES_H
 #define ZEBCFG_CHANGES_H
 
-#include "formats/Ldif.h"
+#include "formats/LdifRecord.h"
 #include "library/Dn.h"
 #include "library/Session.h"
 #include "library/WorkingCopy.h"

@@ -5,6 +5,7 @@
 #include "base/Masking.h"
 #include "base/Text.h"
 #include "files/Input.h"
+#include "formats/LdifReader.h"
 #include "library/Dn.h"
 #include "library/Outline.h"
 #include "terminal/Progress.h"

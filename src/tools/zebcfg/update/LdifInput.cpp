@@ -5,6 +5,7 @@
 #include "files/Descriptor.h"
 #include "files/FileName.h"
 #include "files/Input.h"
+#include "formats/LdifReader.h"
 #include "library/Dn.h"
 #include "terminal/Progress.h"
 #include "update/Update.h"

@@ -2,7 +2,7 @@
 #ifndef ZEBCFG_LDIFINPUT_H
 #define ZEBCFG_LDIFINPUT_H
 
-#include "formats/Ldif.h"
+#include "formats/LdifRecord.h"
 #include "update/Target.h"
 
 #include <string>
