@@ -273,9 +273,9 @@ TEST(Objects, FilesKeepTheModeThatTheyHaveNow)
     ASSERT_EQ(::chmod(name.c_str(), 0600), 0);
     file.flush();
     for (const std::string& each : {name, name + ".bak"}) {
-        FileStatus status = {};
-        ASSERT_EQ(_stat(each.c_str(), &status), 0);
-        EXPECT_EQ(status.st_mode, S_IFREG | mode_t{0600}) << each;
+        FileStatus status;
+        ASSERT_EQ(readFileStatus(each, status), 0);
+        EXPECT_EQ(status.protection.mode, mode_t{0600}) << each;
     }
 }
 

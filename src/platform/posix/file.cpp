@@ -1,8 +1,10 @@
 #include "platform.h"
 
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
 
@@ -35,30 +37,29 @@ int openFile(const std::string& name, int flags, mode_t mode = 0) noexcept
 }
 
 // Without the old group, the permissions of a group would be another's.
-void takeOver(int file, const FileStatus& before) noexcept
+void takeOver(int file, const FileProtection& before) noexcept
 {
     const bool hasGroup =
-        ::fchown(file, before.st_uid, before.st_gid) == 0 || ::fchown(file, static_cast<uid_t>(-1), before.st_gid) == 0;
-    const mode_t mode = before.st_mode & permissions;
-    (void)::fchmod(file, hasGroup ? mode : mode & ~groupPermissions);
+        ::fchown(file, before.owner, before.group) == 0 || ::fchown(file, static_cast<uid_t>(-1), before.group) == 0;
+    (void)::fchmod(file, hasGroup ? before.mode : before.mode & ~groupPermissions);
 }
 
 // The status of an open regular file; false for any other, and on failure.
-bool readRegular(int file, FileStatus& status) noexcept
+bool readRegular(int file, struct stat& status) noexcept
 {
-    return file >= 0 && ::fstat(file, &status) == 0 && isRegular(status);
+    return file >= 0 && ::fstat(file, &status) == 0 && S_ISREG(status.st_mode);
 }
 
 // A new file like the one before, or the one that is there, cut to length 0; negative when neither can be opened, and
 // for what is no regular file.
-int openForWriting(const std::string& name, const FileStatus& before) noexcept
+int openForWriting(const std::string& name, const FileProtection& before) noexcept
 {
-    const int created = openFile(name, O_WRONLY | O_CREAT | O_EXCL, before.st_mode & ownerOnly);
+    const int created = openFile(name, O_WRONLY | O_CREAT | O_EXCL, before.mode & ownerOnly);
     if (created >= 0) {
         takeOver(created, before);
         return created;
     }
-    FileStatus status = {};
+    struct stat status = {};
     const int present = openFile(name, O_WRONLY);
     if (present < 0 || (readRegular(present, status) && ::ftruncate(present, 0) == 0))
         return present;
@@ -86,7 +87,7 @@ bool writeAll(int file, std::string_view bytes) noexcept
     return true;
 }
 
-bool isSameInode(const FileStatus& left, const FileStatus& right) noexcept
+bool isSameInode(const struct stat& left, const struct stat& right) noexcept
 {
     return left.st_dev == right.st_dev && left.st_ino == right.st_ino;
 }
@@ -105,18 +106,27 @@ bool isSamePlace(const std::string& name, const std::string& other)
 {
     const auto [directory, last] = splitName(name);
     const auto [otherDirectory, otherLast] = splitName(other);
-    FileStatus status = {};
-    FileStatus otherStatus = {};
+    struct stat status = {};
+    struct stat otherStatus = {};
     return last == otherLast && (::stat(directory.c_str(), &status) != 0 ||
                                  ::stat(otherDirectory.c_str(), &otherStatus) != 0 || isSameInode(status, otherStatus));
 }
 
 }  // namespace
 
+int readFileStatus(const std::string& name, FileStatus& status)
+{
+    struct stat found = {};
+    if (::stat(name.c_str(), &found) != 0)
+        return errno;
+    status = {found.st_mtime, S_ISREG(found.st_mode), {found.st_mode & permissions, found.st_uid, found.st_gid}};
+    return 0;
+}
+
 bool readFile(const std::string& name, TextBuffer& content, std::size_t& length)
 {
     const Descriptor file(openFile(name, O_RDONLY));
-    FileStatus status = {};
+    struct stat status = {};
     if (!readRegular(file.get(), status))
         return false;
     content = TextBuffer(static_cast<std::size_t>(status.st_size) + 1);  // one more, to meet the end in the same read
@@ -134,13 +144,8 @@ bool readFile(const std::string& name, TextBuffer& content, std::size_t& length)
     }
 }
 
-bool isRegular(const FileStatus& status) noexcept
-{
-    return S_ISREG(status.st_mode);
-}
-
 // Small pieces are gathered, so that the system is called seldom.
-bool writeFile(const std::string& name, const std::vector<std::string_view>& pieces, const FileStatus& before)
+bool writeFile(const std::string& name, const std::vector<std::string_view>& pieces, const FileProtection& before)
 {
     constexpr std::size_t gathered = std::size_t{64} << 10;
     std::string buffer;
@@ -163,6 +168,11 @@ bool writeFile(const std::string& name, const std::vector<std::string_view>& pie
     return true;
 }
 
+bool renameFile(const std::string& name, const std::string& other) noexcept
+{
+    return std::rename(name.c_str(), other.c_str()) == 0;
+}
+
 void removeFile(const std::string& name) noexcept
 {
     (void)::unlink(name.c_str());
@@ -171,9 +181,9 @@ void removeFile(const std::string& name) noexcept
 // A second hard link is another entry: removing it leaves the file where it is.
 bool isSameFile(const std::string& name, const std::string& other)
 {
-    FileStatus target = {};
-    FileStatus entry = {};
-    FileStatus otherEntry = {};
+    struct stat target = {};
+    struct stat entry = {};
+    struct stat otherEntry = {};
     if (::stat(name.c_str(), &target) != 0 || ::lstat(name.c_str(), &entry) != 0 ||
         ::lstat(other.c_str(), &otherEntry) != 0)
         return errno != ENOENT && errno != ENOTDIR;
