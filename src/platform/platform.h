@@ -27,7 +27,7 @@ constexpr int nameTooLong = 206;
 
 // Puts a name behind the current directory, unless it is absolute, into a buffer of that many bytes. On POSIX nothing
 // is resolved. Gives 0 or an error number.
-int fullPathName(const char* name, char* buffer, std::size_t size) noexcept;
+int fullPathName(const char* name, char* buffer, std::size_t size);
 
 // The system's text for an error number; empty when it has none.
 std::string systemErrorText(int number);
@@ -152,10 +152,10 @@ bool readFile(const std::string& name, TextBuffer& content, std::size_t& length)
 bool writeFile(const std::string& name, const std::vector<std::string_view>& pieces, const FileProtection& before);
 
 // Gives a file another name, which no file has. False when it cannot.
-bool renameFile(const std::string& name, const std::string& other) noexcept;
+bool renameFile(const std::string& name, const std::string& other);
 
 // Removes a file, and never a directory. A failure is not reported.
-void removeFile(const std::string& name) noexcept;
+void removeFile(const std::string& name);
 
 // Whether the directory entry other is the file itself, or what the file's symbolic link leads to: removing other
 // would remove the file's content. False when one of them is not there, true when it cannot be told.

@@ -1,5 +1,7 @@
 #include "platform.h"
 
+#include "transfer.h"
+
 #include <cstdlib>
 #include <cstring>
 #include <utility>
@@ -17,4 +19,19 @@ TextBuffer& TextBuffer::operator=(TextBuffer&& other) noexcept
     std::swap(length, other.length);
     std::swap(isSecret, other.isSecret);
     return *this;
+}
+
+void enlarge(TextBuffer& content)
+{
+    TextBuffer larger(2 * content.size());
+    larger.setSecret(true);
+    std::memcpy(larger.data(), content.data(), content.size());
+    content = std::move(larger);
+}
+
+std::string gatheringBuffer()
+{
+    std::string buffer;
+    buffer.reserve(std::size_t{64} << 10);
+    return buffer;
 }

@@ -1,8 +1,9 @@
 #include "platform.h"
 
+#include "transfer.h"
+
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -67,12 +68,14 @@ int openForWriting(const std::string& name, const FileProtection& before) noexce
     return -1;
 }
 
-void enlarge(TextBuffer& content)
+// The number of bytes read, 0 at the end, negative on failure.
+std::ptrdiff_t readSome(int file, char* bytes, std::size_t size) noexcept
 {
-    TextBuffer larger(2 * content.size());
-    larger.setSecret(true);
-    std::memcpy(larger.data(), content.data(), content.size());
-    content = std::move(larger);
+    for (;;) {
+        const ssize_t count = ::read(file, bytes, size);
+        if (count >= 0 || errno != EINTR)
+            return count;
+    }
 }
 
 // False when a write has failed.
@@ -129,51 +132,26 @@ bool readFile(const std::string& name, TextBuffer& content, std::size_t& length)
     struct stat status = {};
     if (!readRegular(file.get(), status))
         return false;
-    content = TextBuffer(static_cast<std::size_t>(status.st_size) + 1);  // one more, to meet the end in the same read
-    content.setSecret(true);
-    for (length = 0;;) {
-        if (length == content.size())
-            enlarge(content);
-        const ssize_t count = ::read(file.get(), content.data() + length, content.size() - length);
-        if (count == 0)
-            return true;
-        if (count > 0)
-            length += static_cast<std::size_t>(count);
-        else if (errno != EINTR)
-            return false;
-    }
+    return readToEnd(content, length, static_cast<std::size_t>(status.st_size),
+                     [&](char* bytes, std::size_t size) { return readSome(file.get(), bytes, size); });
 }
 
-// Small pieces are gathered, so that the system is called seldom.
 bool writeFile(const std::string& name, const std::vector<std::string_view>& pieces, const FileProtection& before)
 {
-    constexpr std::size_t gathered = std::size_t{64} << 10;
-    std::string buffer;
-    buffer.reserve(gathered);
+    std::string buffer = gatheringBuffer();
     const Descriptor file(openForWriting(name, before));
     if (file.get() < 0)
         return false;
-    for (const std::string_view piece : pieces) {
-        if (buffer.size() + piece.size() > gathered) {
-            if (!writeAll(file.get(), buffer))
-                return true;
-            buffer.clear();
-        }
-        if (piece.size() <= gathered)
-            buffer += piece;
-        else if (!writeAll(file.get(), piece))
-            return true;
-    }
-    (void)writeAll(file.get(), buffer);
+    writeGathered(pieces, buffer, [&](std::string_view bytes) { return writeAll(file.get(), bytes); });
     return true;
 }
 
-bool renameFile(const std::string& name, const std::string& other) noexcept
+bool renameFile(const std::string& name, const std::string& other)
 {
     return std::rename(name.c_str(), other.c_str()) == 0;
 }
 
-void removeFile(const std::string& name) noexcept
+void removeFile(const std::string& name)
 {
     (void)::unlink(name.c_str());
 }

@@ -29,7 +29,7 @@ int windowsError(int error)
 }  // namespace
 
 // Takes no memory, which could run out: a failure here is that of a name.
-int fullPathName(const char* name, char* buffer, std::size_t size) noexcept
+int fullPathName(const char* name, char* buffer, std::size_t size)
 {
     char directory[PATH_MAX] = "";
     const bool isAbsolute = name[0] == '/';
