@@ -3,4 +3,4 @@
 WINEPREFIX=$(cd "$(dirname "$1")/.." && pwd)/wine
 export WINEPREFIX
 export WINEDEBUG=-all WINEDLLOVERRIDES='mscoree,mshtml=' DISPLAY=
-exec wine64 "$@"
+exec /usr/lib/wine/wine64 "$@"
