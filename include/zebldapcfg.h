@@ -34,9 +34,15 @@
 #ifndef ZEBLDAPCFG_H
 #define ZEBLDAPCFG_H
 
-#include <ldap.h>
+#ifdef _WIN32
+#include <windows.h>
 
-#ifdef __GNUC__
+#include <winldap.h>
+#else
+#include <ldap.h>
+#endif
+
+#if defined(__GNUC__) && !defined(_WIN32)
 #define ZEBLDAPCFG_API __attribute__((visibility("default")))
 #else
 #define ZEBLDAPCFG_API /* the linker's list of names says what is exported */

@@ -4,9 +4,7 @@
 #include <algorithm>
 #include <functional>
 #include <gtest/gtest.h>
-#include <pthread.h>
 #include <regex>
-#include <thread>
 
 namespace {
 
@@ -319,12 +317,8 @@ TEST_F(Api, AMillionEntriesAreReleasedOnASmallStack)
     CFGMessage* chain = nullptr;
     for (int count = 0; count < 1'000'000; ++count)
         chain = new (std::calloc(1, sizeof(CFGMessage))) CFGMessage{CFG_MSG_ENTRY, nullptr, nullptr, chain};
-    pthread_attr_t small;
-    pthread_attr_init(&small);
-    pthread_attr_setstacksize(&small, 256 * 1024);
-    pthread_setattr_default_np(&small);
     int code = 1;
-    std::thread([&] { code = cfg_msgfree(chain); }).join();
+    onStack(256 * 1024, [&] { code = cfg_msgfree(chain); });
     EXPECT_EQ(code, 0);
 }
 

@@ -45,7 +45,7 @@ TEST_F(BadInput, IsAnsweredAsTheTableSays)
 {
     std::set<std::string> unused;
     for (const auto& each : std::filesystem::directory_iterator(DATA "/bad-input"))
-        unused.insert(each.path().filename());
+        unused.insert(each.path().filename().string());
     std::istringstream table(readText(DATA "/bad-input.txt"));
     for (std::string row; std::getline(table, row);) {
         if (row.empty() || row[0] == '#')
@@ -89,6 +89,6 @@ TEST_F(BadInput, IsTheSampleCutOrChangedAtAnyByte)
         }
     }
     EXPECT_EQ(codes.size(), 4U);
-    for (const int code : {0, LDAP_INVALID_DN_SYNTAX, LDAP_OBJECT_CLASS_VIOLATION, 162})
+    for (const int code : std::initializer_list<int>{0, LDAP_INVALID_DN_SYNTAX, LDAP_OBJECT_CLASS_VIOLATION, 162})
         EXPECT_GT(codes[code], 0) << code;
 }

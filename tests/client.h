@@ -10,12 +10,9 @@
 #include <utility>
 #include <vector>
 
-// A handle takes its locale from here.
-inline const int utf8 = setenv("LC_ALL", "C.UTF-8", 1);
-
 // One record of an update. Its values are binary ones where the operation has LDAP_MOD_BVALUES.
 struct Mod {
-    int operation;
+    decltype(LDAPMod::mod_op) operation;
     std::string type;
     std::vector<std::string> values;
     std::vector<berval> binaries = {};
@@ -53,6 +50,7 @@ struct Client {
     int make()
     {
         cfg = cfg_init();
+        useUtf8();
         const int code = cfg == nullptr ? CFG_NO_MEMORY : cfg_set_option(cfg, CFG_OPT_CONFIG_FILE, file);
         return code != 0 ? code : cfg_set_option(cfg, CFG_OPT_BACKUP_FILE, backup);
     }
@@ -83,7 +81,7 @@ struct Client {
     }
 
     // An update with one value.
-    int change(Update call, const char* dn, int operation, const char* type, const char* value) const
+    int change(Update call, const char* dn, decltype(LDAPMod::mod_op) operation, const char* type, const char* value) const
     {
         char* values[] = {const_cast<char*>(value), nullptr};
         LDAPMod record = {operation, const_cast<char*>(type), {values}};

@@ -1,10 +1,9 @@
-// Failures and their reports, the codes, strings, and the platform layer.
+// Failures and their reports, the codes, strings.
 #include "LDIF_AttrType.h"
 #include "LDIF_Exception.h"
 #include "LDIF_HashIndex.h"
 #include "LDIF_Util.h"
 #include "cisString.h"
-#include "platform.h"
 #include "support.h"
 #include "zebldapcfg.h"
 
@@ -14,7 +13,6 @@
 #include <vector>
 
 static const ScopedLocale utf8;
-static const TempDirectory directory;
 
 TEST(Failure, DumpsEachFieldInItsPlace)
 {
@@ -146,89 +144,4 @@ TEST(HashIndex, FindsWhatWasAddedAndNotRemoved)
             ASSERT_EQ(index.find(hash, is), isPresent(each) ? each : LDIF_HashIndex::npos) << step;
         }
     }
-}
-
-TEST(Platform, HasARegistryOfFiles)
-{
-    registry = directory.path;
-    std::filesystem::create_directories(directory / "A/B/folder");
-    writeText(directory / "A/B/one", "/opt\n\n");
-    HKEY key = nullptr;
-    unsigned char data[9] = "";
-    EXPECT_EQ(RegOpenKeyExA(HKEY_LOCAL_MACHINE, "A\\B\\one", 0, KEY_READ, &key), 2);
-    ASSERT_EQ(RegOpenKeyExA(HKEY_LOCAL_MACHINE, "A\\B", 0, KEY_READ, &key), 0);
-    using Row = std::tuple<const char*, DWORD, LONG, DWORD>;
-    for (auto [name, size, result, left] :
-         {Row{"one", 5, 234, 6}, {"one", 6, 0, 6}, {"gone", 9, 2, 9}, {"folder", 9, 5, 9}}) {
-        EXPECT_EQ(RegQueryValueExA(key, name, nullptr, nullptr, data, &size), result) << name;
-        EXPECT_EQ(size, left) << name;
-    }
-    EXPECT_EQ(RegCloseKey(key), 0);
-    EXPECT_STREQ(reinterpret_cast<char*>(data), "/opt\n");
-}
-
-static FileStatus ownFile(mode_t mode)
-{
-    FileStatus status = {};
-    std::tie(status.st_uid, status.st_gid, status.st_mode) = std::tuple(::getuid(), ::getgid(), S_IFREG | mode);
-    return status;
-}
-
-TEST(Platform, GivesFullNamesThatFit)
-{
-    const std::string full = std::filesystem::current_path().string() + "/../f";
-    const auto length = static_cast<DWORD>(full.size());
-    char buffer[4096] = "";
-    EXPECT_EQ(GetFullPathNameA("../f", length, buffer, nullptr), length + 1);  // no room for the NUL
-    EXPECT_EQ(GetFullPathNameA("../f", length + 1, buffer, nullptr), length);
-    EXPECT_EQ(buffer, full);
-    EXPECT_EQ(GetFullPathNameA("/x/../y", 8, buffer, nullptr), 7U);
-    EXPECT_STREQ(buffer, "/x/../y");
-}
-
-TEST(Platform, WritesFilesWithTheirMode)
-{
-    const std::string name = directory / "mode";
-    for (const mode_t mode : {0640U, 0600U, 0644U, 0604U}) {
-        for (const mode_t given : {mode, 0666U}) {  // a file that is there keeps its mode
-            FileStatus made = {};
-            EXPECT_TRUE(writeFile(name, {"x"}, ownFile(given))) << given;
-            EXPECT_EQ(_stat(name.c_str(), &made), 0) << given;
-            EXPECT_EQ(made.st_mode, S_IFREG | mode) << given;
-        }
-        removeFile(name);
-    }
-}
-
-TEST(Platform, ReadsFilesAsTheyWereWritten)
-{
-    TextBuffer read;
-    std::size_t size = 0;
-    const FileStatus status = ownFile(0600);
-    for (const std::string& text : {std::string(100'000, 'x'), std::string("a\r\n\0b", 5), std::string(),
-                                    std::string(5'000'000, 'y'), std::string(300'000, 'z')}) {
-        EXPECT_TRUE(writeFile(directory / "file", {text, "", "+", text}, status)) << text.size();
-        EXPECT_TRUE(readFile(directory / "file", read, size)) << text.size();
-        EXPECT_TRUE(std::string_view(read.data(), size) == text + '+' + text) << text.size();
-    }
-    ASSERT_EQ(::mkfifo((directory / "fifo").c_str(), 0600), 0);
-    for (const char* name : {"", "fifo", "gone/file"}) {
-        EXPECT_FALSE(readFile(directory / name, read, size)) << name;
-        EXPECT_FALSE(writeFile(directory / name, {"x"}, status)) << name;
-    }
-}
-
-TEST(Platform, KnowsAFileByEachOfItsNamesButAHardLink)
-{
-    const TempDirectory folder;
-    const auto isSame = [&](const char* name, const char* other) { return isSameFile(folder / name, folder / other); };
-    writeText(folder / "file", "x");
-    std::filesystem::create_symlink("file", folder / "link");
-    EXPECT_TRUE(isSame("link", "file"));
-    EXPECT_TRUE(isSame("link", "link"));
-    std::filesystem::create_hard_link(folder / "file", folder / "second");
-    EXPECT_TRUE(isSame("file", "./file"));
-    for (const char* other : {"second", "link", "", "gone"})
-        EXPECT_FALSE(isSame("file", other)) << other;
-    EXPECT_FALSE(isSame("gone", "gone"));
 }

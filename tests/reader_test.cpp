@@ -3,21 +3,12 @@
 #include "support.h"
 
 #include <gtest/gtest.h>
-#include <langinfo.h>
 #include <random>
 #include <regex>
-
-static const int path = setenv("LOCPATH", LOCALES, 1);
 
 namespace {
 
 using Texts = std::vector<std::string>;
-
-// Text in the encoding of the locale, with "?" for what that lacks.
-std::string inLocale(const std::string& text)
-{
-    return converted(text, std::string(nl_langinfo(CODESET)) + "//TRANSLIT", "UTF-8").first;
-}
 
 // A clear password gets another form each time.
 std::string withoutEncodings(const std::string& text)
@@ -60,7 +51,7 @@ public:
             text.resize(text.find_last_not_of("\r\n") + 1);
         if (draw(12) == 0 && !text.empty())
             text[draw(text.size())] = static_cast<char>(random());
-        return inLocale(text);
+        return inLocale(text).first;
     }
 
 private:
@@ -125,7 +116,7 @@ class Reader : public testing::TestWithParam<const char*> {};
 TEST_P(Reader, ReadsWhatTheClassesRead)
 {
     const ScopedLocale scoped(GetParam());
-    ASSERT_STREQ(std::setlocale(LC_CTYPE, nullptr), GetParam());
+    ASSERT_NE(std::setlocale(LC_CTYPE, GetParam()), nullptr);
     for (unsigned seed = 0; seed < 3000 && !HasFailure(); ++seed)
         expectSame(RandomText(seed).str());
 }
@@ -136,13 +127,13 @@ TEST_P(Reader, ReadsTheSamplesAsTheClassesDo)
     int count = 0;
     for (const char* const samples : {"/fuzz/corpus/file", "/data/bad-input", "/../examples"})
         for (const auto& each : std::filesystem::directory_iterator(std::string(TESTS) + samples)) {
-            expectSame(readText(each.path()));
+            expectSame(readText(each.path().string()));
             ++count;
         }
     EXPECT_GT(count, 150);
 }
 
-INSTANTIATE_TEST_SUITE_P(Locales, Reader, testing::Values("C", "C.UTF-8", "de_CH.ISO-8859-1", "ja_JP.EUC-JP"),
+INSTANTIATE_TEST_SUITE_P(Locales, Reader, testing::Values("C", utf8Locale, germanLocale, japaneseLocale),
                          [](const auto& each) {
                              return std::regex_replace(each.param, std::regex("[^A-Za-z0-9]"), "_");
                          });

@@ -4,8 +4,6 @@
 
 #include <cstdint>
 #include <gtest/gtest.h>
-#include <pthread.h>
-#include <thread>
 #include <vector>
 
 namespace {
@@ -108,11 +106,7 @@ void useFile(const Case& tried)
 
 TEST_P(Size, IsLoadedSearchedChangedAndReleased)
 {
-    pthread_attr_t attributes;
-    pthread_attr_init(&attributes);
-    pthread_attr_setstacksize(&attributes, stackSize);
-    pthread_setattr_default_np(&attributes);
-    std::thread([&] { useFile(GetParam()); }).join();
+    onStack(stackSize, [] { useFile(GetParam()); });
 }
 
 INSTANTIATE_TEST_SUITE_P(Files, Size, testing::ValuesIn(cases), testing::PrintToStringParamName());

@@ -6,23 +6,21 @@
 #include <clocale>
 #include <filesystem>
 #include <fstream>
-#include <iconv.h>
-#include <iterator>
 #include <memory>
+#include <pthread.h>
 #include <random>
 #include <sstream>
 #include <string>
 #include <system_error>
 #include <utime.h>
 
-class LDIF_Exception;
+#include "testSystem.h"
 
-// The directory of the registry of a test that links the classes; what it names at first has no keys.
-extern std::string registry;
+class LDIF_Exception;
 
 // Sets the locale of the process, and the former one again at the end.
 struct ScopedLocale {
-    explicit ScopedLocale(const char* name = "C.UTF-8") { std::setlocale(LC_ALL, name); }
+    explicit ScopedLocale(const char* name = utf8Locale) { std::setlocale(LC_ALL, name); }
     ScopedLocale(const ScopedLocale&) = delete;
     ~ScopedLocale() { std::setlocale(LC_ALL, former.c_str()); }
     const std::string former = std::setlocale(LC_ALL, nullptr);
@@ -33,8 +31,9 @@ struct TempDirectory {
     TempDirectory() { std::filesystem::create_directory(path); }
     TempDirectory(const TempDirectory&) = delete;
     ~TempDirectory() { std::filesystem::remove_all(path, ignored); }
-    std::string operator/(const std::string& name) const { return path + '/' + name; }
-    const std::string path = std::filesystem::temp_directory_path() / ("cfg" + std::to_string(std::random_device()()));
+    std::string operator/(const std::string& name) const { return (std::filesystem::path(path) / name).string(); }
+    const std::string path =
+        (std::filesystem::temp_directory_path() / ("cfg" + std::to_string(std::random_device()()))).string();
     std::error_code ignored;
 };
 
@@ -43,37 +42,34 @@ inline void writeText(const std::string& name, const std::string& text)
     std::ofstream(name, std::ios::binary) << text;
 }
 
+// Where the library has written it, each line ends in LF, whatever it is in the file.
 inline std::string readText(const std::string& name)
 {
     std::ostringstream text;
     text << std::ifstream(name, std::ios::binary).rdbuf();
-    return text.str();
+    return withoutReturns(text.str());
 }
 
 // The time tells the writers of a file apart. In seconds.
 inline void setTime(const std::string& name, time_t seconds)
 {
-    const utimbuf times = {seconds, seconds};
+    utimbuf times = {seconds, seconds};
     if (::utime(name.c_str(), &times) != 0)
         throw std::system_error(errno, std::generic_category(), name);
 }
 
-inline long openDescriptors()
+// Runs body in a thread whose stack has that many bytes.
+template <typename Body>
+void onStack(std::size_t size, Body body)
 {
-    const std::filesystem::directory_iterator all("/proc/self/fd");
-    return std::distance(begin(all), end(all));
-}
-
-// As much of a text in another encoding as that can hold, and whether this is all.
-inline std::pair<std::string, bool> converted(std::string text, const std::string& to, const char* from)
-{
-    std::string out(4 * text.size() + 1, '\0');
-    char *input = text.data(), *output = out.data();
-    std::size_t inputLeft = text.size(), outputLeft = out.size();
-    auto* const conversion = iconv_open(to.c_str(), from);
-    const bool isWhole = iconv(conversion, &input, &inputLeft, &output, &outputLeft) == 0;
-    iconv_close(conversion);
-    return {out.substr(0, out.size() - outputLeft), isWhole};
+    pthread_t thread = {};
+    pthread_attr_t attributes;
+    pthread_attr_init(&attributes);
+    pthread_attr_setstacksize(&attributes, size);
+    const auto run = [](void* given) -> void* { return (*static_cast<Body*>(given))(), nullptr; };
+    if (pthread_create(&thread, &attributes, run, &body) == 0)
+        pthread_join(thread, nullptr);
+    pthread_attr_destroy(&attributes);
 }
 
 // The failure that a call throws, or null. Who uses them includes LDIF_Exception.h.

@@ -1,97 +1,58 @@
-// The services of the library's home platform: Win32 and the Microsoft C runtime. On Windows this header takes the
-// real ones; on POSIX it declares a small layer with the same names, results and error numbers, so that the code
-// above reads the same everywhere.
+// The services of the system: its files, its registry, its locales, its memory and its texts. What is the same
+// everywhere is in common/; what differs is in posix/ or windows/, and the code above knows nothing of it.
 #ifndef PLATFORM_H
 #define PLATFORM_H
 
+#include "system.h"
+
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
-#include <sys/stat.h>
+// The registry. On POSIX it is a directory tree below registryRoot(), keys as folders, values as files whose content,
+// less one final line feed, is the value.
+//
+// Copies a value of a key below HKEY_LOCAL_MACHINE to a buffer of that many bytes, with a closing NUL. The parts of a
+// key are separated by "\". False when the value cannot be had or does not fit.
+bool readRegistry(const char* key, const char* value, char* buffer, std::size_t size) noexcept;
 
-#ifdef _WIN32
-
-#include <string.h>
-#include <windows.h>
-
-constexpr const char* pathSeparator = "\\";
-
-using FileStatus = struct _stat;
-
-#else
-
-using LONG = int;
-using DWORD = unsigned int;
-
-constexpr DWORD ERROR_SUCCESS = 0;
-constexpr DWORD ERROR_FILE_NOT_FOUND = 2;
-constexpr DWORD ERROR_PATH_NOT_FOUND = 3;
-constexpr DWORD ERROR_ACCESS_DENIED = 5;
-constexpr DWORD ERROR_INVALID_HANDLE = 6;
-constexpr DWORD ERROR_NOT_ENOUGH_MEMORY = 8;
-constexpr DWORD ERROR_GEN_FAILURE = 31;
-constexpr DWORD ERROR_FILENAME_EXCED_RANGE = 206;
-constexpr DWORD ERROR_MORE_DATA = 234;
-
-constexpr const char* pathSeparator = "/";
-
-// The registry: a directory tree below registryRoot(), keys as folders, values as files whose content, less one final
-// line feed, is the value. All three calls give ERROR_SUCCESS or an error number.
-struct RegistryKey;
-using HKEY = RegistryKey*;
-constexpr RegistryKey* HKEY_LOCAL_MACHINE = nullptr;
-constexpr DWORD KEY_READ = 0x20019;
-
-// Opens a key below HKEY_LOCAL_MACHINE; its parts are separated by "\". *result is closed with RegCloseKey.
-LONG RegOpenKeyExA(HKEY key, const char* subKey, DWORD options, DWORD access, HKEY* result);
-// Copies a value and its closing NUL to data, when data is not null, and sets *size to their number of bytes.
-// ERROR_MORE_DATA when *size says that they do not fit.
-LONG RegQueryValueExA(HKEY key, const char* name, DWORD* reserved, DWORD* type, unsigned char* data, DWORD* size);
-LONG RegCloseKey(HKEY key);
-
-// The directory that holds the registry; fixed when the library is built.
+// The directory that holds the registry on POSIX; fixed when the library is built.
 const char* registryRoot() noexcept;
 
-// Puts a relative name behind the current directory and takes an absolute one as it is; resolves nothing. Gives the
-// length, or the size that is needed when that is more than size, or 0 on failure, with the number in GetLastError.
-DWORD GetFullPathNameA(const char* name, DWORD size, char* buffer, char** filePart);
+// The error number for a name that is too long; error numbers are those of Windows.
+constexpr int nameTooLong = 206;
 
-// The number of the calling thread's last failure in this layer.
-DWORD GetLastError() noexcept;
+// Puts a name behind the current directory, unless it is absolute, into a buffer of that many bytes. On POSIX nothing
+// is resolved. Gives 0 or an error number.
+int fullPathName(const char* name, char* buffer, std::size_t size);
 
-constexpr DWORD FORMAT_MESSAGE_ALLOCATE_BUFFER = 0x100;
-constexpr DWORD FORMAT_MESSAGE_FROM_SYSTEM = 0x1000;
+// The system's text for an error number; empty when it has none.
+std::string systemErrorText(int number);
 
-// Only with both flags above: *reinterpret_cast<char**>(buffer) receives the text of an error number, to be released
-// with LocalFree. Gives its length, or 0 for a number without a text.
-DWORD FormatMessageA(DWORD flags, const void* source, DWORD number, DWORD language, char* buffer, DWORD size,
-                     void* arguments);
-void* LocalFree(void* memory) noexcept;
+// The text of a result code of LDAP, up to 1000: that of the system's LDAP library. Static.
+const char* ldapErrorText(int code) noexcept;
 
-// Compares without regard to case: each byte folded to lower case under the current locale, ASCII letters always as
-// ASCII does, so that no locale changes an ASCII name.
-int _stricmp(const char* left, const char* right) noexcept;
 // A copy on the C heap, or null when memory is exhausted.
-char* _strdup(const char* text) noexcept;
+char* copyText(const char* text) noexcept;
 
-// The record that _stat fills in; st_mtime is in seconds.
-using FileStatus = struct ::stat;
-// 0, or -1 with the reason in errno.
-int _stat(const char* name, FileStatus* status) noexcept;
-
-#endif
-
-// A byte folded to lower case as _stricmp folds it.
+// A byte folded to lower case under the current locale, ASCII letters always as ASCII does, so that no locale changes
+// an ASCII name.
 unsigned char foldCase(char character) noexcept;
 
-// Compares like _stricmp, but texts that may hold NULs and are not terminated by one.
+// Compare without regard to case, byte by byte, folded. The second takes texts that may hold NULs and are not
+// terminated by one.
+int compareFoldedText(const char* left, const char* right) noexcept;
 int compareFolded(std::string_view left, std::string_view right) noexcept;
 
 // A number that tells apart locales which fold bytes outside ASCII differently.
 std::size_t caseFolding() noexcept;
+
+// Convert a text, up to its first NUL, between narrow and wide. False when the locale cannot.
+bool toWide(const std::string& text, std::wstring& wide);
+bool toNarrow(const std::wstring& text, std::string& narrow);
 
 // Whether the ASCII characters are the same bytes in narrow text and the same units in wide text, in this locale.
 bool localeHasAscii() noexcept;
@@ -137,12 +98,12 @@ public:
         ~Use();
 
     private:
-        void* former;
+        SystemLocale former;
     };
 
 private:
     std::string name;
-    void* handle;
+    SystemLocale system;
 };
 
 // Overwrites a clear text that is about to be released; no compiler leaves it out.
@@ -171,27 +132,30 @@ private:
     bool isSecret = false;
 };
 
+// What is known of a file.
+struct FileStatus {
+    std::int64_t time = 0;  // of its last change, in seconds since 1970
+    bool isRegular = false;
+    FileProtection protection;
+};
+
+// Gives 0, or the errno of a file that cannot be reached; then the status stays as it was.
+int readFileStatus(const std::string& name, FileStatus& status);
+
 // Reads a whole file, byte for byte, as a secret, and gives the number of bytes in length. False when it cannot be
 // opened or read, or is no regular file; never waits. Throws std::bad_alloc.
 bool readFile(const std::string& name, TextBuffer& content, std::size_t& length);
 
-// What ends a line of a text file here.
-#ifdef _WIN32
-constexpr std::string_view lineEnd = "\r\n";
-#else
-constexpr std::string_view lineEnd = "\n";
-#endif
+// Creates a file or cuts it to length 0, and writes the pieces, byte for byte. A file that is created gets the
+// protection of the one before, as far as the process may give it; it is never more widely open, not even briefly.
+// False when the file cannot be opened or is no regular file; a write that fails after that is not reported.
+bool writeFile(const std::string& name, const std::vector<std::string_view>& pieces, const FileProtection& before);
 
-// Whether the status is that of a regular file.
-bool isRegular(const FileStatus& status) noexcept;
-
-// Creates a file or cuts it to length 0, and writes the pieces, byte for byte. A file that is created gets the mode of
-// the one before and, where the process may set them, its owner and group; it is never more widely open, not even
-// briefly. False when the file cannot be opened or is no regular file; a write that fails after that is not reported.
-bool writeFile(const std::string& name, const std::vector<std::string_view>& pieces, const FileStatus& before);
+// Gives a file another name, which no file has. False when it cannot.
+bool renameFile(const std::string& name, const std::string& other);
 
 // Removes a file, and never a directory. A failure is not reported.
-void removeFile(const std::string& name) noexcept;
+void removeFile(const std::string& name);
 
 // Whether the directory entry other is the file itself, or what the file's symbolic link leads to: removing other
 // would remove the file's content. False when one of them is not there, true when it cannot be told.

@@ -63,4 +63,10 @@ long watchReleases(const char* text);
 // How many files have been opened so that programs which are started would have them.
 long inheritedFiles();
 
+inline long openDescriptors()
+{
+    const std::filesystem::directory_iterator all("/proc/self/fd");
+    return std::distance(begin(all), end(all));
+}
+
 #endif

@@ -28,7 +28,7 @@ struct PreparedTable {
 
 int _AttrType::compare(const char* other) const
 {
-    return _stricmp(name, other);
+    return compareFoldedText(name, other);
 }
 
 const _AttrType* getAttrType(const char* name)

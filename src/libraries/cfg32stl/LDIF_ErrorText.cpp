@@ -1,5 +1,6 @@
 #include "LDIF_ErrorText.h"
 
+#include "platform.h"
 #include "zebldapcfg.h"
 
 namespace {
@@ -47,20 +48,12 @@ const struct Row {
     {0, "Unknown error"},  // ends the table
 };
 
-// The LDAP client library numbers the client-side codes downwards from -1, where ours run upwards from 81.
-int clientLibraryCode(int code)
-{
-    constexpr int first = 81;
-    constexpr int last = 97;
-    return code >= first && code <= last ? first - 1 - code : code;
-}
-
 }  // namespace
 
 const char* errorText(int code) noexcept
 {
     if (code < CFG_ERR_UNEXPECTED)
-        return ldap_err2string(clientLibraryCode(code));
+        return ldapErrorText(code);
     const Row* row = extendedCodes;
     while (row->code != code && row->code != 0)
         ++row;

@@ -14,23 +14,11 @@ bool LDIF_Exception::showStack = true;
 
 namespace {
 
-constexpr DWORD neutralLanguage = 0x400;
-
 std::string hexadecimal(unsigned int number)
 {
     char digits[2 * sizeof number + 1];
     (void)std::snprintf(digits, sizeof digits, "%X", number);
     return digits;
-}
-
-// The system's text for a Win32 error; empty when it has none.
-std::string win32Text(int number)
-{
-    char* message = nullptr;
-    FormatMessageA(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM, nullptr, static_cast<DWORD>(number),
-                   neutralLanguage, reinterpret_cast<char*>(&message), 0, nullptr);
-    const std::unique_ptr<char, decltype(&LocalFree)> owner(message, &LocalFree);
-    return message != nullptr ? message : "";
 }
 
 void appendNumberAndText(std::string& report, const char* label, int number, const std::string& text)
@@ -116,7 +104,7 @@ void LDIF_Exception::dumpLink(std::string& report) const
     if (sysErr != 0 && sysErrIsWin32 == 0)
         appendNumberAndText(report, "\nerrno ", sysErr, std::strerror(sysErr));
     else if (sysErr != 0)
-        appendNumberAndText(report, "\nWin32 error ", sysErr, win32Text(sysErr));
+        appendNumberAndText(report, "\nWin32 error ", sysErr, systemErrorText(sysErr));
     appendNumberAndText(report, "\nldapErr ", ldapErr, errorText(ldapErr));
     if (extErr > 0 && extErr != ldapErr)
         appendNumberAndText(report, "\nextErr ", extErr, errorText(extErr));

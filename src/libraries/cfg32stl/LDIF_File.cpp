@@ -4,13 +4,11 @@
 #include "LDIF_Loader.h"
 #include "zebldapcfg.h"
 
-#include <cerrno>
-#include <cstdio>
 #include <utility>
 
 namespace {
 
-constexpr DWORD pathSize = 1023;  // in bytes, with the closing NUL
+constexpr std::size_t pathSize = 1023;  // in bytes, with the closing NUL
 
 LDIF_Exception fileFailure(int ldapErr, int extErr, const std::string& text, const std::string& fileName,
                            SourcePos pos = SourcePos::here())
@@ -31,11 +29,11 @@ std::string fullPathOf(const std::string& name)
     if (name.empty())
         throw fileFailure(CFG_CONNECT_ERROR, CFG_ERR_CONFIG_FILENAME, "Config filename is NULL!", "<NULL>");
     char path[pathSize];
-    const DWORD length = GetFullPathNameA(name.c_str(), pathSize, path, nullptr);
-    if (length > 0 && length < pathSize)
+    const int error = fullPathName(name.c_str(), path, pathSize);
+    if (error == 0)
         return path;
     LDIF_Exception failure = fileFailure(CFG_CONNECT_ERROR, CFG_ERR_CONFIG_FILENAME, "GetFullPathName()", name);
-    failure.sysErr = static_cast<int>(length == 0 ? GetLastError() : ERROR_FILENAME_EXCED_RANGE);
+    failure.sysErr = error;
     failure.sysErrIsWin32 = 1;
     throw failure;
 }
@@ -50,9 +48,9 @@ LDIF_File::LDIF_File(const std::string& name, const std::string& backupName)
 
 void LDIF_File::readStatus(FileStatus& status) const
 {
-    if (_stat(fileName.c_str(), &status) == 0)
+    const int error = readFileStatus(fileName, status);
+    if (error == 0)
         return;
-    const int error = errno;
     LDIF_Exception failure = fileFailure(CFG_CONNECT_ERROR, CFG_ERR_CONFIG_NOT_FOUND, "_stat()", fileName);
     failure.sysErr = error;
     throw failure;
@@ -61,9 +59,9 @@ void LDIF_File::readStatus(FileStatus& status) const
 bool LDIF_File::refresh()
 {
     tree.followLocale();
-    FileStatus status = {};
+    FileStatus status;
     readStatus(status);
-    if (!mustRead && status.st_mtime == fileStat.st_mtime)
+    if (!mustRead && status.time == fileStat.time)
         return false;
     LDIF_Tree emptyTree = readText();
     mustRead = true;
@@ -112,13 +110,13 @@ void LDIF_File::readTree(LDIF_Tree&& emptyTree, bool& needsRewrite)
 void LDIF_File::flush()
 {
     FileStatus before = fileStat;
-    (void)_stat(fileName.c_str(), &before);  // Its mode may have changed without its time.
-    if (!isRegular(before))
+    (void)readFileStatus(fileName, before);  // Its protection may have changed without its time.
+    if (!before.isRegular)
         throw cannotOpen(fileName);
-    write(before);
+    write(before.protection);
 }
 
-void LDIF_File::write(const FileStatus& before)
+void LDIF_File::write(const FileProtection& before)
 try {
     std::string printed;
     const std::vector<std::string_view> text = tree.pieces(comment, printed);
@@ -137,7 +135,7 @@ void LDIF_File::moveToBackup()
     const bool isOwnName = isSameFile(fileName, backupFileName);
     if (!isOwnName)
         removeFile(backupFileName);
-    if (isOwnName || std::rename(fileName.c_str(), backupFileName.c_str()) != 0)
+    if (isOwnName || !renameFile(fileName, backupFileName))
         throw LDIF_Exception(LDAP_INSUFFICIENT_ACCESS, CFG_ERR_CONFIG_OPEN,
                              "Unable to rename: \"" + fileName + "\" to \"" + backupFileName + "\" ");
 }

@@ -6,10 +6,10 @@
 #include "LDIF_Exception.h"
 #include "LDIF_Search.h"
 #include "LDIF_Tree.h"
+#include "ldapNames.h"
 #include "platform.h"
 
-#include <ldap.h>
-
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -71,20 +71,20 @@ public:
 
     const char* getFileName() const noexcept { return fileName.c_str(); }  // the full path
     const char* getBackupFileName() const noexcept { return backupFileName.c_str(); }
-    long getModTime() const noexcept { return static_cast<long>(fileStat.st_mtime); }  // seconds
+    std::int64_t getModTime() const noexcept { return fileStat.time; }  // seconds
 
 private:
     Authentication checkLogin(const char* dn, const char* password);
     LDIF_Tree readText() const;
     void readTree(LDIF_Tree&& emptyTree, bool& needsRewrite);
-    void write(const FileStatus& before);
+    void write(const FileProtection& before);
     void moveToBackup();
     void readStatus(FileStatus& status) const;
 
     std::string fileName;
     std::string backupFileName;
-    FileStatus fileStat = {};  // as of the last load or write
-    LDIF_Comment comment;      // the lines after the last entry
+    FileStatus fileStat;   // as of the last load or write
+    LDIF_Comment comment;  // the lines after the last entry
     LDIF_Tree tree;
     bool mustRead = false;  // the last load has failed after it had given up the tree before
     Authentication authentication = noAccess;

@@ -97,7 +97,7 @@ int cisCompare(const LDIF_Value& left, const LDIF_Value& right)
     const std::string rightText = right.str();
     if (leftText.empty() || rightText.empty())
         return static_cast<int>(!leftText.empty()) - static_cast<int>(!rightText.empty());
-    return _stricmp(leftText.c_str(), rightText.c_str());
+    return compareFoldedText(leftText.c_str(), rightText.c_str());
 }
 
 std::optional<std::size_t> cisHash(const LDIF_Value& value)

@@ -3,7 +3,6 @@
 #include "LDIF_Exception.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cwctype>
 #include <stdexcept>
 
@@ -55,18 +54,6 @@ std::string& stripAsWide(std::string& text, std::wstring& (*strip)(std::wstring&
     std::string stripped = wide2multibyte(strip(wide.units));
     wipe(text);
     return text = std::move(stripped);
-}
-
-// Converts a text by mbstowcs or wcstombs. False when the locale cannot.
-template <typename From, typename To>
-bool convert(std::size_t (*call)(To*, const From*, std::size_t), const std::basic_string<From>& text,
-             std::basic_string<To>& made)
-{
-    const std::size_t length = text.empty() ? 0 : call(nullptr, text.c_str(), 0);
-    if (length == static_cast<std::size_t>(-1))
-        return false;
-    made.resize(length);
-    return length == 0 || call(made.data(), text.c_str(), length + 1) == length;
 }
 
 // The value of a hex digit, or -1.
@@ -206,7 +193,7 @@ std::wstring multibyte2wide(const std::string& text)
     if (isPlain(text))
         return {text.begin(), text.end()};
     std::wstring wide;
-    if (convert(std::mbstowcs, text, wide))
+    if (toWide(text, wide))
         return wide;
     LDIF_Exception failure(wideFailure, wideFailure, "mbstowcs( " + text + " )");
     failure.value = text;
@@ -219,7 +206,7 @@ std::string wide2multibyte(const std::wstring& text)
     if (std::all_of(text.begin(), text.end(), isAscii) && localeHasAscii())
         return {text.begin(), text.end()};
     std::string narrow;
-    if (convert(std::wcstombs, text, narrow))
+    if (toNarrow(text, narrow))
         return narrow;
     throw LDIF_Exception(narrowFailure, narrowFailure, "wcstombs()");
 }

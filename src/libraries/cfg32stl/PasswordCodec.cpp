@@ -3,8 +3,7 @@
 #include <cstring>
 #include <new>
 
-#include <ldap.h>
-
+#include "ldapNames.h"
 #include "platform.h"
 
 namespace {

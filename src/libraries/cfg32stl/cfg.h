@@ -70,7 +70,7 @@ template <typename MakeText>
 char* copyOfText(MakeText makeText) noexcept
 {
     try {
-        return _strdup(makeText().c_str());
+        return copyText(makeText().c_str());
     } catch (...) {
         return nullptr;  // These calls say no more than that there is no text.
     }

@@ -11,7 +11,7 @@ char* defaultConfigFile()
         throw LDIF_Exception(LDAP_OTHER, CFG_ERR_UNEXPECTED,
                              "Unable to get default config filename. "
                              "Either out of memory or ldaphome not in registry");
-    char* const copy = _strdup(name);
+    char* const copy = copyText(name);
     if (copy == nullptr)
         throw LDIF_Exception(CFG_NO_MEMORY, CFG_NO_MEMORY, "strdup()");
     return copy;

@@ -43,7 +43,7 @@ int setName(char*& field, const void* value) noexcept
     if (value != nullptr) {
         try {
             static const _AttrType* const fileAttribute = getAttrType("zeb-slapdIncludeSchema");
-            name = _strdup(LDIF_Value(fileAttribute, static_cast<const char*>(value)).str().c_str());
+            name = copyText(LDIF_Value(fileAttribute, static_cast<const char*>(value)).str().c_str());
         } catch (...) {
             return failureCode();
         }
@@ -67,7 +67,7 @@ int cfg_get_option(CFG* cfg, int option, void* out)
     else if (processFlag != nullptr)
         *static_cast<int*>(out) = *processFlag ? 1 : 0;
     else if (name != nullptr)
-        *static_cast<char**>(out) = *name != nullptr ? _strdup(*name) : nullptr;
+        *static_cast<char**>(out) = *name != nullptr ? copyText(*name) : nullptr;
     return LDAP_SUCCESS;
 }
 

@@ -6,12 +6,12 @@
 #include <cstddef>
 #include <cstdlib>
 
-// The state of a walk over the attributes of an entry.
-struct berelement {
+namespace {
+
+// The state of a walk over the attributes of an entry. Callers see it as a BerElement.
+struct Walk {
     CFGMessage* current;  // the attribute reached so far; null at the end
 };
-
-namespace {
 
 // Null, with the code in the handle.
 std::nullptr_t failed(CFG* cfg, int code)
@@ -24,7 +24,7 @@ std::nullptr_t failed(CFG* cfg, int code)
 // A copy of a text; null with the code in the handle when memory is exhausted.
 char* copyOf(CFG* cfg, const char* text)
 {
-    char* const copy = _strdup(text);
+    char* const copy = copyText(text);
     return copy != nullptr ? copy : failed(cfg, CFG_NO_MEMORY);
 }
 
@@ -39,7 +39,7 @@ int countRecords(const CFGMessage* record)
 const CFGMessage* findAttribute(const CFGMessage& entry, const char* name)
 {
     const CFGMessage* attribute = entry.child;
-    while (attribute != nullptr && (attribute->text == nullptr || _stricmp(attribute->text, name) != 0))
+    while (attribute != nullptr && (attribute->text == nullptr || compareFoldedText(attribute->text, name) != 0))
         attribute = attribute->next;
     return attribute;
 }
@@ -91,10 +91,11 @@ char* cfg_first_attribute(CFG* cfg, CFGMessage* entry, BerElement** ber)
     *ber = nullptr;
     if (entry == nullptr)
         return failed(cfg, CFG_PARAM_ERROR);
-    *ber = static_cast<BerElement*>(std::calloc(1, sizeof(BerElement)));
-    if (*ber == nullptr)
+    auto* const walk = static_cast<Walk*>(std::calloc(1, sizeof(Walk)));
+    if (walk == nullptr)
         return failed(cfg, CFG_NO_MEMORY);
-    (*ber)->current = entry->child;
+    walk->current = entry->child;
+    *ber = reinterpret_cast<BerElement*>(walk);
     if (!hasText(entry->child))
         return nullptr;
     char* const name = copyOf(cfg, entry->child->text);
@@ -110,9 +111,10 @@ char* cfg_next_attribute(CFG* cfg, CFGMessage* /*entry*/, BerElement* ber)
     cfg_reset(cfg);
     if (ber == nullptr)
         return failed(cfg, CFG_PARAM_ERROR);
-    if (ber->current != nullptr)
-        ber->current = ber->current->next;
-    return hasText(ber->current) ? copyOf(cfg, ber->current->text) : nullptr;
+    CFGMessage*& current = reinterpret_cast<Walk*>(ber)->current;
+    if (current != nullptr)
+        current = current->next;
+    return hasText(current) ? copyOf(cfg, current->text) : nullptr;
 }
 
 char** cfg_get_values(CFG* cfg, CFGMessage* entry, const char* attribute)

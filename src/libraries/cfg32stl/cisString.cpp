@@ -21,5 +21,5 @@ int cisString::compare(const cisString& other) const
 
 int cisString::compare(const char* other) const
 {
-    return _stricmp(c_str(), other);
+    return compareFoldedText(c_str(), other);
 }

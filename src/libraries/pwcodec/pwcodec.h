@@ -14,7 +14,7 @@
 #ifndef PWCODEC_H
 #define PWCODEC_H
 
-#ifdef __GNUC__
+#if defined(__GNUC__) && !defined(_WIN32)
 #define PWCODEC_API __attribute__((visibility("default")))
 #else
 #define PWCODEC_API /* the linker's list of names says what is exported */

@@ -11,8 +11,6 @@ namespace {
 constexpr std::uint64_t ones = 0x0101010101010101U;
 constexpr std::uint64_t highBits = 0x8080808080808080U;
 
-__extension__ using Wide = unsigned __int128;
-
 // What a process draws by chance: without it nobody can choose texts whose hashes collide.
 struct Key {
     std::uint64_t start;
@@ -39,11 +37,25 @@ const Key& key() noexcept
     return drawn;
 }
 
+// The upper half of the product of two words, and its lower half, as one word.
+#ifdef __SIZEOF_INT128__
 std::uint64_t mixed(std::uint64_t left, std::uint64_t right) noexcept
 {
+    __extension__ using Wide = unsigned __int128;
     const Wide product = Wide{left} * right;
     return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64U);
 }
+#else
+std::uint64_t mixed(std::uint64_t left, std::uint64_t right) noexcept
+{
+    constexpr std::uint64_t half = 0xFFFFFFFFU;
+    const std::uint64_t low = (left & half) * (right & half);
+    const std::uint64_t first = (left >> 32U) * (right & half) + (low >> 32U);
+    const std::uint64_t second = (left & half) * (right >> 32U) + (first & half);
+    const std::uint64_t high = (left >> 32U) * (right >> 32U) + (first >> 32U) + (second >> 32U);
+    return high ^ (second << 32U | (low & half));
+}
+#endif
 
 template <typename Word>
 std::uint64_t wordAt(const char* bytes) noexcept

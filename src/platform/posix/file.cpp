@@ -1,8 +1,11 @@
 #include "platform.h"
 
+#include "transfer.h"
+
 #include <cerrno>
-#include <cstring>
+#include <cstdio>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
 
@@ -35,30 +38,29 @@ int openFile(const std::string& name, int flags, mode_t mode = 0) noexcept
 }
 
 // Without the old group, the permissions of a group would be another's.
-void takeOver(int file, const FileStatus& before) noexcept
+void takeOver(int file, const FileProtection& before) noexcept
 {
     const bool hasGroup =
-        ::fchown(file, before.st_uid, before.st_gid) == 0 || ::fchown(file, static_cast<uid_t>(-1), before.st_gid) == 0;
-    const mode_t mode = before.st_mode & permissions;
-    (void)::fchmod(file, hasGroup ? mode : mode & ~groupPermissions);
+        ::fchown(file, before.owner, before.group) == 0 || ::fchown(file, static_cast<uid_t>(-1), before.group) == 0;
+    (void)::fchmod(file, hasGroup ? before.mode : before.mode & ~groupPermissions);
 }
 
 // The status of an open regular file; false for any other, and on failure.
-bool readRegular(int file, FileStatus& status) noexcept
+bool readRegular(int file, struct stat& status) noexcept
 {
-    return file >= 0 && ::fstat(file, &status) == 0 && isRegular(status);
+    return file >= 0 && ::fstat(file, &status) == 0 && S_ISREG(status.st_mode);
 }
 
 // A new file like the one before, or the one that is there, cut to length 0; negative when neither can be opened, and
 // for what is no regular file.
-int openForWriting(const std::string& name, const FileStatus& before) noexcept
+int openForWriting(const std::string& name, const FileProtection& before) noexcept
 {
-    const int created = openFile(name, O_WRONLY | O_CREAT | O_EXCL, before.st_mode & ownerOnly);
+    const int created = openFile(name, O_WRONLY | O_CREAT | O_EXCL, before.mode & ownerOnly);
     if (created >= 0) {
         takeOver(created, before);
         return created;
     }
-    FileStatus status = {};
+    struct stat status = {};
     const int present = openFile(name, O_WRONLY);
     if (present < 0 || (readRegular(present, status) && ::ftruncate(present, 0) == 0))
         return present;
@@ -66,12 +68,14 @@ int openForWriting(const std::string& name, const FileStatus& before) noexcept
     return -1;
 }
 
-void enlarge(TextBuffer& content)
+// The number of bytes read, 0 at the end, negative on failure.
+std::ptrdiff_t readSome(int file, char* bytes, std::size_t size) noexcept
 {
-    TextBuffer larger(2 * content.size());
-    larger.setSecret(true);
-    std::memcpy(larger.data(), content.data(), content.size());
-    content = std::move(larger);
+    for (;;) {
+        const ssize_t count = ::read(file, bytes, size);
+        if (count >= 0 || errno != EINTR)
+            return count;
+    }
 }
 
 // False when a write has failed.
@@ -86,7 +90,7 @@ bool writeAll(int file, std::string_view bytes) noexcept
     return true;
 }
 
-bool isSameInode(const FileStatus& left, const FileStatus& right) noexcept
+bool isSameInode(const struct stat& left, const struct stat& right) noexcept
 {
     return left.st_dev == right.st_dev && left.st_ino == right.st_ino;
 }
@@ -105,65 +109,49 @@ bool isSamePlace(const std::string& name, const std::string& other)
 {
     const auto [directory, last] = splitName(name);
     const auto [otherDirectory, otherLast] = splitName(other);
-    FileStatus status = {};
-    FileStatus otherStatus = {};
+    struct stat status = {};
+    struct stat otherStatus = {};
     return last == otherLast && (::stat(directory.c_str(), &status) != 0 ||
                                  ::stat(otherDirectory.c_str(), &otherStatus) != 0 || isSameInode(status, otherStatus));
 }
 
 }  // namespace
 
+int readFileStatus(const std::string& name, FileStatus& status)
+{
+    struct stat found = {};
+    if (::stat(name.c_str(), &found) != 0)
+        return errno;
+    status = {found.st_mtime, S_ISREG(found.st_mode), {found.st_mode & permissions, found.st_uid, found.st_gid}};
+    return 0;
+}
+
 bool readFile(const std::string& name, TextBuffer& content, std::size_t& length)
 {
     const Descriptor file(openFile(name, O_RDONLY));
-    FileStatus status = {};
+    struct stat status = {};
     if (!readRegular(file.get(), status))
         return false;
-    content = TextBuffer(static_cast<std::size_t>(status.st_size) + 1);  // one more, to meet the end in the same read
-    content.setSecret(true);
-    for (length = 0;;) {
-        if (length == content.size())
-            enlarge(content);
-        const ssize_t count = ::read(file.get(), content.data() + length, content.size() - length);
-        if (count == 0)
-            return true;
-        if (count > 0)
-            length += static_cast<std::size_t>(count);
-        else if (errno != EINTR)
-            return false;
-    }
+    return readToEnd(content, length, static_cast<std::size_t>(status.st_size),
+                     [&](char* bytes, std::size_t size) { return readSome(file.get(), bytes, size); });
 }
 
-bool isRegular(const FileStatus& status) noexcept
+bool writeFile(const std::string& name, const std::vector<std::string_view>& pieces, const FileProtection& before)
 {
-    return S_ISREG(status.st_mode);
-}
-
-// Small pieces are gathered, so that the system is called seldom.
-bool writeFile(const std::string& name, const std::vector<std::string_view>& pieces, const FileStatus& before)
-{
-    constexpr std::size_t gathered = std::size_t{64} << 10;
-    std::string buffer;
-    buffer.reserve(gathered);
+    std::string buffer = gatheringBuffer();
     const Descriptor file(openForWriting(name, before));
     if (file.get() < 0)
         return false;
-    for (const std::string_view piece : pieces) {
-        if (buffer.size() + piece.size() > gathered) {
-            if (!writeAll(file.get(), buffer))
-                return true;
-            buffer.clear();
-        }
-        if (piece.size() <= gathered)
-            buffer += piece;
-        else if (!writeAll(file.get(), piece))
-            return true;
-    }
-    (void)writeAll(file.get(), buffer);
+    writeGathered(pieces, buffer, [&](std::string_view bytes) { return writeAll(file.get(), bytes); });
     return true;
 }
 
-void removeFile(const std::string& name) noexcept
+bool renameFile(const std::string& name, const std::string& other)
+{
+    return std::rename(name.c_str(), other.c_str()) == 0;
+}
+
+void removeFile(const std::string& name)
 {
     (void)::unlink(name.c_str());
 }
@@ -171,9 +159,9 @@ void removeFile(const std::string& name) noexcept
 // A second hard link is another entry: removing it leaves the file where it is.
 bool isSameFile(const std::string& name, const std::string& other)
 {
-    FileStatus target = {};
-    FileStatus entry = {};
-    FileStatus otherEntry = {};
+    struct stat target = {};
+    struct stat entry = {};
+    struct stat otherEntry = {};
     if (::stat(name.c_str(), &target) != 0 || ::lstat(name.c_str(), &entry) != 0 ||
         ::lstat(other.c_str(), &otherEntry) != 0)
         return errno != ENOENT && errno != ENOTDIR;

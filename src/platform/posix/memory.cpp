@@ -43,20 +43,6 @@ char* mapPages(std::size_t size)
 
 }  // namespace
 
-int _stricmp(const char* left, const char* right) noexcept
-{
-    for (;; ++left, ++right) {
-        if (*left == *right) {
-            if (*left == '\0')
-                return 0;
-            continue;
-        }
-        const int difference = foldCase(*left) - foldCase(*right);
-        if (difference != 0)
-            return difference;
-    }
-}
-
 TextBuffer::TextBuffer(std::size_t size) : bytes(size < largeBuffer ? new char[size] : mapPages(size)), length(size) {}
 
 TextBuffer::~TextBuffer()
@@ -69,25 +55,7 @@ TextBuffer::~TextBuffer()
         (void)::munmap(bytes, length);
 }
 
-TextBuffer& TextBuffer::operator=(TextBuffer&& other) noexcept
-{
-    std::swap(bytes, other.bytes);
-    std::swap(length, other.length);
-    std::swap(isSecret, other.isSecret);
-    return *this;
-}
-
 void wipe(void* memory, std::size_t size) noexcept
 {
     ::explicit_bzero(memory, size);
-}
-
-char* _strdup(const char* text) noexcept
-{
-    return ::strdup(text);
-}
-
-int _stat(const char* name, FileStatus* status) noexcept
-{
-    return ::stat(name, status);
 }

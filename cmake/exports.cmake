@@ -1,0 +1,16 @@
+# Has a shared library export the names of its version script, and no other. Windows takes a list of them instead, which
+# is made of the script.
+function(export_names target script)
+    if(NOT WIN32)
+        target_link_options(${target} PRIVATE "LINKER:--version-script=${script}")
+        set_target_properties(${target} PROPERTIES LINK_DEPENDS ${script})
+        return()
+    endif()
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${script})
+    file(READ ${script} text)
+    string(REGEX REPLACE "^.*global:|local:.*$|[ \t]" "" names "${text}")
+    string(REPLACE ";" "" names "${names}")
+    set(list ${CMAKE_CURRENT_BINARY_DIR}/${target}.def)
+    file(WRITE ${list} "EXPORTS${names}")
+    target_sources(${target} PRIVATE ${list})
+endfunction()

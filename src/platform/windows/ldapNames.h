@@ -1,0 +1,11 @@
+// The header of the LDAP library, with one spelling for its names.
+#ifndef LDAPNAMES_H
+#define LDAPNAMES_H
+
+#include <windows.h>
+
+#include <winldap.h>
+
+constexpr int LDAP_INSUFFICIENT_ACCESS = LDAP_INSUFFICIENT_RIGHTS;
+
+#endif

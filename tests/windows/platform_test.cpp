@@ -1,0 +1,182 @@
+// The services of Windows.
+#include "LDIF_EntryReader.h"
+#include "LDIF_File.h"
+#include "LDIF_Util.h"
+#include "platform.h"
+#include "support.h"
+
+#include <aclapi.h>
+#include <gtest/gtest.h>
+#include <tuple>
+
+static const TempDirectory directory;
+
+static std::string bytesOf(const std::string& name)
+{
+    TextBuffer text;
+    std::size_t size = 0;
+    return readFile(name, text, size) ? std::string(text.data(), size) : "unreadable";
+}
+
+TEST(Platform, GivesFullNamesThatFit)
+{
+    const std::string full = (std::filesystem::current_path().parent_path() / "f").string();
+    char buffer[4096] = "";
+    EXPECT_EQ(fullPathName("../f", buffer, full.size()), nameTooLong);  // no room for the NUL
+    EXPECT_EQ(fullPathName("../f", buffer, full.size() + 1), 0);
+    EXPECT_EQ(buffer, full);
+    const ScopedLocale utf8;
+    EXPECT_EQ(fullPathName("C:\\x/./\u6771", buffer, sizeof buffer), 0);
+    EXPECT_STREQ(buffer, "C:\\x\\\u6771");
+    EXPECT_EQ(fullPathName("\xFF", buffer, sizeof buffer), ERROR_NO_UNICODE_TRANSLATION);
+}
+
+// Goes red where the end is written twice, or the text after a place in the file is taken from elsewhere.
+TEST(Platform, WritesEachLineEndOnce)
+{
+    const std::string name = directory / "ends";
+    for (const std::string end : {"\n", "\r\n"}) {
+        const std::string text = "# c" + end + "version: 1" + end + end + "dn: cn=b" + end + "x: 1" + end + end;
+        writeText(name, text);
+        LDIF_File file(name, "");
+        file.erase(LDIF_DN(cisString("cn=b")), false);
+        file.flush();
+        EXPECT_EQ(bytesOf(name), "charset: ISO-8859-1\r\n# c\r\nversion: 1\r\n");
+    }
+}
+
+TEST(Platform, ReadsItsOwnLineEndsAsTheyStand)
+{
+    LDIF_EntryReader reader;
+    EXPECT_EQ(reader.read("# c\r\ndn: cn=a\r\nx: 1\r\n\r\ndn: cn=b\r\n"), LDIF_EntryReader::asWritten);
+    EXPECT_EQ(reader.length(), 25U);
+    EXPECT_EQ(reader.entry().dn(), "cn=a");
+    EXPECT_EQ(reader.entry().attributes(), "x: 1\r\n");
+    EXPECT_EQ(reader.read("dn: cn=a\nx: 1\n\n"), LDIF_EntryReader::rearranged);
+    EXPECT_EQ(reader.entry().text, "dn: cn=a\r\nx: 1\r\n\r\n");
+}
+
+// The access that everyone has, by the list of a file.
+static DWORD accessOfAll(const std::string& name)
+{
+    PACL list = nullptr;
+    PSECURITY_DESCRIPTOR descriptor = nullptr;
+    EXPECT_EQ(GetNamedSecurityInfoA(name.c_str(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr, &list,
+                                    nullptr, &descriptor),
+              0U);
+    char everyone[] = "Everyone";
+    TRUSTEE_A trustee = {};
+    BuildTrusteeWithNameA(&trustee, everyone);
+    ACCESS_MASK access = 0;
+    EXPECT_EQ(GetEffectiveRightsFromAclA(list, &trustee, &access), 0U);
+    LocalFree(descriptor);
+    return access;
+}
+
+// A list that gives only the owner access, or everyone.
+static void setAccess(const std::string& name, bool isOpen)
+{
+    PACL list = nullptr;
+    EXPLICIT_ACCESS_A access = {};
+    char everyone[] = "Everyone", user[] = "CURRENT_USER";
+    BuildExplicitAccessWithNameA(&access, isOpen ? everyone : user, GENERIC_ALL, SET_ACCESS, NO_INHERITANCE);
+    EXPECT_EQ(SetEntriesInAclA(1, &access, nullptr, &list), 0U);
+    std::string file = name;
+    EXPECT_EQ(SetNamedSecurityInfoA(file.data(), SE_FILE_OBJECT,
+                                    DACL_SECURITY_INFORMATION | PROTECTED_DACL_SECURITY_INFORMATION, nullptr, nullptr,
+                                    list, nullptr),
+              0U);
+    LocalFree(list);
+}
+
+TEST(Platform, FilesKeepTheirProtection)
+{
+    const std::string name = directory / "protected";
+    for (const bool isOpen : {false, true}) {
+        writeText(name, "dn: cn=a\n");
+        setAccess(name, isOpen);
+        const DWORD access = accessOfAll(name);
+        LDIF_File(name, name + ".bak").flush();
+        EXPECT_EQ(accessOfAll(name), access) << isOpen;
+        EXPECT_EQ(accessOfAll(name + ".bak"), access) << isOpen;
+        EXPECT_EQ(access != 0, isOpen);
+        std::filesystem::remove(name);
+    }
+}
+
+TEST(Platform, KnowsAFileByEachOfItsNamesButAHardLink)
+{
+    const TempDirectory folder;
+    const std::string deep(200, 'd');
+    const std::string distant = folder / (deep + '\\' + deep + "\\file");  // longer than MAX_PATH
+    std::filesystem::create_directories(R"(\\?\)" + folder / (deep + '\\' + deep));
+    EXPECT_TRUE(writeFile(distant, {"x"}, {}));
+    EXPECT_TRUE(isSameFile(distant, folder / (deep + "\\.\\" + deep + "\\FILE")));
+    writeText(folder / "file", "x");
+    EXPECT_TRUE(isSameFile(folder / "file", folder / "FILE"));
+    EXPECT_TRUE(isSameFile(folder / "file", R"(\\?\)" + folder / "file"));
+    EXPECT_TRUE(CreateHardLinkA((folder / "second").c_str(), (folder / "file").c_str(), nullptr));
+    EXPECT_TRUE(isSameFile(folder / "file", folder / ".\\file"));
+    EXPECT_TRUE(isSameFile(folder / "file", "NUL")) << "no file that can be identified";
+    for (const char* other : {"second", "gone", "gone\\file", ""})
+        EXPECT_FALSE(isSameFile(folder / "file", other[0] != '\0' ? folder / other : "")) << other;
+    EXPECT_FALSE(isSameFile(folder / "gone", folder / "gone"));
+    std::filesystem::remove_all(R"(\\?\)" + folder / deep);
+}
+
+TEST(Platform, TimesOfFilesHave64Bits)
+{
+    FileStatus status;
+    EXPECT_EQ(readFileStatus(directory / "none", status), ENOENT);
+    writeText(directory / "late", "x");
+    setTime(directory / "late", 5'000'000'000);
+    EXPECT_EQ(readFileStatus(directory / "late", status), 0);
+    EXPECT_EQ(status.time, 5'000'000'000);
+    EXPECT_EQ(readFileStatus(directory.path, status), 0);
+    EXPECT_FALSE(status.isRegular);
+}
+
+// A text of a code page, its wide form, whether it can be taken apart at its ASCII characters, and its lower case.
+TEST(Platform, ConvertsTextByCodePage)
+{
+    using Row = std::tuple<const char*, std::string, std::wstring, bool, std::string>;
+    const Row cases[] = {
+        {"C", "A\xC4\x80", L"A\xC4\x80", true, "a\xC4\x80"},
+        {germanLocale, "\xC4\x80", L"\xC4\u20AC", true, "\xE4\x80"},
+        {turkishLocale, "I\xDD\xD0", L"I\u0130\u011E", true, "i\xDD\xF0"},
+        {japaneseLocale, "\x95\\", L"\u8868", false, "\x95\\"},
+        {japaneseLocale, "\x93\x8C\xB1", L"\u6771\uFF71", true, "\x93\x8C\xB1"},
+        {utf8Locale, "\U0001F600\u00C4", L"\U0001F600\u00C4", true, "\U0001F600\u00C4"},
+    };
+    for (const auto& [locale, narrow, wide, isWhole, lower] : cases) {
+        const ScopedLocale scoped(locale);
+        bool hasSpace = false;
+        std::string folded = narrow;
+        std::transform(narrow.begin(), narrow.end(), folded.begin(), [](char each) { return char(foldCase(each)); });
+        EXPECT_EQ(multibyte2wide(narrow), wide) << locale;
+        EXPECT_EQ(wide2multibyte(wide), narrow) << locale;
+        EXPECT_EQ(isTransparent(narrow, hasSpace), isWhole) << locale;
+        EXPECT_EQ(folded, lower) << locale;
+    }
+    const std::pair<const char*, std::wstring> lost[] = {
+        {"C", L"\u20AC"}, {germanLocale, L"\u6771"}, {japaneseLocale, L"\u00FC"}, {utf8Locale, L"\xD83D"}};
+    for (const auto& [locale, wide] : lost) {
+        const ScopedLocale scoped(locale);
+        EXPECT_EQ(failureOf([text = wide] { wide2multibyte(text); })->ldapErr, 163) << locale;
+    }
+    for (const auto& [locale, narrow] : {std::pair(japaneseLocale, "\x95"), {utf8Locale, "\xED\xA0\xBD"}}) {
+        const ScopedLocale scoped(locale);
+        EXPECT_EQ(failureOf([text = narrow] { multibyte2wide(text); })->ldapErr, 162) << locale;
+    }
+}
+
+TEST(Platform, KeepsTheTextsOfErrorsApart)
+{
+    const std::string noObject = ldapErrorText(32);
+    EXPECT_STRNE(ldapErrorText(16), noObject.c_str());
+    EXPECT_EQ(ldapErrorText(32), noObject);
+    EXPECT_STREQ(ldapErrorText(999), ldapErrorText(-1));
+    EXPECT_NE(systemErrorText(ERROR_ACCESS_DENIED), systemErrorText(nameTooLong));
+    EXPECT_NE(systemErrorText(nameTooLong), "");
+    EXPECT_EQ(systemErrorText(4242), "");
+}
