@@ -4,6 +4,9 @@
 #ifndef FAULTS_H
 #define FAULTS_H
 
+#include <filesystem>
+#include <iterator>
+
 // The calls that a plan concerns: any of these, joined.
 enum FaultCalls : unsigned {
     faultMemory = 1,  // malloc, calloc, realloc, aligned_alloc, mmap
