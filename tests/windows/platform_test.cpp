@@ -100,10 +100,6 @@ TEST(Platform, FilesKeepTheirProtection)
         writeText(name, "dn: cn=a\n");
         setAccess(name, isOpen);
         const DWORD access = accessOfAll(name);
-        if (getenv("DBG")) {
-            system(("attrib " + name).c_str());
-            Sleep(15000);
-        }
         LDIF_File(name, name + ".bak").flush();
         EXPECT_EQ(accessOfAll(name), access) << isOpen;
         EXPECT_EQ(accessOfAll(name + ".bak"), access) << isOpen;

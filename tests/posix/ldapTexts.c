@@ -1,0 +1,92 @@
+/* The texts of the LDAP library, for a build where that is not to be had. */
+#include <ldap.h>
+
+static const struct {
+    int code;
+    const char* text;
+} rows[] = {
+    {-20, "Unknown API error"},
+    {-19, "Unknown API error"},
+    {-18, "Connecting (X)"},
+    {-17, "Referral Limit Exceeded"},
+    {-16, "Client Loop"},
+    {-15, "More results to return"},
+    {-14, "No results returned"},
+    {-13, "Control not found"},
+    {-12, "Not Supported"},
+    {-11, "Connect error"},
+    {-10, "Out of memory"},
+    {-9, "Bad parameter to an ldap routine"},
+    {-8, "User cancelled operation"},
+    {-7, "Bad search filter"},
+    {-6, "Unknown authentication method"},
+    {-5, "Timed out"},
+    {-4, "Decoding error"},
+    {-3, "Encoding error"},
+    {-2, "Local error"},
+    {-1, "Can't contact LDAP server"},
+    {0, "Success"},
+    {1, "Operations error"},
+    {2, "Protocol error"},
+    {3, "Time limit exceeded"},
+    {4, "Size limit exceeded"},
+    {5, "Compare False"},
+    {6, "Compare True"},
+    {7, "Authentication method not supported"},
+    {8, "Strong(er) authentication required"},
+    {9, "Partial results and referral received"},
+    {10, "Referral"},
+    {11, "Administrative limit exceeded"},
+    {12, "Critical extension is unavailable"},
+    {13, "Confidentiality required"},
+    {14, "SASL bind in progress"},
+    {16, "No such attribute"},
+    {17, "Undefined attribute type"},
+    {18, "Inappropriate matching"},
+    {19, "Constraint violation"},
+    {20, "Type or value exists"},
+    {21, "Invalid syntax"},
+    {32, "No such object"},
+    {33, "Alias problem"},
+    {34, "Invalid DN syntax"},
+    {35, "Entry is a leaf"},
+    {36, "Alias dereferencing problem"},
+    {47, "Proxy Authorization Failure (X)"},
+    {48, "Inappropriate authentication"},
+    {49, "Invalid credentials"},
+    {50, "Insufficient access"},
+    {51, "Server is busy"},
+    {52, "Server is unavailable"},
+    {53, "Server is unwilling to perform"},
+    {54, "Loop detected"},
+    {64, "Naming violation"},
+    {65, "Object class violation"},
+    {66, "Operation not allowed on non-leaf"},
+    {67, "Operation not allowed on RDN"},
+    {68, "Already exists"},
+    {69, "Cannot modify object class"},
+    {70, "Results too large"},
+    {71, "Operation affects multiple DSAs"},
+    {76, "Virtual List View error"},
+    {80, "Other (e.g., implementation specific) error"},
+    {113, "LCUP Resources Exhausted"},
+    {114, "LCUP Security Violation"},
+    {115, "LCUP Invalid Data"},
+    {116, "LCUP Unsupported Scheme"},
+    {117, "LCUP Reload Required"},
+    {118, "Cancelled"},
+    {119, "No Operation to Cancel"},
+    {120, "Too Late to Cancel"},
+    {121, "Cannot Cancel"},
+    {122, "Assertion Failed"},
+    {123, "Proxied Authorization Denied"},
+};
+
+char* ldap_err2string(int code)
+{
+    unsigned row;
+    for (row = 0; row < sizeof rows / sizeof rows[0]; ++row)
+        if (rows[row].code == code)
+            return (char*)rows[row].text;
+    return (char*)"Unknown error";
+}
