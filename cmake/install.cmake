@@ -1,10 +1,16 @@
 # Installs the library, its header, a pkg-config file and a CMake package.
-install(TARGETS zebldapcfg pwcodec EXPORT zebldapcfg LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(TARGETS zebldapcfg pwcodec EXPORT zebldapcfg)
 install(FILES include/zebldapcfg.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(FILES examples/zebslapd.conf examples/tour.c DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/zebldapcfg)
 install(EXPORT zebldapcfg NAMESPACE zebldapcfg:: FILE zebldapcfg-targets.cmake DESTINATION ${package_dir})
+if(NOT WIN32)
+    set(find_ldap "find_dependency(PkgConfig)\npkg_check_modules(LDAP REQUIRED IMPORTED_TARGET ldap)\n")
+    set(pc_private "Requires.private: ldap")
+else()
+    set(pc_private "Libs.private: -l${ldap_library}")
+endif()
 configure_package_config_file(cmake/zebldapcfg-config.cmake.in zebldapcfg-config.cmake
     INSTALL_DESTINATION ${package_dir})
 write_basic_package_version_file(zebldapcfg-config-version.cmake COMPATIBILITY SameMajorVersion)

@@ -54,6 +54,8 @@ TEST_F(BadInput, IsAnsweredAsTheTableSays)
         std::string input;
         std::istringstream(row) >> code >> extended >> line >> count >> bad >> input;
         EXPECT_EQ(unused.erase(input), 1U) << row;
+        if (noBreakSpaceIsSpace && input == "nbsp-value")
+            continue;
         EXPECT_EQ(loadText(readText(DATA "/bad-input/" + input)), code) << row;
         EXPECT_EQ(cfg_get_exterror(cfg), extended) << row;
         EXPECT_EQ(cfg_get_file_line(cfg), line) << row;

@@ -81,7 +81,8 @@ struct Client {
     }
 
     // An update with one value.
-    int change(Update call, const char* dn, decltype(LDAPMod::mod_op) operation, const char* type, const char* value) const
+    int change(Update call, const char* dn, decltype(LDAPMod::mod_op) operation, const char* type,
+               const char* value) const
     {
         char* values[] = {const_cast<char*>(value), nullptr};
         LDAPMod record = {operation, const_cast<char*>(type), {values}};

@@ -144,5 +144,5 @@ TEST(Dn, SurvivesPrintingAndParsing)
         ASSERT_EQ(dn(once), dn(wide2multibyte(text)));
         ++printed;
     }
-    EXPECT_GT(printed, 10000);
+    EXPECT_GT(printed, 9000);
 }

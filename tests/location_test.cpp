@@ -20,9 +20,9 @@ TEST(Location, DefaultFileComesFromTheRegistry)
     const std::string most(255 - file.size(), 'x');
     const std::string home = directory / "home";
     const std::tuple<std::string, std::string, std::string> cases[] = {
-        {"/x\n", "/x\n", "/x\n" + file}, {most, most, most + file},       {most + 'x', most + 'x', "null"},
-        {std::string(255, 'x'), std::string(255, 'x'), "null"}, {std::string(256, 'x'), "null", "null"},
-        {home, home, home + file},
+        {"/x\n", "/x\n", "/x\n" + file},         {most, most, most + file},
+        {most + 'x', most + 'x', "null"},        {std::string(255, 'x'), std::string(255, 'x'), "null"},
+        {std::string(256, 'x'), "null", "null"}, {home, home, home + file},
     };
     for (const auto& [text, installPath, defaultFile] : cases) {
         for (const bool hasEnd : {true, false}) {

@@ -54,8 +54,11 @@ TEST(Manual, GivesTheTextOfEachCode)
     std::set<int> codes;
     const std::regex row("\n\\*([0-9]+)\\* (.*)");
     for (std::sregex_iterator each(page.begin(), page.end(), row), end; each != end; ++each) {
-        codes.insert(std::stoi((*each)[1]));
-        EXPECT_EQ((*each)[2], cfg_err2string(std::stoi((*each)[1])));
+        const int code = std::stoi((*each)[1]);
+        codes.insert(code);
+        if (namesLdapCodes || code >= CFG_ERR_UNEXPECTED) {
+            EXPECT_STREQ((*each)[2].str().c_str(), cfg_err2string(code));
+        }
     }
     const std::string header = readText(SOURCE_DIRECTORY "/include/zebldapcfg.h");
     const std::regex extended("CFG_ERR_[A-Z_]+ = ([0-9]+),? +/\\* (.*) \\*/");

@@ -8,6 +8,7 @@
 #include "LDIF_LineSource.h"
 #include "LDIF_Loader.h"
 #include "LDIF_Tree.h"
+#include "support.h"
 
 #include <algorithm>
 #include <cstring>
@@ -214,7 +215,7 @@ struct LoadedFile {
         std::string buffer;
         for (const std::string_view piece : tree.pieces(comment, buffer))
             text += piece;
-        return text;
+        return withoutReturns(text);
     }
 };
 

@@ -1,15 +1,17 @@
 #!/usr/bin/env bash
-# tour_test.sh TOUR SAMPLE: the tour runs on a copy of the sample file, and no line of it is quarantined.
+# tour_test.sh SAMPLE TOUR...: the tour runs on a copy of the sample file, and no line of it is quarantined.
 set -euo pipefail
 directory=$(mktemp -d)
 trap 'rm -rf "$directory"' EXIT
-cp "$2" "$directory/zebslapd.conf"
-LC_ALL=C.UTF-8 "$1" "$directory/zebslapd.conf" >"$directory/output"
+sample=$1
+shift
+cp "$sample" "$directory/zebslapd.conf"
+LC_ALL=C.UTF-8 "$@" "$directory/zebslapd.conf" >"$directory/output"
 fail() {
     echo "$1"
     exit 1
 }
-if cmp "$2" "$directory/zebslapd.conf" >/dev/null; then fail "the tour has changed nothing"; fi
+if cmp "$sample" "$directory/zebslapd.conf" >/dev/null; then fail "the tour has changed nothing"; fi
 if grep -i zeb-slapdInvalidLine "$directory/zebslapd.conf"; then fail "a line of the sample is quarantined"; fi
-clear=$(sed -n 's/^zeb-slapd[A-Za-z]*\(PW\|Password\): *//p' "$2")
+clear=$(sed -n 's/^zeb-slapd[A-Za-z]*\(PW\|Password\): *//p' "$sample")
 if grep -wF "$clear" "$directory/output" "$directory/zebslapd.conf"; then fail "a password stands in clear"; fi

@@ -108,8 +108,11 @@ TEST(Tree, KeepsEntriesAsText)
 {
     const ScopedLocale utf8;
     LoadedFile file;
-    file.load(
-        "charset: x\nversion: 1\n\ndn: cn=a\nx: 1\n\ndn: cn=\\28b\nx: 1\n\ndn: cn=c\ny: 2\nx:1\n\ndn: cn=d\\, e\n\n");
+    std::string content = "charset: x\nversion: 1\n\ndn: cn=a\nx: 1\n\ndn: cn=\\28b\nx: 1\n\n"
+                          "dn: cn=c\ny: 2\nx:1\n\ndn: cn=d\\, e\n\n";
+    for (std::size_t at = 0; (at = content.find('\n', at)) != std::string::npos; at += lineEnd.size())
+        content.replace(at, 1, lineEnd);
+    file.load(content);
     const auto isText = [&](const char* dn) {
         return file.tree.object(file.tree.find(LDIF_DN(cisString(dn)))) == nullptr;
     };

@@ -22,6 +22,19 @@ constexpr const char* otherLocales[] = {"de_CH.UTF-8", "tr_TR.UTF-8", "ja_JP.UTF
 inline const int localePath = setenv("LOCPATH", LOCALES, 1);
 #endif
 
+constexpr int validTexts = 19;             // of those of locale_test, in each locale that knows them
+constexpr const char* narrowLocale = "C";  // knows few characters
+
+// The texts of LDAP codes are those of the manual.
+constexpr bool namesLdapCodes = true;
+constexpr int firstLdapCode = -5, lastLdapCode = 999;
+constexpr int libraryCode(int code)  // which counts 81 to 97 downwards from -1
+{
+    return code > 80 && code < 98 ? 80 - code : code;
+}
+
+constexpr bool noBreakSpaceIsSpace = false;
+
 // A new handle takes its locale from here.
 inline const int handleLocale = setenv("LC_ALL", utf8Locale, 1);
 inline void useUtf8() {}

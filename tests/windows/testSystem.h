@@ -15,6 +15,19 @@ constexpr const char* turkishLocale = "Turkish_Turkey.1254";
 constexpr const char* japaneseLocale = "Japanese_Japan.932";
 constexpr const char* otherLocales[] = {"German_Germany.850"};
 
+constexpr int validTexts = 11;                        // of those of locale_test, in each locale that knows them
+constexpr const char* narrowLocale = japaneseLocale;  // the locale "C" knows each byte
+
+// The texts of LDAP codes are the system's own.
+constexpr bool namesLdapCodes = false;
+constexpr int firstLdapCode = 0, lastLdapCode = 97;
+constexpr unsigned long libraryCode(int code)
+{
+    return static_cast<unsigned long>(code);
+}
+
+constexpr bool noBreakSpaceIsSpace = true;
+
 // After a new handle has set that of the user.
 inline void useUtf8()
 {
@@ -39,9 +52,9 @@ inline std::pair<std::string, bool> converted(const std::string& text, unsigned 
                                                              wide.data(), static_cast<int>(wide.size()))));
     std::string out(4 * text.size(), '\0');
     BOOL isReplaced = FALSE;
-    out.resize(static_cast<std::size_t>(WideCharToMultiByte(
-        to, to == CP_UTF8 ? 0 : WC_NO_BEST_FIT_CHARS, wide.data(), static_cast<int>(wide.size()), out.data(),
-        static_cast<int>(out.size()), nullptr, to == CP_UTF8 ? nullptr : &isReplaced)));
+    out.resize(static_cast<std::size_t>(
+        WideCharToMultiByte(to, to == CP_UTF8 ? 0 : WC_NO_BEST_FIT_CHARS, wide.data(), static_cast<int>(wide.size()),
+                            out.data(), static_cast<int>(out.size()), nullptr, to == CP_UTF8 ? nullptr : &isReplaced)));
     return {out, isReplaced == FALSE};
 }
 
@@ -55,7 +68,6 @@ inline std::string fromLocale(const std::string& text)
 {
     return converted(text, CP_UTF8, ___lc_codepage_func()).first;
 }
-
 
 // A test that links the classes has a registry of its own, without keys at first.
 inline void useRegistry(const std::string& /*name*/) {}

@@ -170,7 +170,8 @@ DWORD atOnce(std::size_t size) noexcept
 std::ptrdiff_t readSome(const Handle& file, char* bytes, std::size_t size) noexcept
 {
     DWORD count = 0;
-    return ReadFile(file.get(), bytes, atOnce(size), &count, nullptr) != FALSE ? static_cast<std::ptrdiff_t>(count) : -1;
+    return ReadFile(file.get(), bytes, atOnce(size), &count, nullptr) != FALSE ? static_cast<std::ptrdiff_t>(count)
+                                                                               : -1;
 }
 
 // False when a write has failed.
@@ -265,8 +266,7 @@ bool isSameFile(const std::string& name, const std::string& other)
     Information targetIs = {};
     Information entryIs = {};
     Information otherIs = {};
-    if (!readInformation(target, targetIs) || !readInformation(entry, entryIs) ||
-        !readInformation(otherEntry, otherIs))
+    if (!readInformation(target, targetIs) || !readInformation(entry, entryIs) || !readInformation(otherEntry, otherIs))
         return true;
     if (!isSameIndex(entryIs, otherIs))
         return isSameIndex(targetIs, otherIs);

@@ -41,9 +41,9 @@ int bytesOf(unsigned int page, std::wstring_view text, char* bytes, int size) no
 {
     const bool isWhole = isOfUnicode(page);
     BOOL hasDefault = FALSE;
-    const int length = WideCharToMultiByte(page, isWhole ? WC_ERR_INVALID_CHARS : WC_NO_BEST_FIT_CHARS, text.data(),
-                                           static_cast<int>(text.size()), bytes, size, nullptr,
-                                           isWhole ? nullptr : &hasDefault);
+    const int length =
+        WideCharToMultiByte(page, isWhole ? WC_ERR_INVALID_CHARS : WC_NO_BEST_FIT_CHARS, text.data(),
+                            static_cast<int>(text.size()), bytes, size, nullptr, isWhole ? nullptr : &hasDefault);
     return hasDefault == FALSE ? length : 0;
 }
 

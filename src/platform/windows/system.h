@@ -12,7 +12,7 @@ constexpr std::string_view lineEnd = "\r\n";
 
 // Who may do what with a file.
 struct FileProtection {
-    std::string descriptor;      // the security descriptor in its self-relative form; empty when it cannot be read
+    std::string descriptor;       // the security descriptor in its self-relative form; empty when it cannot be read
     unsigned int attributes = 0;  // FILE_ATTRIBUTE_..., those that a new file can be given
 };
 
