@@ -85,6 +85,7 @@ TEST_F(Document, LoadAndWriteGiveTheCanonicalFile)
         {head + "\n\n# c\ndn: cn=a\n\n\n\ndn: cn=b\n\n\n\n", head + "\n\n# c\ndn: cn=a\n\n\n\ndn: cn=b\n\n"},
         {"# c\ndn: cn=a\nx: 1\ndn: cn=b\n# e\n\n", "# c\n" + a + "x: 1\n\ndn: cn=b\n\n# e\n"},
         {"dn: cn=a\nx: 1\n# moves\n\ndn: cn=b\n", a + "x: 1\n\n# moves\ndn: cn=b\n\n"},
+        {a + "x: 1\n# stays", a + "x: 1\n\n# stays\n"},
         {"dn: cn=a\n# 1\nb: 2\n# 2\nB: 1\na:\nb: 2\n", a + "a: \n# 1\n# 2\nb: 2\nb: 1\n\n"},
         {"dn: cn=a\r\nx:b\r\ny:: (b c) \r\nz: lo\r\n ng\r\n", a + "x: b\ny: b c\nz: long\n\n"},
         {"DN: CN = A ; o=b+O=a\nversion: 01\n", head + "\nDN: CN=A, O=a + o=b\nversion: 1\n\n"},

@@ -24,7 +24,7 @@ replace() {
 }
 
 run_tests() {
-    ctest --test-dir "$copy/build/debug" -j "$(nproc)" --stop-on-failure "$@" >"$log" 2>&1
+    ctest --test-dir "$copy/build/debug" -j "$(nproc)" --stop-on-failure --timeout 60 "$@" >"$log" 2>&1
 }
 
 # The test that has failed first.

@@ -90,3 +90,12 @@ TEST(Search, FindsWhatIsNoText)
          {std::pair("x", 1U), {"X=1", 1U}, {"x=2", 0U}, {"zeb-slapdql3cp=07", 1U}, {"y", 0U}})
         EXPECT_EQ(file.findEntries({}, LDIF_Scope::subtree, LDIF_Filter(filter)).size(), count) << filter;
 }
+
+TEST(Search, FindsTheLastLineOfALargeEntry)
+{
+    const TempDirectory directory;
+    writeText(directory / "f", "dn: o=a\na: " + std::string(70'000, 'x') + "\nb: 1\nc: 2\n");
+    LDIF_File file(directory / "f", "");
+    for (int time = 1; time <= 3; ++time)  // from the second one on it is known where lines begin
+        EXPECT_EQ(file.findEntries({}, LDIF_Scope::subtree, LDIF_Filter("c=2")).size(), 1U) << time;
+}

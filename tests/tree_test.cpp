@@ -1,5 +1,6 @@
 // The tree held against the plain steps: how entries hang, and what becomes of their texts.
 #include "LDIF_Search.h"
+#include "LDIF_TextStore.h"
 #include "plainTree.h"
 #include "support.h"
 
@@ -145,4 +146,11 @@ TEST(Tree, TakesTheAttributesOfALargeEntryInAnyOrder)
         plain.load(text);
         EXPECT_EQ(file.str(), plain.str()) << fold;
     }
+}
+
+TEST(TextStore, IsWastefulOnceMoreIsDeadThanAlive)
+{
+    LDIF_TextStore store;
+    store.release(store.add(std::string(100'000, 'x')));
+    EXPECT_TRUE(store.isWasteful());
 }

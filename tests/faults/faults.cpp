@@ -15,6 +15,7 @@
 #include <fcntl.h>
 #include <malloc.h>
 #include <pwd.h>
+#include <sstream>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
@@ -161,13 +162,12 @@ public:
     {
         if (const char* const text = std::getenv("FAULT_WATCH"))
             watch.start(text);
-        const char* const text = std::getenv("FAULT_PLAN");
-        int lasts = 0;
-        int fault = 0;
-        isDue = text != nullptr &&
-                std::sscanf(text, "%u %ld %d %d %d", &plan.calls, &plan.first, &lasts, &fault, &plan.error) == 5;
-        plan.lasts = lasts != 0;
-        plan.fault = static_cast<Fault>(fault);
+        if (const char* const text = std::getenv("FAULT_PLAN")) {
+            std::istringstream numbers(text);
+            int fault = 0;
+            isDue = static_cast<bool>(numbers >> plan.calls >> plan.first >> plan.lasts >> fault >> plan.error);
+            plan.fault = static_cast<Fault>(fault);
+        }
     }
     Start(const Start&) = delete;
     Start& operator=(const Start&) = delete;
@@ -322,9 +322,9 @@ char* setlocale(int category, const char* locale) noexcept
 // The texts of a language are kept too.
 char* strerror(int number) noexcept
 {
-    const long before = blocks;
+    const long kept = blocks;
     char* const text = behind<&strerror>("strerror")(number);
-    blocks = before;
+    blocks = kept;
     return text;
 }
 
@@ -332,9 +332,9 @@ char* strerror(int number) noexcept
 passwd* getpwuid(uid_t user)
 {
     const bool wasArmed = std::exchange(armed, false);
-    passwd* const found = behind<&getpwuid>("getpwuid")(user);
+    passwd* const entry = behind<&getpwuid>("getpwuid")(user);
     armed = wasArmed;
-    return found;
+    return entry;
 }
 
 #ifndef __SANITIZE_ADDRESS__

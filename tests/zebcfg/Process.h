@@ -14,6 +14,7 @@
 #include <pty.h>
 #include <sys/ptrace.h>
 #include <sys/wait.h>
+#include <termios.h>
 #include <unistd.h>
 
 // A directory with a small configuration file in it.
@@ -127,6 +128,19 @@ public:
         while (readMore()) {
         }
         return ::finish(child);
+    }
+
+    bool hasEcho() const
+    {
+        termios settings = {};
+        EXPECT_EQ(::tcgetattr(side, &settings), 0);
+        return (settings.c_lflag & ECHO) != 0;
+    }
+
+    void end(int signal)
+    {
+        ::kill(child, signal);
+        EXPECT_EQ(::finish(child), 128 + signal);
     }
 
     std::string output;

@@ -429,16 +429,21 @@ TEST(Safety, TheMemoryIsHiddenFromTheSameUser)
     EXPECT_EQ(readText(directory / "owner"), "0\n");
 }
 
-TEST(Safety, AChangeBySomebodyElseIsNotOverwritten)
+TEST(Safety, WhatSomebodyElseHasWrittenStays)
 {
     const ConfigDirectory directory;
     const std::string other = readText(directory.file) + "# by somebody else\n";
+    const std::string lock = directory.file + ".lock";
     const int status = trace(startTraced(directory.file), [&](const __ptrace_syscall_info& info) {
-        if (info.op == PTRACE_SYSCALL_INFO_ENTRY && info.entry.nr == SYS_fsync)
+        if (info.op == PTRACE_SYSCALL_INFO_ENTRY && info.entry.nr == SYS_fsync) {
             writeText(directory.file, other);
+            std::filesystem::remove(lock);
+            writeText(lock, other);
+        }
     });
     EXPECT_EQ(status, 51);
     EXPECT_EQ(readText(directory.file), other);
+    EXPECT_EQ(readText(lock), other) << "the lock of somebody else";
 }
 
 TEST(Safety, NoFileIsOpenToOthersForAMoment)
@@ -480,6 +485,19 @@ TEST(Safety, ExtendedAttributesAreKept)
     });
     EXPECT_EQ(finish(child), 0);
     EXPECT_EQ(readText(errors), "zebcfg: the extended attribute user.note of the file could not be kept\n");
+}
+
+TEST(Safety, AnAccessListOfTheDirectoryIsNotTakenOver)
+{
+    // The version, then kind, permissions and user: the owner, nobody, the group, the mask and others.
+    const std::string list("\2\0\0\0\1\0\6\0\377\377\377\377\2\0\4\0\376\377\0\0\4\0\4\0\377\377\377\377"
+                           "\20\0\4\0\377\377\377\377\40\0\0\0\377\377\377\377",
+                           44);
+    const ConfigDirectory directory;
+    if (::setxattr(directory.path.c_str(), "system.posix_acl_default", list.data(), list.size(), 0) != 0)
+        GTEST_SKIP() << "the file system has no access lists";
+    ASSERT_EQ(run(directory.file, setPort(2)), 0);
+    EXPECT_EQ(::getxattr(directory.file.c_str(), "system.posix_acl_access", nullptr, 0), -1) << "nobody may read it";
 }
 
 // A limit on the size of files stands for a disk that is full at each byte of the new text in turn.

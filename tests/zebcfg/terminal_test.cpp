@@ -58,6 +58,16 @@ TEST(Prompts, ALoginAsksAndAnInterruptEndsIt)
     }
 }
 
+TEST(Prompts, ASignalBringsTheEchoBack)
+{
+    const ConfigDirectory directory;
+    Terminal terminal(directory.file, {"passwd", "cn=Configuration"});
+    terminal.answer("New password: ", "");
+    EXPECT_FALSE(terminal.hasEcho());
+    terminal.end(SIGTERM);
+    EXPECT_TRUE(terminal.hasEcho());
+}
+
 TEST(Appearance, ColourAndLinesAreForTerminalsThatShowThem)
 {
     const ConfigDirectory directory;

@@ -6,8 +6,6 @@
 #include <array>
 #include <cerrno>
 #include <chrono>
-#include <iostream>
-#include <iterator>
 
 #include <fcntl.h>
 #include <ldap.h>
@@ -64,9 +62,7 @@ std::string shownInput(const std::string& name)
 
 std::string readInput(const std::string& name)
 {
-    if (name != "-")
-        return readNamed(name);
-    return {std::istreambuf_iterator<char>(std::cin), {}};
+    return name == "-" ? readAll(STDIN_FILENO, standardInput) : readNamed(name);
 }
 
 std::string readPasswordFile(const std::string& name)

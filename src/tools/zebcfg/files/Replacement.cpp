@@ -28,7 +28,7 @@ void noteLost(const PrivateFile& copy, const Handling& handling)
 }
 
 // Whether an update of the file works under that name.
-bool isInUse(const std::string& path, const std::string& name)
+bool isTaken(const std::string& path, const std::string& name)
 {
     const std::string lock = path + ".lock";
     return name == lock || name == siblingOf(lock) || name == siblingOf(path);
@@ -39,7 +39,7 @@ void requireUsableBackup(const std::string& name, const LiveFile& file)
     struct stat status = {};
     if (resolvedName(name) == file.path())
         throw Failure(0, "the backup has the name of the file itself", file.shownName());
-    if (isInUse(file.path(), resolvedName(name)))
+    if (isTaken(file.path(), resolvedName(name)))
         throw Failure(0, "the update itself needs " + name + "; name another backup with -B", file.shownName());
     if (::lstat(name.c_str(), &status) == 0 && !S_ISREG(status.st_mode))
         throw Failure(0, "the backup would replace " + name + ", which is not a regular file; name another with -B",
@@ -47,6 +47,16 @@ void requireUsableBackup(const std::string& name, const LiveFile& file)
 }
 
 }  // namespace
+
+bool isPartOfUpdate(const std::string& name, const std::string& file, const std::string& backup, int generations)
+{
+    const std::string wanted = resolvedName(name);
+    const std::string path = resolvedName(file);
+    bool isPart = wanted == path || isTaken(path, wanted);
+    for (int i = 1; !backup.empty() && i <= generations; ++i)
+        isPart = isPart || wanted == resolvedName(generationName(backup, i));
+    return isPart;
+}
 
 void requireReplaceable(const LiveFile& file, const Handling& handling)
 {

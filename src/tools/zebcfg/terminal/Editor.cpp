@@ -20,7 +20,7 @@ std::string editorName()
 {
     for (const char* const variable : {"VISUAL", "EDITOR"}) {
         const char* const value = std::getenv(variable);
-        if (value != nullptr && value[std::strspn(value, " \t\n")] != '\0')
+        if (value != nullptr && value[std::strspn(value, " \t\n\v\f\r")] != '\0')
             return value;
     }
     return "vi";

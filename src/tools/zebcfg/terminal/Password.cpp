@@ -1,6 +1,7 @@
 #include "terminal/Password.h"
 
 #include "base/Failure.h"
+#include "terminal/Signals.h"
 
 #include <cerrno>
 
@@ -13,15 +14,12 @@ namespace {
 
 constexpr char interruptKey = '\3';
 
-// The terminal of the process without echo, and as it was at the end. The interrupt key ends the line instead of the
-// process, so that the echo comes back.
+// The terminal of the process without echo, and as it was at the end. The interrupt key ends the line, and not the
+// process.
 class SilentTerminal {
 public:
-    SilentTerminal() : terminal(::open("/dev/tty", O_RDWR | O_CLOEXEC))
+    SilentTerminal() : terminal(opened()), before(settingsOf(terminal)), restored(terminal, before)
     {
-        if (terminal < 0)
-            throw Failure(0, "there is no terminal to ask for a password; use -y FILE");
-        (void)::tcgetattr(terminal, &before);
         struct termios silent = before;
         silent.c_lflag &= ~static_cast<tcflag_t>(ECHO | ISIG);
         silent.c_lflag |= ECHONL | ICANON;
@@ -38,8 +36,23 @@ public:
     int get() const noexcept { return terminal; }
 
 private:
+    static int opened()
+    {
+        const int terminal = ::open("/dev/tty", O_RDWR | O_CLOEXEC);
+        if (terminal < 0)
+            throw Failure(0, "there is no terminal to ask for a password; use -y FILE");
+        return terminal;
+    }
+    static struct termios settingsOf(int terminal)
+    {
+        struct termios settings = {};
+        (void)::tcgetattr(terminal, &settings);
+        return settings;
+    }
+
     const int terminal;
-    struct termios before = {};
+    const struct termios before;
+    const RestoredTerminal restored;
 };
 
 }  // namespace

@@ -15,8 +15,14 @@ constexpr int endingSignals[] = {SIGHUP, SIGINT, SIGQUIT, SIGTERM};
 using NameBuffer = std::array<char, 4096>;
 std::array<NameBuffer, 4> namesToRemove;
 
-extern "C" void removeAndEnd(int signal)
+// The terminal that the handler restores; negative for none.
+volatile std::sig_atomic_t changedTerminal = -1;
+termios formerSettings;
+
+extern "C" void tidyAndEnd(int signal)
 {
+    if (changedTerminal >= 0)
+        (void)::tcsetattr(changedTerminal, TCSAFLUSH, &formerSettings);
     for (NameBuffer& name : namesToRemove) {
         if (name[0] == '\0')
             continue;
@@ -39,7 +45,7 @@ void handleSignals()
         struct sigaction action = {};
         if (::sigaction(signal, nullptr, &action) != 0 || action.sa_handler == SIG_IGN)
             continue;
-        action.sa_handler = removeAndEnd;
+        action.sa_handler = tidyAndEnd;
         (void)::sigaction(signal, &action, nullptr);
     }
     (void)std::signal(SIGXFSZ, SIG_IGN);
@@ -63,6 +69,17 @@ void keepOnSignals(const std::string& path)
         if (path == name.data())
             name[0] = '\0';
     }
+}
+
+RestoredTerminal::RestoredTerminal(int terminal, const termios& settings) noexcept
+{
+    formerSettings = settings;
+    changedTerminal = terminal;
+}
+
+RestoredTerminal::~RestoredTerminal()
+{
+    changedTerminal = -1;
 }
 
 BlockedSignals::BlockedSignals()

@@ -3,8 +3,8 @@
 #include "base/Attributes.h"
 #include "base/Failure.h"
 #include "files/Descriptor.h"
-#include "files/FileName.h"
 #include "files/Input.h"
+#include "files/Replacement.h"
 #include "formats/LdifReader.h"
 #include "library/Dn.h"
 #include "terminal/Progress.h"
@@ -84,10 +84,10 @@ private:
 
 // Makes the file for the records that are left out, which may hold passwords: what cannot be written is reported before
 // the configuration is changed.
-void makeSkippedFile(const std::string& name, const std::string& configuration)
+void makeSkippedFile(const std::string& name, const Target& target)
 {
-    if (resolvedName(name) == resolvedName(configuration))
-        throw Failure(0, "the skipped records cannot be written to the configuration file", name);
+    if (isPartOfUpdate(name, target.file, target.backup, target.generations))
+        throw Failure(0, "the update itself needs this file; name another one with -S", name);
     const Descriptor made(::open(name.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
     if (!made.isOpen())
         throw systemFailure(0, "cannot write " + name);
@@ -100,7 +100,7 @@ int applyLdif(const Target& target, const LdifInput& input)
     Run run(target.messages, input);
     const bool keepsSkipped = !input.skippedFile.empty();
     if (keepsSkipped)
-        makeSkippedFile(input.skippedFile, target.file);
+        makeSkippedFile(input.skippedFile, target);
     update(
         target, [&](Changes& changes) { run.apply(changes); }, [&](Failure& failure) { run.addPlace(failure); });
     if (keepsSkipped)
