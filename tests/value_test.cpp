@@ -362,6 +362,6 @@ TEST(Password, IsComparedInClearAndDecodedOnlyAsItWasEncoded)
             EXPECT_EQ(decodePassword(again, decoded), at < 2 ? PWCODEC_FORMAT : PWCODEC_CHECKSUM) << again;
         }
     }
-    for (const char* foreign : {"><", ">1<", ">1AAAA<", ">1AAAAAAAAAAAAAAAA AAAA<"})
+    for (const char* foreign : {"><", ">1<", ">1AAAA<", ">1AAAAAAAAAAAAAAA<", ">1AAAAAAAAAAAAAAAA AAAA<"})
         EXPECT_EQ(decodePassword(foreign, decoded), PWCODEC_FORMAT) << foreign;
 }
