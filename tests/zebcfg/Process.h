@@ -127,6 +127,9 @@ public:
     {
         while (readMore()) {
         }
+        termios left = {};
+        EXPECT_EQ(::tcgetattr(side, &left), 0);
+        EXPECT_NE(left.c_lflag & ECHO, 0U) << "the terminal shows what is typed again";
         return ::finish(child);
     }
 
