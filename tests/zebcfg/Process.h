@@ -127,9 +127,7 @@ public:
     {
         while (readMore()) {
         }
-        termios left = {};
-        EXPECT_EQ(::tcgetattr(side, &left), 0);
-        EXPECT_NE(left.c_lflag & ECHO, 0U) << "the terminal shows what is typed again";
+        EXPECT_TRUE(hasEcho()) << "the terminal shows what is typed again";
         return ::finish(child);
     }
 
@@ -140,7 +138,7 @@ public:
         return (settings.c_lflag & ECHO) != 0;
     }
 
-    void end(int signal)
+    void end(int signal) const
     {
         ::kill(child, signal);
         EXPECT_EQ(::finish(child), 128 + signal);
