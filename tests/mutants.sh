@@ -8,10 +8,14 @@ table=tests/mutants.txt
 copy=build/mutants/source
 log=build/mutants/log
 
-# The sources as they are, with what is not committed.
+# The sources as they are, with what is not committed. What is the same keeps its time, and is not built again.
 make_copy() {
-    mkdir -p "$copy"
-    git ls-files -z | tar --null --files-from=- --create | tar --extract --directory "$copy"
+    local file
+    git ls-files | while IFS= read -r file; do
+        cmp -s "$file" "$copy/$file" && continue
+        mkdir -p "$(dirname "$copy/$file")"
+        cp "$file" "$copy/$file"
+    done
 }
 
 # Replaces a text that stands there once.

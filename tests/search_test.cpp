@@ -34,6 +34,7 @@ TEST(Search, ScopeAndFilterDecideTheResults)
         {"o=a", LDIF_Scope::subtree, "X=C", "cn=c, ou=b, o=a;"},
         {"o=a", LDIF_Scope::subtree, "zeb-slapdQL3CP=01", "o=a;cn=c, ou=b, o=a;"},
         {"", LDIF_Scope::subtree, "version=01", ";"},
+        {"o=a", LDIF_Scope::subtree, "zeb-slapdAdminDN=CN=\"s\"", "ou=d, o=a;"},
         {"o=a", LDIF_Scope::subtree, "zeb-slapdPort=x", "21/1016 o=a;o=a;ou=b, o=a;cn=c, ou=b, o=a;;;"},
         {"o=a", LDIF_Scope::oneLevel, "zeb-slapdQL3CP=x", "21/1016 o=a;o=a;;;"},
         {"cn=no", LDIF_Scope::base, "", "32/32 cn=no;;"},
@@ -41,7 +42,8 @@ TEST(Search, ScopeAndFilterDecideTheResults)
     const TempDirectory directory;
     writeText(directory / "f",
               "dn: o=a\nobjectclass: t\nzeb-slapdQL3CP: 1\n\ndn: ou=b, o=a\n\n# c\ndn: cn=c, ou=b, o=a\nx: C\n"
-              "OBJECTCLASS: c\nzeb-slapdQL3CP: 1\nzeb-slapdPort: 1\n\ndn: ou=d, o=a\nobjectclass: d\nou: d\n");
+              "OBJECTCLASS: c\nzeb-slapdQL3CP: 1\nzeb-slapdPort: 1\n\ndn: ou=d, o=a\nobjectclass: d\nou: d\n"
+              "zeb-slapdAdminDN: cn=s\n");
     LDIF_File file(directory / "f", "");
     for (const auto& [base, scope, filter, expected] : cases) {
         std::ostringstream found;

@@ -231,7 +231,7 @@ TEST(Values, FindTheSameInLongListsAsOneByOne)
         std::mt19937 random(1);
         LDIF_Values list(name);
         std::vector<std::string> plain;
-        for (int step = 0; step < 3000; ++step) {
+        for (int step = 0; step < 2700; ++step) {  // at the end the list is long
             const auto number = std::to_string(random() % (step % 600 < 300 ? 90 : 40));
             const std::string text = name == std::string("zeb-slapdSizeLimit") ? "0" + number : "cn=" + number;
             const std::string kept = name == std::string("zeb-slapdSizeLimit") ? number : text;
@@ -257,6 +257,8 @@ TEST(Values, FindTheSameInLongListsAsOneByOne)
                       return list.str();
                   }));
         EXPECT_EQ(atOnce.str(), list.str());
+        for (const LDIF_Value& value : atOnce)
+            ASSERT_EQ(atOnce.find(value.str()), &value) << value.str();
     }
 }
 
@@ -360,6 +362,6 @@ TEST(Password, IsComparedInClearAndDecodedOnlyAsItWasEncoded)
             EXPECT_EQ(decodePassword(again, decoded), at < 2 ? PWCODEC_FORMAT : PWCODEC_CHECKSUM) << again;
         }
     }
-    for (const char* foreign : {"><", ">1<", ">1AAAA<", ">1AAAAAAAAAAAAAAAA AAAA<"})
+    for (const char* foreign : {"><", ">1<", ">1AAAA<", ">1AAAAAAAAAAAAAAA<", ">1AAAAAAAAAAAAAAAA AAAA<"})
         EXPECT_EQ(decodePassword(foreign, decoded), PWCODEC_FORMAT) << foreign;
 }

@@ -127,6 +127,7 @@ public:
     {
         while (readMore()) {
         }
+        EXPECT_TRUE(hasEcho()) << "the terminal shows what is typed again";
         return ::finish(child);
     }
 
@@ -137,7 +138,7 @@ public:
         return (settings.c_lflag & ECHO) != 0;
     }
 
-    void end(int signal)
+    void end(int signal) const
     {
         ::kill(child, signal);
         EXPECT_EQ(::finish(child), 128 + signal);

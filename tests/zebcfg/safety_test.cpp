@@ -385,6 +385,8 @@ TEST(Safety, NoPasswordIsLeftInMemory)
     writeText(input, password);
     writeText(directory / "clear",
               std::string("dn: cn=Configuration\nobjectclass: top\nzeb-slapdAdminPW: ") + password + '\n');
+    const std::string record = directory / "record";
+    writeText(record, std::string("dn: cn=n,cn=Configuration\nzeb-slapdPeerPW: ") + password + '\n');
     const std::vector<std::string> login = {"-D", "cn=admin,o=Example", "-y", input, "--show-passwords"};
     const auto afterLogin = [&](std::vector<std::string> words) {
         words.insert(words.begin(), login.begin(), login.end());
@@ -396,6 +398,7 @@ TEST(Safety, NoPasswordIsLeftInMemory)
              afterLogin({"-j", "search"}),
              afterLogin({"get", "cn=Configuration", "zeb-slapdAdminPW"}),
              afterLogin({"compare", "cn=Configuration", "zeb-slapdAdminPW", password}),
+             {"add", "-f", record},
              {"-F", directory / "clear", "check"},
              {"-F", directory / "clear", "set", "cn=Configuration", "zeb-slapdPort=5"},
          }) {

@@ -9,7 +9,6 @@
 #include <thread>
 
 #include <sys/stat.h>
-#include <termios.h>
 
 namespace {
 
@@ -276,14 +275,16 @@ TEST_F(Edit, WorkInMemoryIsRemovedOnceNobodyUsesIt)
     };
     for (const char* const signal : {"KILL", "TERM"}) {
         const std::string done = directory / "done-" + signal;
-        writeText(directory / "editor",
-                  std::string("touch \"$1.swap\"; kill -") + signal + " $PPID; sleep 1; touch '" + done + "'\n");
+        writeText(directory / "editor", std::string("touch \"$1.swap\"; kill -") + signal +
+                                            " $PPID; sleep 1; while kill -0 $PPID; do sleep 1; done; ls \"$1\" >'" +
+                                            done + "'\n");
         EXPECT_NE(edit("sh " + directory / "editor"), 0);
         EXPECT_EQ(edit("true"), 0);
         EXPECT_EQ(folders(), 2) << signal << ": the editor still works in it";
         for (int i = 0; i < 500 && !std::filesystem::exists(done); ++i)
             ::usleep(10000);
         ::usleep(100000);
+        EXPECT_TRUE(readText(done).empty() || *signal == 'K') << "the text is left";
         EXPECT_EQ(edit("true"), 0);
         EXPECT_EQ(folders(), 1) << signal << ": another's folder stays";
     }
