@@ -4,12 +4,12 @@
 #include "base/Masking.h"
 #include "files/Input.h"
 #include "terminal/Password.h"
+#include "terminal/StandardStreams.h"
 
 #include <charconv>
 #include <cstdlib>
 #include <utility>
 
-#include <unistd.h>
 #include <zebldapcfg.h>
 
 int wholeNumber(const std::string& text, const std::string& refusal)
@@ -85,7 +85,7 @@ std::string Call::fileName() const
 
 bool Call::mayAsk() const
 {
-    return !has("yes") && !has("dry-run") && ::isatty(STDIN_FILENO) == 1 && ::isatty(STDERR_FILENO) == 1;
+    return !has("yes") && !has("dry-run") && isTerminal(inputStream) && isTerminal(errorStream);
 }
 
 std::string Call::backupNameFor(const std::string& file) const
@@ -110,7 +110,7 @@ Target Call::targetFor(const std::string& file) const
     target.generations = generations();
     target.isDryRun = has("dry-run");
     target.isForced = has("force");
-    target.hasColor = hasColor(STDOUT_FILENO);
+    target.hasColor = hasColor(outputStream);
     target.wait = std::chrono::seconds(number("wait", 60, "seconds"));
     target.messages = messages();
     return target;
@@ -155,6 +155,6 @@ bool Call::hasColor(int descriptor) const
         return when == "always";
     const char* const no = std::getenv("NO_COLOR");
     const char* const terminal = std::getenv("TERM");
-    return (no == nullptr || *no == '\0') && ::isatty(descriptor) == 1 && terminal != nullptr &&
+    return (no == nullptr || *no == '\0') && isTerminal(descriptor) && terminal != nullptr &&
            std::string(terminal) != "dumb";
 }

@@ -22,9 +22,6 @@ private:
     int number;  // negative when it is closed
 };
 
-// Opens a file for reading without a trace in its access time, where that is allowed; negative with the reason in
-// errno.
-int openForReading(const std::string& name) noexcept;
 // What is left to read, or the content of a regular file.
 std::string readAll(int file, const std::string& shownName);
 std::string readFile(const std::string& name, const std::string& shownName);

@@ -2,9 +2,9 @@
 #ifndef ZEBCFG_SIGNALS_H
 #define ZEBCFG_SIGNALS_H
 
-#include <string>
+#include "SignalMask.h"
 
-#include <csignal>
+#include <string>
 
 // Lets the signals that end a process remove the files named in between, at most four at a time, and directories that
 // are empty without them. A limit on the size of files is reported like a full disk, not by a signal.
@@ -21,7 +21,7 @@ public:
     ~BlockedSignals();
 
 private:
-    sigset_t before = {};
+    SignalMask before = {};
 };
 
 #endif

@@ -4,6 +4,7 @@
 #include "base/Failure.h"
 #include "files/Descriptor.h"
 #include "files/FileName.h"
+#include "files/FileSystem.h"
 #include "files/Input.h"
 #include "formats/LdifReader.h"
 #include "library/Dn.h"
@@ -13,8 +14,6 @@
 #include <algorithm>
 #include <optional>
 #include <vector>
-
-#include <fcntl.h>
 
 namespace {
 
@@ -88,7 +87,7 @@ void makeSkippedFile(const std::string& name, const std::string& configuration)
 {
     if (resolvedName(name) == resolvedName(configuration))
         throw Failure(0, "the skipped records cannot be written to the configuration file", name);
-    const Descriptor made(::open(name.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
+    const Descriptor made(openOrCreate(name));
     if (!made.isOpen())
         throw systemFailure(0, "cannot write " + name);
 }

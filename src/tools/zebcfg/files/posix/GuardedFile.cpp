@@ -3,7 +3,7 @@
 #include "base/Failure.h"
 
 #include <fcntl.h>
-#include <ldap.h>
+#include <ldapNames.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>

@@ -1,0 +1,16 @@
+// The locale of the process.
+#ifndef ZEBCFG_LOCALE_H
+#define ZEBCFG_LOCALE_H
+
+#include <optional>
+#include <string>
+
+// Takes the user's locale, or one of UTF-8 where that is the plain one.
+void useLocale();
+// The name of its encoding, "UTF-8" for one.
+std::string localeEncoding();
+// Nothing when the text cannot be converted as a whole.
+std::optional<std::string> localeToUtf8(const std::string& text);
+std::optional<std::string> utf8ToLocale(const std::string& text);
+
+#endif

@@ -1,0 +1,24 @@
+#include "terminal/StandardStreams.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+bool isTerminal(int stream) noexcept
+{
+    return ::isatty(stream) == 1;
+}
+
+void occupyStandardStreams()
+{
+    int file = 0;
+    do
+        file = ::open("/dev/null", O_RDONLY);
+    while (file >= 0 && file <= errorStream);
+    if (file >= 0)
+        ::close(file);
+}
+
+void writeError(std::string_view text) noexcept
+{
+    (void)!::write(errorStream, text.data(), text.size());
+}
