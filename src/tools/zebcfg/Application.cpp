@@ -11,12 +11,18 @@
 
 #include <iostream>
 #include <new>
+#include <string>
+#include <vector>
 
 namespace {
 
 int runCommand(int argc, char** argv, Messages& messages)
 {
-    const Call call = readCommandLine(argc, argv, messages);
+    std::vector<std::string> words = localArguments(argc, argv);
+    std::vector<char*> pointers;
+    for (std::string& word : words)
+        pointers.push_back(word.data());
+    const Call call = readCommandLine(static_cast<int>(pointers.size()), pointers.data(), messages);
     showPasswords(call.has("show-passwords"));
     showProgress(!call.isQuiet() && !call.isJson());
     const int status = call.command() != nullptr ? call.command()->run(call) : 0;
@@ -49,6 +55,7 @@ int runApplication(int argc, char** argv)
 {
     occupyStandardStreams();
     useLocale();
+    prepareStandardStreams();
     handleSignals();
     hideMemory();
     try {

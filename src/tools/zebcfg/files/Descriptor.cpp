@@ -7,8 +7,10 @@
 #include <array>
 #include <cerrno>
 #include <string_view>
+#include <utility>
 
 #include <ldapNames.h>
+#include <system.h>
 
 namespace {
 
@@ -23,6 +25,31 @@ void readPieces(int file, const std::string& shownName, Take take)
             throw systemFailure(LDAP_OTHER, "cannot read", shownName);
         if (count == 0 || (count > 0 && !take(std::string_view(buffer.data(), static_cast<std::size_t>(count)))))
             return;
+    }
+}
+
+constexpr bool hasPlainLines = lineEnd == "\n";
+
+std::string withSystemLines(std::string_view text)
+{
+    std::string made;
+    made.reserve(text.size() + text.size() / 16);
+    for (const char character : text) {
+        if (character == '\n')
+            made += lineEnd;
+        else
+            made += character;
+    }
+    return made;
+}
+
+void writeBytes(int file, std::string_view bytes, const std::string& shownName)
+{
+    while (!bytes.empty()) {
+        const std::ptrdiff_t count = writeSome(file, bytes.data(), bytes.size());
+        if (count < 0 && errno != EINTR)
+            throw systemFailure(LDAP_OTHER, "cannot write " + shownName + ", and nothing is changed");
+        bytes.remove_prefix(count > 0 ? static_cast<std::size_t>(count) : 0);
     }
 }
 
@@ -58,6 +85,21 @@ std::string readAll(int file, const std::string& shownName)
         text += piece;
         return true;
     });
+    return withPlainLines(std::move(text));
+}
+
+std::string withPlainLines(std::string text)
+{
+    if constexpr (!hasPlainLines) {
+        std::size_t kept = 0;
+        for (std::size_t i = 0; i < text.size(); ++i) {
+            if (text.compare(i, lineEnd.size(), lineEnd) != 0)
+                text[kept++] = text[i];
+            else
+                text[kept++] = text[i += lineEnd.size() - 1];
+        }
+        text.resize(kept);
+    }
     return text;
 }
 
@@ -68,6 +110,8 @@ std::string readFile(const std::string& name, const std::string& shownName)
 
 bool holdsText(const std::string& name, const std::string& text, const std::string& shownName)
 {
+    if constexpr (!hasPlainLines)
+        return readFile(name, shownName) == text;
     std::string_view rest = text;
     bool isSame = true;
     readPieces(openedFile(name, shownName).get(), shownName, [&](std::string_view piece) {
@@ -80,12 +124,10 @@ bool holdsText(const std::string& name, const std::string& text, const std::stri
 
 void writeAll(int file, std::string_view text, const std::string& shownName)
 {
-    for (std::size_t done = 0; done < text.size();) {
-        const std::ptrdiff_t count = writeSome(file, text.data() + done, text.size() - done);
-        if (count < 0 && errno != EINTR)
-            throw systemFailure(LDAP_OTHER, "cannot write " + shownName + ", and nothing is changed");
-        done += count > 0 ? static_cast<std::size_t>(count) : 0;
-    }
+    if constexpr (hasPlainLines)
+        writeBytes(file, text, shownName);
+    else
+        writeBytes(file, withSystemLines(text), shownName);
 }
 
 void overwriteFile(const std::string& name, const std::string& text)

@@ -40,6 +40,8 @@ bool isReadable(const std::string& name);
 // Whether every user may read a file, and what keeps them out.
 bool isPublic(const Protection& protection);
 extern const char* const privacyAdvice;
+// Where the registry has the install location.
+extern const char* const installPlace;
 
 // Opens a file for reading without a trace in its access time, where that is allowed. It never waits.
 int openForReading(const std::string& name);

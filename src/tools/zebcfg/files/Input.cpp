@@ -1,5 +1,7 @@
 #include "files/Input.h"
 
+#include "files/Descriptor.h"
+
 #include <iostream>
 #include <iterator>
 
@@ -12,7 +14,7 @@ std::string readInput(const std::string& name)
 {
     if (name != "-")
         return readNamed(name);
-    return {std::istreambuf_iterator<char>(std::cin), {}};
+    return withPlainLines({std::istreambuf_iterator<char>(std::cin), {}});
 }
 
 std::string readPasswordFile(const std::string& name)

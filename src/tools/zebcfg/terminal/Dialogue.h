@@ -2,19 +2,23 @@
 #ifndef ZEBCFG_DIALOGUE_H
 #define ZEBCFG_DIALOGUE_H
 
-#include <fstream>
+#include <memory>
 #include <string>
 
 class Dialogue {
 public:
     Dialogue();
-    bool isOpen() const { return in && out; }
+    Dialogue(const Dialogue&) = delete;
+    Dialogue& operator=(const Dialogue&) = delete;
+    ~Dialogue();
+
+    bool isOpen() const;
     // Shows the question, and gives a line in the encoding of the locale. False at the end.
     bool answer(const std::string& question, std::string& line);
 
 private:
-    std::ifstream in;
-    std::ofstream out;
+    struct Streams;
+    const std::unique_ptr<Streams> streams;
 };
 
 #endif

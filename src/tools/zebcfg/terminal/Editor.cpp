@@ -1,12 +1,10 @@
 #include "terminal/Editor.h"
 
 #include "base/Failure.h"
+#include "base/Locale.h"
 #include "terminal/Program.h"
 
-#include <cstdlib>
-#include <cstring>
 #include <set>
-#include <sstream>
 #include <vector>
 
 namespace {
@@ -14,8 +12,8 @@ namespace {
 std::string editorName()
 {
     for (const char* const variable : {"VISUAL", "EDITOR"}) {
-        const char* const value = std::getenv(variable);
-        if (value != nullptr && value[std::strspn(value, " \t\n")] != '\0')
+        std::string value = environmentValue(variable);
+        if (value.find_first_not_of(" \t\n") != std::string::npos)
             return value;
     }
     return usualEditor;
@@ -27,7 +25,7 @@ bool takesLine(const std::string& program)
     const std::set<std::string> known = {"vi",   "vim",    "nvim",  "nvi",   "vile",        "view", "elvis",
                                          "nano", "pico",   "joe",   "emacs", "emacsclient", "mg",   "zile",
                                          "jed",  "mcedit", "micro", "kak",   "ne",          "ee"};
-    return known.count(program.substr(program.find_last_of('/') + 1)) != 0;
+    return known.count(plainName(program)) != 0;
 }
 
 }  // namespace
@@ -35,10 +33,7 @@ bool takesLine(const std::string& program)
 void runEditor(std::string file, int line)
 {
     const std::string editor = editorName();
-    std::vector<std::string> words;
-    std::istringstream in(editor);
-    for (std::string word; in >> word;)
-        words.push_back(word);
+    std::vector<std::string> words = wordsOf(editor);
     if (line > 0 && takesLine(words.front()))
         words.push_back('+' + std::to_string(line));
     words.push_back(std::move(file));

@@ -79,6 +79,7 @@ Progress::Progress(const char* text, std::size_t steps) : what(text), total(step
 Progress::~Progress()
 {
     current = outer;
+    finishDraw();
     if (!isShown || outer != nullptr)
         return;
     stopTimer();

@@ -6,6 +6,8 @@
 // instructions. draw allocates nothing.
 void startTimer(void (*draw)());
 void stopTimer() noexcept;
+// Waits for a draw that is going on.
+void finishDraw() noexcept;
 
 // While it is held the timer is silent.
 void holdTimer() noexcept;

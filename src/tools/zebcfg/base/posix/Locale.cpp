@@ -57,3 +57,14 @@ std::optional<std::string> utf8ToLocale(const std::string& text)
 {
     return converted(text, utf8, ::nl_langinfo(CODESET));
 }
+
+std::string environmentValue(const char* name)
+{
+    const char* const value = std::getenv(name);
+    return value != nullptr ? value : "";
+}
+
+std::vector<std::string> localArguments(int argc, char** argv)
+{
+    return {argv, argv + argc};
+}

@@ -17,6 +17,7 @@
 #include <unistd.h>
 
 const char* const privacyAdvice = "chmod o-r keeps others out";
+const char* const installPlace = ZEBCFG_REGISTRY "/SOFTWARE/ZEB/LDAP/Client/LDAPHome";
 const char* const separators = "/";
 
 namespace {

@@ -24,6 +24,12 @@ GuardedFile::GuardedFile(const std::string& text)
     require(place.isOpen());
 }
 
+std::string GuardedFile::name() const
+{
+    return place.name();
+}
+
+// The name stands for a socket then, with the modification time of the file.
 void GuardedFile::refuseWrites()
 {
     struct stat status = {};

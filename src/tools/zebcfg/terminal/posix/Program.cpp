@@ -4,6 +4,8 @@
 
 #include <cerrno>
 #include <csignal>
+#include <iterator>
+#include <sstream>
 
 #include <spawn.h>
 #include <sys/wait.h>
@@ -49,6 +51,17 @@ pid_t start(std::vector<char*>& words)
 }
 
 }  // namespace
+
+std::vector<std::string> wordsOf(const std::string& command)
+{
+    std::istringstream in(command);
+    return {std::istream_iterator<std::string>(in), {}};
+}
+
+std::string plainName(const std::string& program)
+{
+    return program.substr(program.find_last_of('/') + 1);
+}
 
 bool runProgram(std::vector<std::string> words, const std::string& message)
 {

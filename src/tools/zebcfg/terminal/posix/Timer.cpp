@@ -48,6 +48,8 @@ void stopTimer() noexcept
     (void)::setitimer(ITIMER_REAL, &times, nullptr);
 }
 
+void finishDraw() noexcept {}  // It has interrupted this thread, and is done.
+
 void holdTimer() noexcept
 {
     mask(SIG_BLOCK);
