@@ -8,6 +8,8 @@
 
 // Takes the user's locale, or one of UTF-8 where that is the plain one.
 void useLocale();
+// Takes it again after another library has taken that of the system.
+void reuseLocale();
 // The name of its encoding, "UTF-8" for one.
 std::string localeEncoding();
 // Nothing when the text cannot be converted as a whole.

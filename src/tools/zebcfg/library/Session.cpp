@@ -131,6 +131,7 @@ Session::Session(const std::string& fileName, const std::string& shown, const st
 {
     if (cfg == nullptr)
         throw Failure(CFG_NO_MEMORY, cfg_err2string(CFG_NO_MEMORY));
+    reuseLocale();
     require(cfg_set_option(cfg.get(), CFG_OPT_CONFIG_FILE, path.c_str()));
     const char* const dn = login ? login->dn.c_str() : nullptr;
     const char* const password = login ? login->password.c_str() : nullptr;

@@ -43,6 +43,9 @@ void useLocale()
     (void)std::setlocale(LC_ALL, "");
 }
 
+// That of the system is the one in the environment.
+void reuseLocale() {}
+
 std::string localeEncoding()
 {
     return ::nl_langinfo(CODESET);

@@ -43,6 +43,12 @@ void useLocale()
         (void)std::setlocale(LC_ALL, ".UTF-8");
 }
 
+// The system's own knows no environment.
+void reuseLocale()
+{
+    useLocale();
+}
+
 std::string localeEncoding()
 {
     constexpr unsigned int latin1 = 28591;
