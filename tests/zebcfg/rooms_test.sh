@@ -7,7 +7,7 @@ failed=0
 for i in "${!rooms[@]}"; do
     above=$(IFS='|' && echo "${rooms[*]:0:i}")
     [ -n "$(ls "${rooms[i]}"/*.h "${rooms[i]}"/*.cpp 2>/dev/null)" ] || { echo "${rooms[i]}/ is empty" && failed=1; }
-    [ -z "$above" ] || ! grep -nE "#include \"($above)/" "${rooms[i]}"/* || failed=1
+    [ -z "$above" ] || ! grep -rnE "#include \"($above)/" "${rooms[i]}" || failed=1
 done
-! grep -nE '\b(cfg_[a-z_0-9]+|getDefaultConfigFilename) ?\(' $(printf '%s/* ' "${rooms[@]}" | sed 's,library/\*,,') || failed=1
+! grep -rnE '\b(cfg_[a-z_0-9]+|getDefaultConfigFilename) ?\(' $(printf '%s ' "${rooms[@]}" | sed 's/library//') || failed=1
 exit $failed

@@ -1,12 +1,29 @@
 #!/usr/bin/env bash
 # run_case.sh TOOL SAMPLE CASE: runs the commands of a case, and compares what they do with what the case expects.
-# README.md tells how a case is written.
+# README.md tells how a case is written. A tool for Windows is run by the program EMULATOR: line ends, names of
+# files and the texts of the system's LDAP library are compared as they are on POSIX.
 set -euo pipefail
 tool=$(realpath "$1") sample=$(realpath "$2") case=$(realpath "$3") files=$(dirname "$(realpath "$0")")/files
 directory=$(mktemp -d)
 trap 'rm -rf "$directory"' EXIT
 parts=$directory/parts work=$directory/work
 mkdir "$parts" "$work" "$directory/bin"
+plain() { cat; }
+times='%i %x %y'
+if [ -n "${EMULATOR-}" ]; then
+    times='%i %y'
+    plain() {
+        LC_ALL=C sed -E 's/\r$//; :next; s,(Z:[^ \\]*)\\,\1/,; t next; s,Z:/,/,g; s/icacls FILE.*/chmod o-r keeps others out/
+            s/No Such (Object|Attribute)/No such \L\1/; s/Not allowed on Non-leaf/Operation not allowed on non-leaf/'
+    }
+    cat >"$directory/tool" <<END
+#!/bin/bash
+$(declare -f plain)
+{ { "$EMULATOR" "$tool" "\$@" 2>&4 | plain >&3; exit \${PIPESTATUS[0]}; } 4>&1 | plain >&2; exit \${PIPESTATUS[0]}; } 3>&1
+END
+    chmod +x "$directory/tool"
+    tool=$directory/tool
+fi
 cat >"$directory/bin/zebcfg" <<END
 #!/bin/sh
 case \$1 in __*) exec "$tool" "\$@" ;; *) exec "$tool" -F zebslapd.conf "\$@" ;; esac
@@ -24,8 +41,8 @@ say() {
     failed=1
 }
 body() { tail -n +2 "$1"; }
-fingerprint() { stat -c '%i %x %y' "$work/zebslapd.conf" 2>/dev/null || true; }
-same() { diff -u --label expected --label actual "$1" "$2" || say "$3"; }
+fingerprint() { stat -c "$times" "$work/zebslapd.conf" 2>/dev/null || true; }
+same() { diff -u --label expected --label actual <(plain <"$1") <(plain <"$2") || say "$3"; }
 
 # Runs the command of the last step, and compares.
 finish_step() {
@@ -44,7 +61,7 @@ finish_step() {
         same "$result" "$work/zebslapd.conf" "the resulting file of: $command"
         [ ! -e "$work/zebslapd.conf.bak" ] || same "$directory/before/zebslapd.conf" "$work/zebslapd.conf.bak" "the backup"
     elif [ -n "$changed" ]; then
-        diff "$directory/before/zebslapd.conf" "$work/zebslapd.conf" | grep -a '^[<>]' >"$directory/lines" || true
+        diff <(plain <"$directory/before/zebslapd.conf") <(plain <"$work/zebslapd.conf") | grep -a '^[<>]' >"$directory/lines" || true
         same "$changed" "$directory/lines" "the changed lines of: $command"
     else
         cmp "$directory/before/zebslapd.conf" "$work/zebslapd.conf" 2>/dev/null || [ ! -e "$work/zebslapd.conf" ] || say "the file is changed by: $command"

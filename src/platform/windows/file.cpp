@@ -151,8 +151,7 @@ Handle openForWriting(const std::wstring& name, const FileProtection& before)
     Handle file = createProtected(name, before);
     if (file.isOpen())
         return file;
-    Handle present(CreateFileW(name.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING,
-                               FILE_ATTRIBUTE_NORMAL, nullptr));
+    Handle present = openFile(name, GENERIC_WRITE);
     Information information = {};
     if (isRegularFile(present, information) && SetEndOfFile(present.get()) != FALSE)
         return present;

@@ -7,5 +7,6 @@
 #include <winldap.h>
 
 constexpr int LDAP_INSUFFICIENT_ACCESS = LDAP_INSUFFICIENT_RIGHTS;
+constexpr int LDAP_TYPE_OR_VALUE_EXISTS = LDAP_ATTRIBUTE_OR_VALUE_EXISTS;
 
 #endif

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include <ldap.h>
+#include <ldapNames.h>
 
 struct Attribute {
     std::string name;

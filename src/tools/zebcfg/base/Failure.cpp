@@ -43,5 +43,6 @@ std::string Failure::line() const
 Failure systemFailure(int resultCode, const std::string& message, const std::string& shownFile)
 {
     const int error = errno;
-    return {resultCode, message + ": " + std::strerror(error), shownFile};
+    const char* const reason = error == ETXTBSY ? "another program has it open" : std::strerror(error);
+    return {resultCode, message + ": " + reason, shownFile};
 }

@@ -309,8 +309,8 @@ std::vector<Finding> checkFile(const LiveFile& file, const std::string& backupNa
     const std::string damage = file.damage(backupName);
     if (!damage.empty())
         findings.push_back(Finding(Severity::error, 0, damage).coded(CFG_CONNECT_ERROR));
-    if ((file.status().st_mode & S_IROTH) != 0)
+    if (isPublic(file.info().protection))
         findings.push_back(Finding(Severity::note, 0, "every user can read this file, which contains passwords")
-                               .advise("chmod o-r keeps others out"));
+                               .advise(privacyAdvice));
     return findings;
 }

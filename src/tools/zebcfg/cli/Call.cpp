@@ -1,15 +1,16 @@
 #include "cli/Call.h"
 
 #include "base/Failure.h"
+#include "base/Locale.h"
 #include "base/Masking.h"
+#include "files/FileSystem.h"
 #include "files/Input.h"
 #include "terminal/Password.h"
+#include "terminal/StandardStreams.h"
 
 #include <charconv>
-#include <cstdlib>
 #include <utility>
 
-#include <unistd.h>
 #include <zebldapcfg.h>
 
 int wholeNumber(const std::string& text, const std::string& refusal)
@@ -24,8 +25,8 @@ int wholeNumber(const std::string& text, const std::string& refusal)
 
 std::string unnamedFile()
 {
-    const char* const variable = std::getenv("ZEBCFG_FILE");
-    return variable != nullptr && *variable != '\0' ? variable : defaultFileName();
+    const std::string variable = environmentValue("ZEBCFG_FILE");
+    return !variable.empty() ? variable : defaultFileName();
 }
 
 Call::Call(const Command* chosen, std::map<std::string, std::vector<std::string>> given,
@@ -58,9 +59,8 @@ int Call::number(const std::string& key, int otherwise, const char* what) const
 int Call::generations() const
 {
     constexpr int most = 99;
-    const char* const variable = std::getenv("ZEBCFG_BACKUPS");
-    const bool isSet = variable != nullptr && *variable != '\0';
-    const std::string text = value("keep", isSet ? variable : "1");
+    const std::string variable = environmentValue("ZEBCFG_BACKUPS");
+    const std::string text = value("keep", variable.empty() ? "1" : variable);
     const std::string refusal = std::string(has("keep") ? "--keep" : "ZEBCFG_BACKUPS") +
                                 " takes a number of backups from 1 to 99; --no-backup keeps none";
     const int count = wholeNumber(text, refusal);
@@ -77,15 +77,15 @@ std::string Call::fileName() const
     if (!name.empty())
         return name;
     Failure failure(CFG_CONNECT_ERROR,
-                    "no configuration file is named with -F or ZEBCFG_FILE, and there is no default: the install "
-                    "location is looked for in " ZEBCFG_REGISTRY "/SOFTWARE/ZEB/LDAP/Client/LDAPHome");
+                    std::string("no configuration file is named with -F or ZEBCFG_FILE, and there is no default: ") +
+                        "the install location is looked for in " + installPlace);
     failure.extended = CFG_ERR_CONFIG_FILENAME;
     throw failure;
 }
 
 bool Call::mayAsk() const
 {
-    return !has("yes") && !has("dry-run") && ::isatty(STDIN_FILENO) == 1 && ::isatty(STDERR_FILENO) == 1;
+    return !has("yes") && !has("dry-run") && isTerminal(inputStream) && isTerminal(errorStream);
 }
 
 std::string Call::backupNameFor(const std::string& file) const
@@ -110,7 +110,7 @@ Target Call::targetFor(const std::string& file) const
     target.generations = generations();
     target.isDryRun = has("dry-run");
     target.isForced = has("force");
-    target.hasColor = hasColor(STDOUT_FILENO);
+    target.hasColor = hasColor(outputStream);
     target.wait = std::chrono::seconds(number("wait", 60, "seconds"));
     target.messages = messages();
     return target;
@@ -153,8 +153,5 @@ bool Call::hasColor(int descriptor) const
     const std::string when = value("color", "auto");
     if (when != "auto")
         return when == "always";
-    const char* const no = std::getenv("NO_COLOR");
-    const char* const terminal = std::getenv("TERM");
-    return (no == nullptr || *no == '\0') && ::isatty(descriptor) == 1 && terminal != nullptr &&
-           std::string(terminal) != "dumb";
+    return environmentValue("NO_COLOR").empty() && showsColor(descriptor);
 }

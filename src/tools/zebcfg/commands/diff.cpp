@@ -11,6 +11,7 @@
 #include "library/Outline.h"
 #include "library/Session.h"
 #include "terminal/Progress.h"
+#include "terminal/StandardStreams.h"
 #include "update/Reading.h"
 
 #include <algorithm>
@@ -19,8 +20,6 @@
 #include <optional>
 #include <set>
 #include <utility>
-
-#include <unistd.h>
 
 namespace {
 
@@ -79,7 +78,7 @@ int runDiff(const Call& call)
     const Side before = sideOf(call, call.operands().empty() ? "1" : call.operand(0));
     const Side after = call.operands().size() > 1 ? sideOf(call, call.operand(1)) : liveSide(call);
     const std::string diff = entryDiff({before.name, before.entries}, {after.name, after.entries},
-                                       call.hasColor(STDOUT_FILENO) && !call.isJson());
+                                       call.hasColor(outputStream) && !call.isJson());
     std::cout << (call.isJson() ? diffToJson(diff) + '\n' : diff);
     return diff.empty() ? 0 : 1;
 }

@@ -11,14 +11,13 @@
 #include "library/Outline.h"
 #include "terminal/Editor.h"
 #include "terminal/Question.h"
+#include "terminal/StandardStreams.h"
 #include "update/Update.h"
 #include "update/Workplace.h"
 
 #include <algorithm>
 #include <iostream>
 #include <set>
-
-#include <unistd.h>
 
 namespace {
 
@@ -39,7 +38,7 @@ public:
             std::string text = section.with(part);
             if ((!deletes(text) || mayDelete()) && isAccepted(text, line))
                 return text;
-            if (!wantsToEditAgain(unifiedDiff(file.text(), text, file.shownName(), call.hasColor(STDERR_FILENO)))) {
+            if (!wantsToEditAgain(unifiedDiff(file.text(), text, file.shownName(), call.hasColor(errorStream)))) {
                 part = section.part();
                 throw Failure(0, "the changes are discarded, and nothing is changed", file.shownName());
             }
@@ -70,7 +69,7 @@ private:
             throw Failure(LDAP_NOT_ALLOWED_ON_NONLEAF,
                           "the text is empty, and the entry has others below it; zebcfg delete -r deletes them too",
                           file.shownName());
-        if (::isatty(STDIN_FILENO) == 0)
+        if (!isTerminal(inputStream))
             throw Failure(0, "the text is empty, and nothing is changed; zebcfg delete deletes an entry",
                           file.shownName());
         return ask("delete the entry " + shownDn(dn) + "? (y)es or (n)o: ", "yn") == 'y';

@@ -3,11 +3,10 @@
 #include "base/Text.h"
 #include "cli/Call.h"
 #include "formats/Json.h"
+#include "terminal/StandardStreams.h"
 #include "update/Reading.h"
 
 #include <iostream>
-
-#include <unistd.h>
 
 namespace {
 
@@ -40,8 +39,8 @@ int runGet(const Call& call)
         std::cout << toJson(values) << '\n';
         return 0;
     }
-    const bool isTerminal = ::isatty(STDOUT_FILENO) == 1;
+    const bool isShown = isTerminal(outputStream);
     for (const std::string& value : values)
-        std::cout << (isTerminal ? visible(value) : value) << '\n';
+        std::cout << (isShown ? visible(value) : value) << '\n';
     return 0;
 }

@@ -2,6 +2,7 @@
 #include "check/Check.h"
 #include "cli/Call.h"
 #include "files/Backup.h"
+#include "files/FileSystem.h"
 #include "terminal/Question.h"
 #include "update/Update.h"
 #include "update/Workplace.h"
@@ -10,8 +11,6 @@
 #include <iostream>
 #include <optional>
 #include <utility>
-
-#include <unistd.h>
 
 namespace {
 
@@ -67,7 +66,7 @@ int runRestore(const Call& call)
         throw Failure(0, "there is no backup to restore under --no-backup");
     const std::string name = generationName(target.backup, numberOf(call));
     target.generations = std::max(target.generations, numberOf(call));  // the one restored goes, and no other
-    if (::access(target.file.c_str(), F_OK) != 0) {
+    if (!isThere(target.file)) {
         putInPlace(target, usableBackup(target, name));
         return 0;
     }

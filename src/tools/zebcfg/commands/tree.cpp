@@ -1,22 +1,20 @@
+#include "base/Encoding.h"
 #include "base/Failure.h"
 #include "base/Text.h"
 #include "cli/Call.h"
 #include "library/Dn.h"
 #include "library/Outline.h"
+#include "terminal/StandardStreams.h"
 #include "update/Reading.h"
 
 #include <iostream>
-#include <string_view>
-
-#include <langinfo.h>
-#include <unistd.h>
 
 namespace {
 
 // Elsewhere than on a terminal that shows UTF-8 the plain drawing is safer.
 Lines linesFor(const Call& call)
 {
-    const bool canDraw = ::isatty(STDOUT_FILENO) == 1 && std::string_view(::nl_langinfo(CODESET)) == "UTF-8";
+    const bool canDraw = isTerminal(outputStream) && isUtf8Locale();
     return canDraw && !call.has("ascii") ? Lines::utf8 : Lines::ascii;
 }
 
@@ -40,6 +38,6 @@ int runTree(const Call& call)
         return 0;
     }
     const std::string drawing = draw(nodes, linesFor(call));
-    std::cout << (::isatty(STDOUT_FILENO) == 1 ? eachLine(drawing, visible) : drawing);
+    std::cout << (isTerminal(outputStream) ? eachLine(drawing, visible) : drawing);
     return 0;
 }

@@ -3,27 +3,20 @@
 #include "base/Failure.h"
 #include "files/Descriptor.h"
 #include "files/FileName.h"
+#include "files/FileSystem.h"
 
 #include <new>
 #include <utility>
 
-#include <ldap.h>
-#include <sys/stat.h>
-#include <unistd.h>
+#include <ldapNames.h>
 
 namespace {
 
-bool isThere(const std::string& name)
+bool areSameFile(const std::string& left, const std::string& right)
 {
-    return ::access(name.c_str(), F_OK) == 0;
-}
-
-bool isSameFile(const std::string& left, const std::string& right)
-{
-    struct stat one = {};
-    struct stat other = {};
-    return ::stat(left.c_str(), &one) == 0 && ::stat(right.c_str(), &other) == 0 && one.st_dev == other.st_dev &&
-           one.st_ino == other.st_ino;
+    FileInfo one;
+    FileInfo other;
+    return readInfo(left, one) && readInfo(right, other) && isSameFile(one, other);
 }
 
 std::string asideName(const std::string& name)
@@ -49,15 +42,15 @@ Backup::~Backup()
     if (isAdvanced && isSetAside)
         (void)putBack();
     else if (isAdvanced)
-        (void)::unlink(name.c_str());
+        (void)removeName(name);
 }
 
 // Two names of one file are left alone by a rename.
 bool Backup::putBack() const noexcept
 {
-    const bool isBack = ::rename(aside.c_str(), name.c_str()) == 0;
+    const bool isBack = moveOver(aside, name);
     if (isBack)
-        (void)::unlink(aside.c_str());
+        (void)removeName(aside);
     return isBack;
 }
 
@@ -67,10 +60,10 @@ void Backup::recover(const std::string& liveText) const
 {
     if (name.empty())
         return;
-    (void)::unlink(siblingOf(name).c_str());
+    (void)removeName(siblingOf(name));
     if (!isThere(aside))
         return;
-    if (isThere(name) && !isSameFile(name, aside) && readFile(name, name) != liveText)
+    if (isThere(name) && !areSameFile(name, aside) && readFile(name, name) != liveText)
         retire();
     else if (!putBack())
         throw systemFailure(LDAP_INSUFFICIENT_ACCESS, "cannot put " + aside + " back in place of " + name);
@@ -81,17 +74,17 @@ void Backup::recover(const std::string& liveText) const
 void Backup::retire() const
 {
     if (most == 1) {
-        (void)::unlink(aside.c_str());
+        (void)removeName(aside);
         return;
     }
     int free = 2;
     while (free < most && isThere(generationName(name, free)))
         ++free;
     for (; free > 2; --free) {
-        if (::rename(generationName(name, free - 1).c_str(), generationName(name, free).c_str()) != 0)
+        if (!moveOver(generationName(name, free - 1), generationName(name, free)))
             return;
     }
-    (void)::rename(aside.c_str(), generationName(name, 2).c_str());
+    (void)moveOver(aside, generationName(name, 2));
 }
 
 // A copy, for a link would be changed together with the file by programs that write in place.
@@ -99,7 +92,7 @@ void Backup::prepare(const LiveFile& file)
 {
     if (name.empty())
         return;
-    copy.emplace(siblingOf(name), Model{file.path(), file.status()});
+    copy.emplace(siblingOf(name), Model{file.path(), file.info()});
     copy->write(file.text());
     copy->sync();
 }
@@ -110,7 +103,7 @@ void Backup::advance()
     if (name.empty())
         return;
     isSetAside = isThere(name);
-    if (isSetAside && ::link(name.c_str(), aside.c_str()) != 0 && ::rename(name.c_str(), aside.c_str()) != 0)
+    if (isSetAside && !addName(name, aside) && !moveOver(name, aside))
         throw systemFailure(LDAP_INSUFFICIENT_ACCESS, "cannot set the backup " + name + " aside");
     isAdvanced = true;
     copy->moveTo(name);

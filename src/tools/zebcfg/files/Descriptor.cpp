@@ -1,16 +1,16 @@
 #include "files/Descriptor.h"
 
 #include "base/Failure.h"
+#include "files/FileSystem.h"
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <string_view>
+#include <utility>
 
-#include <fcntl.h>
-#include <ldap.h>
-#include <sys/stat.h>
-#include <unistd.h>
+#include <ldapNames.h>
+#include <system.h>
 
 namespace {
 
@@ -20,11 +20,36 @@ void readPieces(int file, const std::string& shownName, Take take)
 {
     std::array<char, 65536> buffer = {};
     for (;;) {
-        const ssize_t count = ::read(file, buffer.data(), buffer.size());
+        const std::ptrdiff_t count = readSome(file, buffer.data(), buffer.size());
         if (count < 0 && errno != EINTR)
             throw systemFailure(LDAP_OTHER, "cannot read", shownName);
         if (count == 0 || (count > 0 && !take(std::string_view(buffer.data(), static_cast<std::size_t>(count)))))
             return;
+    }
+}
+
+constexpr bool hasPlainLines = lineEnd == "\n";
+
+std::string withSystemLines(std::string_view text)
+{
+    std::string made;
+    made.reserve(text.size() + text.size() / 16);
+    for (const char character : text) {
+        if (character == '\n')
+            made += lineEnd;
+        else
+            made += character;
+    }
+    return made;
+}
+
+void writeBytes(int file, std::string_view bytes, const std::string& shownName)
+{
+    while (!bytes.empty()) {
+        const std::ptrdiff_t count = writeSome(file, bytes.data(), bytes.size());
+        if (count < 0 && errno != EINTR)
+            throw systemFailure(LDAP_OTHER, "cannot write " + shownName + ", and nothing is changed");
+        bytes.remove_prefix(count > 0 ? static_cast<std::size_t>(count) : 0);
     }
 }
 
@@ -46,32 +71,35 @@ Descriptor::~Descriptor()
 void Descriptor::close() noexcept
 {
     if (number >= 0)
-        ::close(number);
+        closeFile(number);
     number = -1;
-}
-
-std::string Descriptor::name() const
-{
-    return "/proc/self/fd/" + std::to_string(number);
-}
-
-int openForReading(const std::string& name) noexcept
-{
-    constexpr int flags = O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
-    const int file = ::open(name.c_str(), flags | O_NOATIME);
-    return file < 0 && errno == EPERM ? ::open(name.c_str(), flags) : file;
 }
 
 std::string readAll(int file, const std::string& shownName)
 {
     std::string text;
-    struct stat status = {};
-    if (::fstat(file, &status) == 0 && S_ISREG(status.st_mode))
-        text.reserve(static_cast<std::size_t>(status.st_size));
+    FileInfo info;
+    if (readInfo(file, info) && info.kind == FileKind::regular)
+        text.reserve(static_cast<std::size_t>(info.size));
     readPieces(file, shownName, [&](std::string_view piece) {
         text += piece;
         return true;
     });
+    return withPlainLines(std::move(text));
+}
+
+std::string withPlainLines(std::string text)
+{
+    if constexpr (!hasPlainLines) {
+        std::size_t kept = 0;
+        for (std::size_t i = 0; i < text.size(); ++i) {
+            if (text.compare(i, lineEnd.size(), lineEnd) != 0)
+                text[kept++] = text[i];
+            else
+                text[kept++] = text[i += lineEnd.size() - 1];
+        }
+        text.resize(kept);
+    }
     return text;
 }
 
@@ -82,6 +110,8 @@ std::string readFile(const std::string& name, const std::string& shownName)
 
 bool holdsText(const std::string& name, const std::string& text, const std::string& shownName)
 {
+    if constexpr (!hasPlainLines)
+        return readFile(name, shownName) == text;
     std::string_view rest = text;
     bool isSame = true;
     readPieces(openedFile(name, shownName).get(), shownName, [&](std::string_view piece) {
@@ -94,17 +124,15 @@ bool holdsText(const std::string& name, const std::string& text, const std::stri
 
 void writeAll(int file, std::string_view text, const std::string& shownName)
 {
-    for (std::size_t done = 0; done < text.size();) {
-        const ssize_t count = ::write(file, text.data() + done, text.size() - done);
-        if (count < 0 && errno != EINTR)
-            throw systemFailure(LDAP_OTHER, "cannot write " + shownName + ", and nothing is changed");
-        done += count > 0 ? static_cast<std::size_t>(count) : 0;
-    }
+    if constexpr (hasPlainLines)
+        writeBytes(file, text, shownName);
+    else
+        writeBytes(file, withSystemLines(text), shownName);
 }
 
 void overwriteFile(const std::string& name, const std::string& text)
 {
-    const Descriptor file(::open(name.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC));
+    const Descriptor file(openForOverwriting(name));
     if (!file.isOpen())
         throw systemFailure(LDAP_OTHER, "cannot write " + name);
     writeAll(file.get(), text, name);

@@ -14,6 +14,7 @@ public:
     ~Descriptor();
     int get() const noexcept { return number; }
     void close() noexcept;
+    void take(int descriptor) noexcept { number = descriptor; }  // for one that is closed
     bool isOpen() const noexcept { return number >= 0; }
     // A name under which this process can open the same file.
     std::string name() const;
@@ -22,14 +23,14 @@ private:
     int number;  // negative when it is closed
 };
 
-// Opens a file for reading without a trace in its access time, where that is allowed; negative with the reason in
-// errno.
-int openForReading(const std::string& name) noexcept;
 // What is left to read, or the content of a regular file.
 std::string readAll(int file, const std::string& shownName);
 std::string readFile(const std::string& name, const std::string& shownName);
 // Whether the content of the file is the text. The file is not held in memory.
 bool holdsText(const std::string& name, const std::string& text, const std::string& shownName);
+
+// Text has lines that end with LF alone, and is read and written so; in files of the system they may have another end.
+std::string withPlainLines(std::string text);
 
 void writeAll(int file, std::string_view text, const std::string& shownName);
 // Replaces the content of a file in place. Only for private files.

@@ -2,6 +2,8 @@
 #ifndef ZEBCFG_FILELOCK_H
 #define ZEBCFG_FILELOCK_H
 
+#include "base/Failure.h"
+
 #include <chrono>
 #include <functional>
 #include <string>
@@ -22,6 +24,11 @@ private:
     bool tryLock();
     bool removeLeftover(const std::string& path);
     void release() noexcept;
+    // What a lock file says of this process.
+    static std::string content();
+    // Takes the holder from the content of a lock. False for what is not the tool's.
+    bool readHolder(const std::string& text);
+    Failure foreign() const;  // for what is not the tool's under the name
 
     const std::string name;
     const std::string fresh;  // where a new one is made

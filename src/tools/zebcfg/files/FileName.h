@@ -6,10 +6,8 @@
 
 // The name that symbolic links lead to. For a file that is missing, those of its directory.
 std::string resolvedName(const std::string& name);
-std::string directoryOf(const std::string& name);  // with its slash; empty for a plain name
+std::string directoryOf(const std::string& name);  // with its separator; empty for a plain name
 // A name in the same directory for what is to take the place of name.
 std::string siblingOf(const std::string& name);
-// Makes what happened in a directory last.
-void syncDirectory(const std::string& directory) noexcept;
 
 #endif

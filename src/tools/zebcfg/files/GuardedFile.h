@@ -11,8 +11,8 @@ class GuardedFile {
 public:
     explicit GuardedFile(const std::string& text);
     // A name under which this process can open it, always the same.
-    std::string name() const { return place.name(); }
-    // The name stands for a socket then, which nobody can open, with the modification time of the file.
+    std::string name() const;
+    // Nobody can open it for writing then. The modification time stays.
     void refuseWrites();
     void allowWrites();
     // Throws when there is no room for as many bytes more.
@@ -20,7 +20,7 @@ public:
 
 private:
     const MemoryFile content;
-    const Descriptor place;  // the content, or a socket
+    Descriptor place;  // what refuses writes; on POSIX what the name stands for
 };
 
 #endif

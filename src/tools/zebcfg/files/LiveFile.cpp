@@ -7,21 +7,10 @@
 
 #include <cerrno>
 
-#include <ldap.h>
-#include <unistd.h>
+#include <ldapNames.h>
 #include <zebldapcfg.h>
 
 namespace {
-
-bool isSameFile(const struct stat& left, const struct stat& right)
-{
-    return left.st_dev == right.st_dev && left.st_ino == right.st_ino;
-}
-
-bool isSameTime(const struct timespec& left, const struct timespec& right)
-{
-    return left.tv_sec == right.tv_sec && left.tv_nsec == right.tv_nsec;
-}
 
 Failure fileFailure(int extended, Failure failure)
 {
@@ -29,10 +18,10 @@ Failure fileFailure(int extended, Failure failure)
     return failure;
 }
 
-bool isReadable(const std::string& name)
+bool isReadableFile(const std::string& name)
 {
-    struct stat status = {};
-    return ::stat(name.c_str(), &status) == 0 && S_ISREG(status.st_mode) && ::access(name.c_str(), R_OK) == 0;
+    FileInfo info;
+    return readInfo(name, info) && info.kind == FileKind::regular && isReadable(name);
 }
 
 bool endsWhole(const std::string& text)
@@ -43,19 +32,8 @@ bool endsWhole(const std::string& text)
 // A link that leads nowhere is there too.
 bool isInUse(const std::string& name)
 {
-    struct stat status = {};
-    return ::lstat(name.c_str(), &status) == 0 || errno != ENOENT;
-}
-
-struct stat statusOfNewFile()
-{
-    struct stat status = {};
-    status.st_mode = S_IFREG | S_IRUSR | S_IWUSR;
-    status.st_uid = ::geteuid();
-    status.st_gid = ::getegid();
-    status.st_nlink = 1;
-    status.st_mtime = 1;  // 0 stands for damage.
-    return status;
+    FileInfo info;
+    return readOwnInfo(name, info) || errno != ENOENT;
 }
 
 }  // namespace
@@ -72,18 +50,18 @@ LiveFile::LiveFile(const std::string& name, Presence presence) : shown(name), re
         requireMissing(name);
     isAbsent = presence != Presence::isThere && !isInUse(name);
     if (isAbsent) {
-        read = statusOfNewFile();
+        read = infoOfNewFile();
         return;
     }
-    if (::stat(resolved.c_str(), &read) != 0)
+    if (!readInfo(resolved, read))
         throw fileFailure(CFG_ERR_CONFIG_NOT_FOUND,
                           systemFailure(CFG_CONNECT_ERROR, "the configuration file cannot be found", shown));
-    if (!S_ISREG(read.st_mode))
+    if (read.kind != FileKind::regular)
         throw fileFailure(
             CFG_ERR_CONFIG_OPEN,
             Failure(CFG_CONNECT_ERROR, "this is not a regular file; name the configuration file with -F", shown));
     const Descriptor file(openForReading(resolved));
-    if (!file.isOpen() || ::fstat(file.get(), &read) != 0)
+    if (!file.isOpen() || !readInfo(file.get(), read))
         throw fileFailure(CFG_ERR_CONFIG_OPEN,
                           systemFailure(CFG_CONNECT_ERROR, "the configuration file cannot be read", shown));
     content = readAll(file.get(), shown);
@@ -93,16 +71,16 @@ bool LiveFile::isCurrent() const
 {
     if (isAbsent)
         return !isInUse(shown);
-    struct stat now = {};
-    return ::stat(resolved.c_str(), &now) == 0 && isSameFile(now, read) && now.st_size == read.st_size &&
-           isSameTime(now.st_mtim, read.st_mtim);
+    FileInfo now;
+    return readInfo(resolved, now) && isSameFile(now, read) && now.size == read.size && now.time == read.time &&
+           now.nanoseconds == read.nanoseconds;
 }
 
 std::string LiveFile::damage(const std::string& backupName) const
 {
-    if (read.st_mtime == 0)
+    if (read.time == 0)
         return "the file has the modification time 0, so every program treats it as empty; run: touch " + shown;
-    if (endsWhole(content) || !isReadable(backupName))
+    if (endsWhole(content) || !isReadableFile(backupName))
         return {};
     const std::string kept = readFile(backupName, backupName);
     if (!endsWhole(kept) || kept.size() <= content.size())

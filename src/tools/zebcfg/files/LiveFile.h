@@ -2,9 +2,9 @@
 #ifndef ZEBCFG_LIVEFILE_H
 #define ZEBCFG_LIVEFILE_H
 
-#include <string>
+#include "files/FileSystem.h"
 
-#include <sys/stat.h>
+#include <string>
 
 // What an update needs: a file, a file or none, or none.
 enum class Presence { isThere, mayBeMissing, isMissing };
@@ -21,7 +21,7 @@ public:
 
     const std::string& shownName() const noexcept { return shown; }  // as the user calls it
     const std::string& path() const noexcept { return resolved; }
-    const struct stat& status() const noexcept { return read; }
+    const FileInfo& info() const noexcept { return read; }
     const std::string& text() const noexcept { return content; }
 
     bool isMissing() const noexcept { return isAbsent; }
@@ -37,7 +37,7 @@ public:
 private:
     std::string shown;
     std::string resolved;
-    struct stat read = {};
+    FileInfo read;
     std::string content;
     bool isAbsent = false;
 };

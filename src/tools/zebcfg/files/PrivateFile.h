@@ -3,17 +3,10 @@
 #define ZEBCFG_PRIVATEFILE_H
 
 #include "files/Descriptor.h"
+#include "files/FileSystem.h"
 
 #include <string>
 #include <vector>
-
-#include <sys/stat.h>
-
-// A file that others are made like: its name, and its status.
-struct Model {
-    const std::string& name;
-    const struct stat& status;
-};
 
 // A new file that is removed at the end unless it has been moved, also when a signal ends the process. It has owner,
 // group, access list, extended attributes and mode of a model and at no moment wider permissions. Calls throw Failure.
@@ -32,7 +25,7 @@ public:
     void sync();
     // Programs notice a change by the modification time in whole seconds: it is made later than the other one, unless
     // that is more than a second ahead of the clock, and then is another one all the same.
-    void makeLaterThan(const struct stat& other);
+    void makeLaterThan(const FileInfo& other);
     // Puts the file in the place of another in one step. Nothing else is possible then.
     void moveTo(const std::string& target);
     // The names of the model's extended attributes that this user may not set.

@@ -6,8 +6,7 @@
 
 #include <ctime>
 
-#include <ldap.h>
-#include <unistd.h>
+#include <ldapNames.h>
 
 namespace {
 
@@ -16,9 +15,9 @@ namespace {
 bool isDue(const std::string& path)
 {
     constexpr std::time_t ahead = 2;
-    struct stat status = {};
+    FileInfo info;
     const std::time_t now = std::time(nullptr);
-    return ::stat(path.c_str(), &status) != 0 || status.st_mtime + 1 <= now + ahead || status.st_mtime > now + ahead;
+    return !readInfo(path, info) || info.time + 1 <= now + ahead || info.time > now + ahead;
 }
 
 void noteLost(const PrivateFile& copy, const Handling& handling)
@@ -36,12 +35,12 @@ bool isTaken(const std::string& path, const std::string& name)
 
 void requireUsableBackup(const std::string& name, const LiveFile& file)
 {
-    struct stat status = {};
+    FileInfo info;
     if (resolvedName(name) == file.path())
         throw Failure(0, "the backup has the name of the file itself", file.shownName());
     if (isTaken(file.path(), resolvedName(name)))
         throw Failure(0, "the update itself needs " + name + "; name another backup with -B", file.shownName());
-    if (::lstat(name.c_str(), &status) == 0 && !S_ISREG(status.st_mode))
+    if (readOwnInfo(name, info) && info.kind != FileKind::regular)
         throw Failure(0, "the backup would replace " + name + ", which is not a regular file; name another with -B",
                       file.shownName());
 }
@@ -62,9 +61,9 @@ void requireReplaceable(const LiveFile& file, const Handling& handling)
 {
     for (int i = 1; !handling.backup.empty() && i <= handling.generations; ++i)
         requireUsableBackup(generationName(handling.backup, i), file);
-    if (file.status().st_nlink > 1 && !handling.isForced)
+    if (file.info().names > 1 && !handling.isForced)
         throw Failure(LDAP_UNWILLING_TO_PERFORM,
-                      "the file has " + std::to_string(file.status().st_nlink) +
+                      "the file has " + std::to_string(file.info().names) +
                           " names (hard links), and the others would keep the old text; --force replaces it anyway",
                       file.shownName());
 }
@@ -72,7 +71,7 @@ void requireReplaceable(const LiveFile& file, const Handling& handling)
 Replacement::Replacement(const std::string& name, const Handling& wanted)
     : handling(wanted), lock(resolvedName(name), wanted.wait, &isDue, wanted.note), file(name, wanted.presence),
       backup(file.isMissing() ? "" : wanted.backup, wanted.generations),
-      working(siblingOf(file.path()), {file.path(), file.status()})
+      working(siblingOf(file.path()), {file.path(), file.info()})
 {
     requireReplaceable(file, handling);
     backup.recover(file.text());
@@ -80,7 +79,7 @@ Replacement::Replacement(const std::string& name, const Handling& wanted)
 
 void Replacement::install()
 {
-    working.makeLaterThan(file.status());
+    working.makeLaterThan(file.info());
     working.sync();
     backup.prepare(file);
     if (!file.isCurrent())
@@ -98,9 +97,9 @@ void createLike(const LiveFile& model, const std::string& name, const Handling& 
 {
     const std::string path = resolvedName(name);
     const FileLock lock(path, handling.wait, &isDue, handling.note);
-    if (::access(path.c_str(), F_OK) == 0)
+    if (isThere(path))
         throw Failure(LDAP_BUSY, "another program has created the file in the meantime; try again", name);
-    PrivateFile copy(siblingOf(path), {model.path(), model.status()});
+    PrivateFile copy(siblingOf(path), {model.path(), model.info()});
     copy.write(model.text());
     copy.sync();
     copy.moveTo(path);

@@ -3,6 +3,7 @@
 #define ZEBCFG_WORKFOLDER_H
 
 #include <string>
+#include <vector>
 
 // A directory that only this user may enter, with the text in one file, in memory where there is such a place. It is
 // removed at the end, also when a signal ends the process. One that a killed process has left is removed when the next
@@ -18,6 +19,9 @@ public:
     const std::string& file() const noexcept { return path; }
     void write(const std::string& text);
     std::string read() const;
+
+    // The directories where a text can be kept, with their separators.
+    static std::vector<std::string> otherPlaces();
 
 private:
     std::string directory;

@@ -9,7 +9,7 @@
 #include <algorithm>
 #include <utility>
 
-#include <ldap.h>
+#include <ldapNames.h>
 
 namespace {
 

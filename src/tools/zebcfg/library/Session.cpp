@@ -1,8 +1,10 @@
 #include "library/Session.h"
 
 #include "base/Attributes.h"
+#include "base/Locale.h"
 #include "base/Masking.h"
 #include "base/Text.h"
+#include "base/Wipe.h"
 #include "library/Dn.h"
 
 #include <algorithm>
@@ -10,8 +12,6 @@
 #include <cstring>
 #include <set>
 #include <utility>
-
-#include <langinfo.h>
 
 namespace {
 
@@ -99,7 +99,7 @@ void ResultRelease::operator()(CFGMessage* result) const noexcept
         for (const CFGMessage* attribute = entry->child; attribute != nullptr; attribute = attribute->next) {
             for (const CFGMessage* value = attribute->child; value != nullptr; value = value->next) {
                 if (value->text != nullptr)
-                    ::explicit_bzero(value->text, std::strlen(value->text));
+                    wipeMemory(value->text, std::strlen(value->text));
             }
         }
     }
@@ -131,6 +131,7 @@ Session::Session(const std::string& fileName, const std::string& shown, const st
 {
     if (cfg == nullptr)
         throw Failure(CFG_NO_MEMORY, cfg_err2string(CFG_NO_MEMORY));
+    reuseLocale();
     require(cfg_set_option(cfg.get(), CFG_OPT_CONFIG_FILE, path.c_str()));
     const char* const dn = login ? login->dn.c_str() : nullptr;
     const char* const password = login ? login->password.c_str() : nullptr;
@@ -180,7 +181,7 @@ std::string Session::explain(int code) const
     const int known = cfg_get_exterror(handle);
     const int extended = known != 0 ? known : code;  // The option calls leave nothing in the handle.
     if (isTextFailure(extended))
-        return std::string("there are bytes that are not text in the locale's encoding, ") + ::nl_langinfo(CODESET);
+        return "there are bytes that are not text in the locale's encoding, " + localeEncoding();
     if (isPassword(attribute) && extended == code && code > LDAP_OTHER && code < CFG_ERR_UNEXPECTED)
         return "the encoded password cannot be decoded; set a new one with zebcfg passwd";
     switch (extended) {

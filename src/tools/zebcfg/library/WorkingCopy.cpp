@@ -1,12 +1,11 @@
 #include "library/WorkingCopy.h"
 
 #include "base/Failure.h"
+#include "base/Locale.h"
 #include "files/Descriptor.h"
 #include "library/ReadBack.h"
 
 #include <utility>
-
-#include <langinfo.h>
 
 namespace {
 
@@ -33,7 +32,7 @@ void WorkingCopy::addHead()
 {
     if (!opened->search("", LDAP_SCOPE_BASE, "charset=*").empty())
         return;
-    opened->modify("", {{LDAP_MOD_ADD, {"charset", {::nl_langinfo(CODESET)}}}});
+    opened->modify("", {{LDAP_MOD_ADD, {"charset", {localeEncoding()}}}});
     if (opened->search("", LDAP_SCOPE_BASE, "version=*").empty())
         opened->modify("", {{LDAP_MOD_ADD, {"version", {"1"}}}});
 }

@@ -1,11 +1,9 @@
 #include "terminal/PrivateProcess.h"
 
-#include <cstdlib>
-#include <cstring>
-#include <new>
+#include "terminal/Memory.h"
 
-#include <malloc.h>
-#include <sys/prctl.h>
+#include <cstdlib>
+#include <new>
 
 // AddressSanitizer has the memory to itself, and its search for leaks looks at the process from another one.
 #ifdef __SANITIZE_ADDRESS__
@@ -16,7 +14,7 @@ void hideMemory() {}
 
 void hideMemory()
 {
-    (void)::prctl(PR_SET_DUMPABLE, 0, 0, 0, 0);
+    forbidDumps();
 }
 
 // Texts of all kinds hold passwords, those of other libraries among them: whatever is released is wiped.
@@ -34,8 +32,7 @@ void* operator new(std::size_t size)
 
 void operator delete(void* block) noexcept
 {
-    if (block != nullptr)
-        ::explicit_bzero(block, ::malloc_usable_size(block));
+    wipeBlock(block);
     std::free(block);
 }
 

@@ -1,18 +1,14 @@
 #include "terminal/Progress.h"
 
+#include "terminal/StandardStreams.h"
+#include "terminal/Timer.h"
+
 #include <algorithm>
 #include <array>
-#include <cerrno>
-#include <csignal>
 #include <cstring>
-
-#include <sys/time.h>
-#include <unistd.h>
+#include <string_view>
 
 namespace {
-
-constexpr timeval firstTime = {1, 0};
-constexpr timeval interval = {0, 200000};
 
 bool isShown = false;
 std::atomic<const Progress*> current{nullptr};
@@ -52,63 +48,38 @@ public:
         }
     }
 
-    void write() const { (void)!::write(STDERR_FILENO, bytes.data(), bytes.size()); }
+    void write() const { writeError(std::string_view(bytes.data(), bytes.size())); }
 
 private:
     std::array<char, 40> bytes = {};
     std::size_t end = 0;
 };
 
-extern "C" void drawCurrent(int /*signal*/)
+void drawCurrent()
 {
-    const int error = errno;
     const Progress* const work = current;
-    if (work != nullptr && ::tcgetpgrp(STDERR_FILENO) == ::getpgrp())
+    if (work != nullptr)
         work->draw();
-    errno = error;
-}
-
-void startTimer()
-{
-    struct sigaction action = {};
-    action.sa_handler = drawCurrent;
-    action.sa_flags = SA_RESTART;
-    (void)::sigaction(SIGALRM, &action, nullptr);
-    const itimerval times = {interval, firstTime};
-    (void)::setitimer(ITIMER_REAL, &times, nullptr);
-}
-
-void stopTimer()
-{
-    const itimerval times = {};
-    (void)::setitimer(ITIMER_REAL, &times, nullptr);
-}
-
-void mask(int how)
-{
-    sigset_t timer;
-    ::sigemptyset(&timer);
-    ::sigaddset(&timer, SIGALRM);
-    (void)::sigprocmask(how, &timer, nullptr);
 }
 
 }  // namespace
 
 void showProgress(bool isWanted)
 {
-    isShown = isWanted && ::isatty(STDERR_FILENO) == 1;
+    isShown = isWanted && isTerminal(errorStream);
 }
 
 Progress::Progress(const char* text, std::size_t steps) : what(text), total(steps), outer(current)
 {
     current = this;
     if (isShown && outer == nullptr)
-        startTimer();
+        startTimer(drawCurrent);
 }
 
 Progress::~Progress()
 {
     current = outer;
+    finishDraw();
     if (!isShown || outer != nullptr)
         return;
     stopTimer();
@@ -133,13 +104,13 @@ void Progress::draw() const noexcept
 
 PausedProgress::PausedProgress()
 {
-    mask(SIG_BLOCK);
+    holdTimer();
     eraseProgress();
 }
 
 PausedProgress::~PausedProgress()
 {
-    mask(SIG_UNBLOCK);
+    releaseTimer();
 }
 
 void eraseProgress() noexcept

@@ -2,8 +2,7 @@
 
 #include "base/Failure.h"
 #include "base/Text.h"
-
-#include <fstream>
+#include "terminal/Dialogue.h"
 
 namespace {
 
@@ -11,11 +10,10 @@ namespace {
 template <typename IsAccepted>
 std::string answerTo(const std::string& question, IsAccepted isAccepted)
 {
-    std::ifstream in("/dev/tty");
-    std::ofstream out("/dev/tty");
-    if (!in || !out)
+    Dialogue terminal;
+    if (!terminal.isOpen())
         throw Failure(0, "there is no terminal to ask a question on, and nothing is changed");
-    for (std::string line; out << visible(question) << std::flush && std::getline(in, line);) {
+    for (std::string line; terminal.answer(visible(question), line);) {
         if (isAccepted(line))
             return line;
     }

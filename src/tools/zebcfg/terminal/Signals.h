@@ -2,26 +2,15 @@
 #ifndef ZEBCFG_SIGNALS_H
 #define ZEBCFG_SIGNALS_H
 
+#include "SignalMask.h"
+
 #include <string>
-
-#include <csignal>
-
-#include <termios.h>
 
 // Lets the signals that end a process remove the files named in between, at most four at a time, and directories that
 // are empty without them. A limit on the size of files is reported like a full disk, not by a signal.
 void handleSignals();
 void removeOnSignals(const std::string& path);
 void keepOnSignals(const std::string& path);
-
-// Lets those signals give a terminal back its settings, as long as it lives. At most one may live.
-class RestoredTerminal {
-public:
-    RestoredTerminal(int terminal, const termios& settings) noexcept;
-    RestoredTerminal(const RestoredTerminal&) = delete;
-    RestoredTerminal& operator=(const RestoredTerminal&) = delete;
-    ~RestoredTerminal();
-};
 
 // Holds those signals back as long as it lives.
 class BlockedSignals {
@@ -32,7 +21,7 @@ public:
     ~BlockedSignals();
 
 private:
-    sigset_t before = {};
+    SignalMask before = {};
 };
 
 #endif

@@ -3,6 +3,7 @@
 #include "base/Attributes.h"
 #include "base/Failure.h"
 #include "files/Descriptor.h"
+#include "files/FileSystem.h"
 #include "files/Input.h"
 #include "files/Replacement.h"
 #include "formats/LdifReader.h"
@@ -13,8 +14,6 @@
 #include <algorithm>
 #include <optional>
 #include <vector>
-
-#include <fcntl.h>
 
 namespace {
 
@@ -88,7 +87,7 @@ void makeSkippedFile(const std::string& name, const Target& target)
 {
     if (isPartOfUpdate(name, target.file, target.backup, target.generations))
         throw Failure(0, "the update itself needs this file; name another one with -S", name);
-    const Descriptor made(::open(name.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
+    const Descriptor made(openOrCreate(name));
     if (!made.isOpen())
         throw systemFailure(0, "cannot write " + name);
 }

@@ -2,6 +2,8 @@
 
 #include "terminal/Progress.h"
 
+#include "RestoredTerminal.h"
+
 #include <array>
 #include <cstring>
 

@@ -2,7 +2,7 @@
 
 #include "base/Failure.h"
 
-#include <ldap.h>
+#include <ldapNames.h>
 #include <sys/mman.h>
 #include <unistd.h>
 

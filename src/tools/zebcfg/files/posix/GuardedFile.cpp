@@ -3,7 +3,7 @@
 #include "base/Failure.h"
 
 #include <fcntl.h>
-#include <ldap.h>
+#include <ldapNames.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -24,6 +24,12 @@ GuardedFile::GuardedFile(const std::string& text)
     require(place.isOpen());
 }
 
+std::string GuardedFile::name() const
+{
+    return place.name();
+}
+
+// The name stands for a socket then, with the modification time of the file.
 void GuardedFile::refuseWrites()
 {
     struct stat status = {};
