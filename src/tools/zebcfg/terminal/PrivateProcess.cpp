@@ -8,7 +8,7 @@
 #include <sys/prctl.h>
 
 // AddressSanitizer has the memory to itself, and its search for leaks looks at the process from another one.
-#ifdef __SANITIZE_ADDRESS__
+#ifdef ZEBCFG_SANITIZED
 
 void hideMemory() {}
 
