@@ -32,16 +32,16 @@ void* operator new(std::size_t size)
     }
 }
 
-void operator delete(void* block) noexcept
+void operator delete(void* block, std::size_t size) noexcept
 {
     if (block != nullptr)
-        ::explicit_bzero(block, ::malloc_usable_size(block));
+        ::explicit_bzero(block, size);
     std::free(block);
 }
 
-void operator delete(void* block, std::size_t /*size*/) noexcept
+void operator delete(void* block) noexcept
 {
-    operator delete(block);
+    operator delete(block, ::malloc_usable_size(block));
 }
 
 #endif
