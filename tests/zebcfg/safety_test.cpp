@@ -291,6 +291,7 @@ TEST_P(Generations, AFaultLeavesTheOldOrTheNewFile)
                                                        {"close", faultClose},
                                                        {"unlink", faultUnlink},
                                                        {"stat", faultStat},
+                                                       {"futimens", faultTime},
                                                        {"memfd_create", faultNameless}}) {
         if (kind == faultMemory && GetParam())
             continue;  // It is the same for each user.
@@ -402,6 +403,7 @@ TEST(Safety, NoPasswordIsLeftInMemory)
              {"-F", directory / "clear", "check"},
              {"-F", directory / "clear", "set", "cn=Configuration", "zeb-slapdPort=5"},
          }) {
+        std::filesystem::remove(report);  // of the one before
         const pid_t child = start(directory.file, words, [&] {
             plan({faultFiles, 0, false, Fault::error, 0}, report);
             ::setenv("FAULT_WATCH", password, 1);

@@ -8,7 +8,7 @@
 #include <string>
 
 // One entry with its line ends and a blank line after it. Values that are no plain text are in base64. wrap is the
-// longest line, 0 for lines of any length; a name is not folded. Passwords are masked. In UTF-8.
+// longest line, at least 2, or 0 for lines of any length; a name is not folded. Passwords are masked. In UTF-8.
 std::string toLdif(const Entry& entry, bool namesOnly, std::size_t wrap);
 
 // Whether LDIF can carry an attribute of that name, so that a reader finds the same again.

@@ -2,9 +2,11 @@
 #ifndef ZEBCFG_MEMORY_H
 #define ZEBCFG_MEMORY_H
 
+#include <cstddef>
+
 // Keeps it from core files and from other processes of the same user.
 void forbidDumps() noexcept;
-// Overwrites a block of the C heap, which may be null.
-void wipeBlock(void* block) noexcept;
+// The bytes that a block of the C heap holds; none, where it is null.
+std::size_t blockSize(void* block) noexcept;
 
 #endif

@@ -1,12 +1,13 @@
 #include "terminal/PrivateProcess.h"
 
+#include "base/Wipe.h"
 #include "terminal/Memory.h"
 
 #include <cstdlib>
 #include <new>
 
 // AddressSanitizer has the memory to itself, and its search for leaks looks at the process from another one.
-#ifdef __SANITIZE_ADDRESS__
+#ifdef ZEBCFG_SANITIZED
 
 void hideMemory() {}
 
@@ -30,15 +31,15 @@ void* operator new(std::size_t size)
     }
 }
 
-void operator delete(void* block) noexcept
+void operator delete(void* block, std::size_t size) noexcept
 {
-    wipeBlock(block);
+    wipeMemory(block, size);
     std::free(block);
 }
 
-void operator delete(void* block, std::size_t /*size*/) noexcept
+void operator delete(void* block) noexcept
 {
-    operator delete(block);
+    operator delete(block, blockSize(block));
 }
 
 #endif

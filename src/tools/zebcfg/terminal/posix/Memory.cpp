@@ -1,7 +1,5 @@
 #include "terminal/Memory.h"
 
-#include "base/Wipe.h"
-
 #include <malloc.h>
 #include <sys/prctl.h>
 
@@ -10,8 +8,7 @@ void forbidDumps() noexcept
     (void)::prctl(PR_SET_DUMPABLE, 0, 0, 0, 0);
 }
 
-void wipeBlock(void* block) noexcept
+std::size_t blockSize(void* block) noexcept
 {
-    if (block != nullptr)
-        wipeMemory(block, ::malloc_usable_size(block));
+    return ::malloc_usable_size(block);
 }

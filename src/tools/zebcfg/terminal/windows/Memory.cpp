@@ -1,7 +1,5 @@
 #include "terminal/Memory.h"
 
-#include "base/Wipe.h"
-
 #include <malloc.h>
 #include <windows.h>
 
@@ -11,8 +9,7 @@ void forbidDumps() noexcept
     SetErrorMode(GetErrorMode() | SEM_NOGPFAULTERRORBOX);
 }
 
-void wipeBlock(void* block) noexcept
+std::size_t blockSize(void* block) noexcept
 {
-    if (block != nullptr)
-        wipeMemory(block, ::_msize(block));
+    return block != nullptr ? ::_msize(block) : 0;
 }
