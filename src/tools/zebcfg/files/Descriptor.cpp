@@ -30,6 +30,22 @@ void readPieces(int file, const std::string& shownName, Take take)
 
 constexpr bool hasPlainLines = lineEnd == "\n";
 
+// Text has lines that end with LF alone in memory; in files of the system they may have another end.
+std::string withPlainLines(std::string text)
+{
+    if constexpr (!hasPlainLines) {
+        std::size_t kept = 0;
+        for (std::size_t i = 0; i < text.size(); ++i) {
+            if (text.compare(i, lineEnd.size(), lineEnd) != 0)
+                text[kept++] = text[i];
+            else
+                text[kept++] = text[i += lineEnd.size() - 1];
+        }
+        text.resize(kept);
+    }
+    return text;
+}
+
 std::string withSystemLines(std::string_view text)
 {
     std::string made;
@@ -86,21 +102,6 @@ std::string readAll(int file, const std::string& shownName)
         return true;
     });
     return withPlainLines(std::move(text));
-}
-
-std::string withPlainLines(std::string text)
-{
-    if constexpr (!hasPlainLines) {
-        std::size_t kept = 0;
-        for (std::size_t i = 0; i < text.size(); ++i) {
-            if (text.compare(i, lineEnd.size(), lineEnd) != 0)
-                text[kept++] = text[i];
-            else
-                text[kept++] = text[i += lineEnd.size() - 1];
-        }
-        text.resize(kept);
-    }
-    return text;
 }
 
 std::string readFile(const std::string& name, const std::string& shownName)

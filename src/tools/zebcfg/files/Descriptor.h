@@ -23,14 +23,13 @@ private:
     int number;  // negative when it is closed
 };
 
+// Texts have lines that end with LF alone here, whatever ends a line in the files of the system.
+//
 // What is left to read, or the content of a regular file.
 std::string readAll(int file, const std::string& shownName);
 std::string readFile(const std::string& name, const std::string& shownName);
 // Whether the content of the file is the text. The file is not held in memory.
 bool holdsText(const std::string& name, const std::string& text, const std::string& shownName);
-
-// Text has lines that end with LF alone, and is read and written so; in files of the system they may have another end.
-std::string withPlainLines(std::string text);
 
 void writeAll(int file, std::string_view text, const std::string& shownName);
 // Replaces the content of a file in place. Only for private files.

@@ -1,7 +1,7 @@
 #include "files/Input.h"
 
 #include "files/Descriptor.h"
-
+#include "terminal/StandardStreams.h"
 
 std::string shownInput(const std::string& name)
 {
@@ -10,7 +10,7 @@ std::string shownInput(const std::string& name)
 
 std::string readInput(const std::string& name)
 {
-    return name == "-" ? withPlainLines(readAll(0, standardInput)) : readNamed(name);
+    return name == "-" ? readAll(inputStream, standardInput) : readNamed(name);
 }
 
 std::string readPasswordFile(const std::string& name)
