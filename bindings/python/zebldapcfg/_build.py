@@ -45,6 +45,8 @@ ffibuilder.cdef(
     };
 
     CFG *initInOwnLocale(void);
+    char *textsBelow(const CFGMessage *entry, size_t *size);
+    void free(void *memory);
 
     CFG *cfg_init(void);
     int cfg_reset(CFG *cfg);
@@ -96,6 +98,7 @@ ffibuilder.set_source(
     "zebldapcfg._native",
     r"""
     #include <locale.h>
+    #include <stdio.h>
     #include <stdlib.h>
     #include <string.h>
     #include <zebldapcfg.h>
@@ -116,6 +119,34 @@ ffibuilder.set_source(
         free(encoding);
         free(before);
         return cfg;
+    }
+
+    /* The texts of the attributes of an entry, each with a NUL: the name, the number of values, the values. In C heap;
+       null when memory is exhausted. */
+    static char *textsBelow(const CFGMessage *entry, size_t *size)
+    {
+        const CFGMessage *attribute;
+        const CFGMessage *value;
+        char *texts;
+        char *end;
+        *size = 0;
+        for (attribute = entry->child; attribute != NULL; attribute = attribute->next) {
+            *size += strlen(attribute->text) + 1 + sizeof "2147483647";
+            for (value = attribute->child; value != NULL; value = value->next)
+                *size += value->text != NULL ? strlen(value->text) + 1 : 0;
+        }
+        texts = end = malloc(*size + 1);
+        for (attribute = entry->child; texts != NULL && attribute != NULL; attribute = attribute->next) {
+            int count = 0;
+            for (value = attribute->child; value != NULL; value = value->next)
+                count += value->text != NULL;
+            end = stpcpy(end, attribute->text) + 1;
+            end += sprintf(end, "%d", count) + 1;
+            for (value = attribute->child; value != NULL; value = value->next)
+                end = value->text != NULL ? stpcpy(end, value->text) + 1 : end;
+        }
+        *size = (size_t)(end - texts);
+        return texts;
     }
     """,
     libraries=["zebldapcfg"],

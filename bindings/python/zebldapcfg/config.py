@@ -9,7 +9,7 @@ from types import TracebackType
 from typing import Any, Union
 
 from .changes import Add, Change, Value
-from .entries import Entry
+from .entries import Entry, Result
 from .errors import Error
 from .lock import FileLock
 from .raw import ffi, lib, lock as _calls
@@ -125,11 +125,11 @@ class Config:
         names, keep = self._texts(attributes) if attributes is not None else (ffi.NULL, None)
         self._call(lib.cfg_search_s, self._given(base), scope, self._given(filter), names, 0, found)
         del keep
-        result = ffi.gc(found[0], _free) if found[0] else None
-        entries = []
         record = found[0]
+        result = Result(ffi.gc(record, _free), self._encoding)
+        entries = []
         while record:
-            entries.append(Entry(record, result, self._encoding))
+            entries.append(Entry(record, result))
             record = record.next
         return entries
 
