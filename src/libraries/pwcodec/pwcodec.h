@@ -44,9 +44,9 @@ PWCODEC_API int _pwcodec_encode_buffer(const char* clearText, char** encoded);
 PWCODEC_API int _pwcodec_encode_buffer_free(char** encoded);
 
 /*
- * Decodes a text. On success *clearText is new, and belongs to the caller until _pwcodec_decode_buffer_free releases it,
- * which nothing else may; overwriting it before is the caller's task. encodedText is the caller's working copy, which a
- * codec may write into; this one does not.
+ * Decodes a text. On success *clearText is new, and belongs to the caller until _pwcodec_decode_buffer_free releases
+ * it, which nothing else may; overwriting it before is the caller's task. encodedText is the caller's working copy,
+ * which a codec may write into; this one does not.
  */
 PWCODEC_API int _pwcodec_decode_buffer(char* encodedText, char** clearText);
 
