@@ -28,6 +28,8 @@ constexpr unsigned long libraryCode(int code)
 
 constexpr bool noBreakSpaceIsSpace = true;
 
+constexpr std::size_t byteStep = 7;  // between the bytes at which a test cuts a file
+
 // After a new handle has set that of the user.
 inline void useUtf8()
 {

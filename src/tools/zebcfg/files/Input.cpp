@@ -2,7 +2,6 @@
 
 #include "files/Descriptor.h"
 
-
 std::string shownInput(const std::string& name)
 {
     return name == "-" ? standardInput : name;
