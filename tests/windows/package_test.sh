@@ -7,7 +7,7 @@ set -euo pipefail
 directory=$(mktemp -d)
 key='HKLM\SOFTWARE\ZEB\LDAP\Client'
 build=$1 emulator=$4 cc=$5 toolchain=$6
-export WINEPREFIX=$build/wine
+export WINEPREFIX=${WINEPREFIX:-$build/wine}
 trap 'rm -rf "$directory"; "$emulator" reg delete "$key" /v LDAPHome /f >/dev/null 2>&1 || true' EXIT
 (cd "$build" && cpack -G ZIP -B "$directory" >/dev/null)
 cd "$directory"

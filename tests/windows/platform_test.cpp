@@ -7,6 +7,7 @@
 #include "support.h"
 
 #include <aclapi.h>
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <gtest/gtest.h>
