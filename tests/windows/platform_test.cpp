@@ -107,9 +107,9 @@ static ACCESS_MASK accessOfAll(const std::string& name)
 {
     PACL list = nullptr;
     PSECURITY_DESCRIPTOR descriptor = nullptr;
-    EXPECT_EQ(GetNamedSecurityInfoA(name.c_str(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr, &list,
-                                    nullptr, &descriptor),
-              0U);
+    const DWORD code = GetNamedSecurityInfoA(name.c_str(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr,
+                                             &list, nullptr, &descriptor);
+    EXPECT_EQ(code, 0U);
     ACCESS_MASK access = 0;
     void* each = nullptr;
     for (DWORD place = 0; list != nullptr && GetAce(list, place, &each) != FALSE; ++place) {
