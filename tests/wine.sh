@@ -1,7 +1,14 @@
 #!/bin/sh
-# wine.sh PROGRAM [ARGUMENT...]: runs a program for Windows, with settings of its own in WINEPREFIX or beside the
-# program's directory. Temporary files are in memory: a disk would make the tests wait.
-: "${WINEPREFIX:=$(cd "$(dirname "$1")/.." && pwd)/wine}"
+# wine.sh PROGRAM [ARGUMENT...]: runs a program for Windows, with settings of its own in WINEPREFIX, or else in the build
+# tree of which the program's directory is a part. Temporary files are in memory: a disk would make the tests wait.
+if [ -z "${WINEPREFIX-}" ]; then
+    tree=$(cd "$(dirname "${1-}")/.." && pwd)
+    if [ ! -f "$tree/CMakeCache.txt" ]; then
+        echo "wine.sh: '${1-}' is not in a directory of a build tree: set WINEPREFIX to where wine may keep its settings" >&2
+        exit 2
+    fi
+    WINEPREFIX=$tree/wine
+fi
 export WINEPREFIX WINEDEBUG=-all WINEDLLOVERRIDES='mscoree,mshtml,winedbg.exe=' DISPLAY=
 [ ! -w /dev/shm ] || export TMP='Z:\dev\shm' TEMP='Z:\dev\shm'
 exec /usr/lib/wine/wine64 "$@"

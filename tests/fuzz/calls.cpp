@@ -17,7 +17,7 @@ const std::string backupName = directory / "b";
 Mod modOf(const std::string& text)
 {
     const auto equals = std::min(text.find('=', 1), text.size());
-    const auto operation = static_cast<int>(std::string("+-=").find(text[0]) & 3U);
+    const auto operation = static_cast<decltype(Mod::operation)>(std::string("+-=").find(text[0]) & 3U);
     const std::string type(text, std::min<std::size_t>(text.size(), 1), equals - 1);
     return {operation, type, equals == text.size() ? Parts() : Parts{text.substr(equals + 1)}};
 }

@@ -8,7 +8,9 @@ int main(int argc, char** argv)
     int inputs = 0;
     for (int at = 1; at < argc; ++at)
         for (const auto& file : std::filesystem::recursive_directory_iterator(argv[at])) {
-            const std::string input = readText(file.path().string());
+            std::ostringstream bytes;
+            bytes << std::ifstream(file.path(), std::ios::binary).rdbuf();
+            const std::string input = bytes.str();
             LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(input.data()), input.size());
             ++inputs;
         }

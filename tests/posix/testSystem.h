@@ -35,6 +35,8 @@ constexpr int libraryCode(int code)  // which counts 81 to 97 downwards from -1
 
 constexpr bool noBreakSpaceIsSpace = false;
 
+constexpr std::size_t byteStep = 1;  // between the bytes at which a test cuts a file
+
 // A new handle takes its locale from here.
 inline const int handleLocale = setenv("LC_ALL", utf8Locale, 1);
 inline void useUtf8() {}

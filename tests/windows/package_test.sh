@@ -1,36 +1,70 @@
 #!/usr/bin/env bash
 # package_test.sh BUILD_DIRECTORY README SAMPLE EMULATOR CC TOOLCHAIN
 # Unpacks what is packed, and builds the C example of the README there with pkg-config and with find_package. It runs on
-# a sample with CR LF and leaves one.
+# a sample with CR LF. A second program changes that sample, which it finds by the registry, and leaves CR LF; the tool
+# finds nothing wrong with it.
 set -euo pipefail
 directory=$(mktemp -d)
-trap 'rm -rf "$directory"' EXIT
+key='HKLM\SOFTWARE\ZEB\LDAP\Client'
 build=$1 emulator=$4 cc=$5 toolchain=$6
+export WINEPREFIX=${WINEPREFIX:-$build/wine}
+trap 'rm -rf "$directory"; "$emulator" reg delete "$key" /v LDAPHome /f >/dev/null 2>&1 || true' EXIT
 (cd "$build" && cpack -G ZIP -B "$directory" >/dev/null)
 cd "$directory"
 cmake -E tar xf zebldapcfg-*.zip
 prefix=$(echo "$directory"/zebldapcfg-*/)
 sed -n '/^```c$/,/^```$/p' "$2" | sed '/^```/d' >example.c
-sed 's/$/\r/' "$3" >zebslapd.conf
-flags=$(PKG_CONFIG_PATH=$prefix/lib/pkgconfig pkg-config --define-prefix --cflags --libs zebldapcfg)
-mkdir bin
-cp "$prefix"/bin/*.dll bin
-# shellcheck disable=SC2086
-"$cc" -std=c89 -pedantic -Wall -Werror example.c $flags -o bin/with_pkg_config.exe
-WINEPREFIX=$build/wine "$emulator" "$directory/bin/with_pkg_config.exe" zebslapd.conf >with_pkg_config.out
+mkdir etc
+sed 's/$/\r/' "$3" >etc/zebslapd.conf
+cat >change.c <<'END'
+#include <stdio.h>
+#include <zebldapcfg.h>
 
-cat >CMakeLists.txt <<'EOF'
+int main(void)
+{
+    static char *ports[] = {"1389", NULL};
+    static LDAPMod port = {LDAP_MOD_REPLACE, "zeb-slapdPort", {ports}};
+    static LDAPMod *mods[] = {&port, NULL};
+    CFG *writer = cfg_init();
+    CFG *reader = cfg_init();
+    CFGMessage *result = NULL;
+    int code;
+
+    code = cfg_bind_s(writer, "cn=admin, o=Example", "secret", LDAP_AUTH_SIMPLE);
+    code = code != 0 ? code : cfg_modify_s(writer, "cn=Configuration", mods);
+    code = code != 0 ? code : cfg_bind_s(reader, NULL, NULL, LDAP_AUTH_SIMPLE);
+    code = code != 0 ? code : cfg_search_s(reader, "", LDAP_SCOPE_SUBTREE, "zeb-slapdPort=1389", NULL, 0, &result);
+    printf("%d in %s\n", code != 0 ? -code : cfg_count_entries(reader, result), cfg_get_file_name(writer));
+    cfg_msgfree(result);
+    cfg_unbind(reader);
+    cfg_unbind(writer);
+    return 0;
+}
+END
+flags=$(PKG_CONFIG_PATH=$prefix/lib/pkgconfig pkg-config --define-prefix --cflags --libs zebldapcfg)
+for program in example change; do  # beside the library
+    # shellcheck disable=SC2086
+    "$cc" -std=c89 -pedantic -Wall -Werror $program.c $flags -o "$prefix/bin/$program.exe"
+done
+"$emulator" "$prefix/bin/example.exe" etc/zebslapd.conf >example.out
+
+cat >CMakeLists.txt <<'END'
 cmake_minimum_required(VERSION 3.25)
 project(example LANGUAGES C)
 find_package(zebldapcfg 1.0 REQUIRED)
 add_executable(with_cmake example.c)
 target_link_libraries(with_cmake PRIVATE zebldapcfg::zebldapcfg)
-EOF
+END
 cmake -G Ninja -S . -B build --toolchain "$toolchain" -Dzebldapcfg_DIR="$prefix/lib/cmake/zebldapcfg" >/dev/null
 cmake --build build >/dev/null
-cp build/with_cmake.exe bin
-WINEPREFIX=$build/wine "$emulator" "$directory/bin/with_cmake.exe" zebslapd.conf >with_cmake.out
-
-cmp with_pkg_config.out with_cmake.out
+cp build/with_cmake.exe "$prefix/bin"
+"$emulator" "$prefix/bin/with_cmake.exe" etc/zebslapd.conf >with_cmake.out
+cmp example.out with_cmake.out
 grep -q '^zeb-slapdPort: [0-9]' with_cmake.out
-[ "$(grep -c '' zebslapd.conf)" -eq "$(grep -c $'[^\r]*\r$' zebslapd.conf)" ] || { echo "other line ends"; exit 1; }
+
+"$emulator" reg add "$key" /v LDAPHome /d "Z:${directory//\//\\}" /f >/dev/null
+"$emulator" "$prefix/bin/change.exe" | tr -d '\r' | tee change.out
+[ "$(cat change.out)" = "1 in Z:${directory//\//\\}\\etc\\zebslapd.conf" ]
+grep -q $'^zeb-slapdPort: 1389\r$' etc/zebslapd.conf
+[ "$(grep -c '' etc/zebslapd.conf)" -eq "$(grep -c $'^[^\r]*\r$' etc/zebslapd.conf)" ] || { echo "other line ends"; exit 1; }
+"$emulator" "$prefix/bin/zebcfg.exe" -F etc/zebslapd.conf check

@@ -2,14 +2,40 @@
 #include "LDIF_EntryReader.h"
 #include "LDIF_File.h"
 #include "LDIF_Util.h"
+#include "common/transfer.h"
 #include "platform.h"
 #include "support.h"
 
 #include <aclapi.h>
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
 #include <gtest/gtest.h>
+#include <sddl.h>
 #include <tuple>
 
 static const TempDirectory directory;
+
+static constexpr std::string_view secret = "a clear password";
+static int leaks = 0;  // of blocks that were released with it at their start
+
+void* operator new[](std::size_t size)
+{
+    void* const block = std::malloc(size);
+    return block != nullptr ? block : throw std::bad_alloc();
+}
+
+void operator delete[](void* block) noexcept
+{
+    leaks +=
+        block != nullptr && _msize(block) >= secret.size() && std::memcmp(block, secret.data(), secret.size()) == 0;
+    std::free(block);
+}
+
+void operator delete[](void* block, std::size_t /*size*/) noexcept
+{
+    operator delete[](block);
+}
 
 static std::string bytesOf(const std::string& name)
 {
@@ -56,14 +82,34 @@ TEST(Platform, ReadsItsOwnLineEndsAsTheyStand)
     EXPECT_EQ(reader.entry().text, "dn: cn=a\r\nx: 1\r\n\r\n");
 }
 
+TEST(Platform, OverwritesWhatItHasReadWhenTheBufferGrows)
+{
+    for (const bool isRead : {true, false}) {
+        TextBuffer content;
+        std::size_t length = 0, calls = 0;
+        const auto readMore = [&](char* bytes, std::size_t size) -> std::ptrdiff_t {
+            if (++calls == 3)
+                return isRead ? 0 : -1;
+            return static_cast<std::ptrdiff_t>(secret.copy(bytes, size));
+        };
+        EXPECT_EQ(readToEnd(content, length, secret.size(), readMore), isRead);
+        EXPECT_EQ(length, secret.size() + 1);
+    }
+    EXPECT_EQ(leaks, 0);
+    TextBuffer known(secret.size());
+    secret.copy(known.data(), secret.size());
+    known = TextBuffer();
+    EXPECT_EQ(leaks, 1) << "this is no secret";
+}
+
 // The access that the list of a file gives everyone.
 static ACCESS_MASK accessOfAll(const std::string& name)
 {
     PACL list = nullptr;
     PSECURITY_DESCRIPTOR descriptor = nullptr;
-    EXPECT_EQ(GetNamedSecurityInfoA(name.c_str(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr, &list,
-                                    nullptr, &descriptor),
-              0U);
+    const DWORD code = GetNamedSecurityInfoA(name.c_str(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr,
+                                             &list, nullptr, &descriptor);
+    EXPECT_EQ(code, 0U);
     ACCESS_MASK access = 0;
     void* each = nullptr;
     for (DWORD place = 0; list != nullptr && GetAce(list, place, &each) != FALSE; ++place) {
@@ -76,34 +122,29 @@ static ACCESS_MASK accessOfAll(const std::string& name)
     return access;
 }
 
-// A list that gives only the owner access, or everyone.
-static void setAccess(const std::string& name, bool isOpen)
+// The list is that of a new file: wine has no other way to keep everyone out.
+static void makeFile(const std::string& name, const char* list)
 {
-    PACL list = nullptr;
-    EXPLICIT_ACCESS_A access = {};
-    char everyone[] = "Everyone", user[] = "CURRENT_USER";
-    BuildExplicitAccessWithNameA(&access, isOpen ? everyone : user, isOpen ? GENERIC_READ : GENERIC_ALL, SET_ACCESS,
-                                 NO_INHERITANCE);
-    EXPECT_EQ(SetEntriesInAclA(1, &access, nullptr, &list), 0U);
-    std::string file = name;
-    EXPECT_EQ(SetNamedSecurityInfoA(file.data(), SE_FILE_OBJECT,
-                                    DACL_SECURITY_INFORMATION | PROTECTED_DACL_SECURITY_INFORMATION, nullptr, nullptr,
-                                    list, nullptr),
-              0U);
-    LocalFree(list);
+    SECURITY_ATTRIBUTES security = {sizeof security, nullptr, FALSE};
+    EXPECT_TRUE(ConvertStringSecurityDescriptorToSecurityDescriptorA(list, SDDL_REVISION_1,
+                                                                     &security.lpSecurityDescriptor, nullptr));
+    const HANDLE file = CreateFileA(name.c_str(), GENERIC_WRITE, 0, &security, CREATE_NEW, 0, nullptr);
+    EXPECT_NE(file, INVALID_HANDLE_VALUE);
+    CloseHandle(file);
+    LocalFree(security.lpSecurityDescriptor);
 }
 
 TEST(Platform, FilesKeepTheirProtection)
 {
     const std::string name = directory / "protected";
-    for (const bool isOpen : {false, true}) {
+    for (const auto& [list, isOpen] : {std::pair("D:P(A;;FA;;;AU)", false), {"D:P(A;;FA;;;AU)(A;;FR;;;WD)", true}}) {
+        makeFile(name, list);
         writeText(name, "dn: cn=a\n");
-        setAccess(name, isOpen);
         const DWORD access = accessOfAll(name);
-        LDIF_File(name, name + ".bak").flush();
-        EXPECT_EQ(accessOfAll(name), access) << isOpen;
-        EXPECT_EQ(accessOfAll(name + ".bak"), access) << isOpen;
         EXPECT_EQ(access != 0, isOpen);
+        LDIF_File(name, name + ".bak").flush();
+        EXPECT_EQ(accessOfAll(name), access) << list;
+        EXPECT_EQ(accessOfAll(name + ".bak"), access) << list;
         std::filesystem::remove(name);
     }
 }

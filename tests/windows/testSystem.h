@@ -2,7 +2,6 @@
 #ifndef TESTSYSTEM_H
 #define TESTSYSTEM_H
 
-#include <algorithm>
 #include <clocale>
 #include <filesystem>
 #include <string>
@@ -28,6 +27,8 @@ constexpr unsigned long libraryCode(int code)
 
 constexpr bool noBreakSpaceIsSpace = true;
 
+constexpr std::size_t byteStep = 7;  // between the bytes at which a test cuts a file
+
 // After a new handle has set that of the user.
 inline void useUtf8()
 {
@@ -35,14 +36,15 @@ inline void useUtf8()
 }
 
 // A text with the line ends of the library's own as one with LF, and any other as it is.
-inline std::string withoutReturns(std::string text)
+inline std::string withoutReturns(const std::string& text)
 {
-    bool isOwn = true;
-    for (std::size_t at = 0; (at = text.find('\n', at)) != std::string::npos; ++at)
-        isOwn = isOwn && at > 0 && text[at - 1] == '\r';
-    if (isOwn)
-        text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
-    return text;
+    std::string made;
+    for (std::size_t at = 0, end = 0; (end = text.find('\n', at)) != std::string::npos; at = end + 1) {
+        if (end == at || text[end - 1] != '\r')
+            return text;
+        made.append(text, at, end - 1 - at) += '\n';
+    }
+    return made + text.substr(made.empty() ? 0 : text.rfind('\n') + 1);
 }
 
 inline std::pair<std::string, bool> converted(const std::string& text, unsigned int to, unsigned int from)

@@ -34,15 +34,19 @@ enum {
     PWCODEC_RANDOMNESS = 205 /* the system gives no random numbers for the salt */
 };
 
-/* Encodes a text. On success *encoded is malloc memory, to be released with _pwcodec_encode_buffer_free. */
+/*
+ * Encodes a text. On success *encoded is new, and belongs to the caller until _pwcodec_encode_buffer_free releases it.
+ * Nothing else may: the codec's heap need not be the caller's, as with another C runtime on Windows.
+ */
 PWCODEC_API int _pwcodec_encode_buffer(const char* clearText, char** encoded);
 
 /* Releases *encoded and sets it to null. Null is allowed. Always 0. */
 PWCODEC_API int _pwcodec_encode_buffer_free(char** encoded);
 
 /*
- * Decodes a text. On success *clearText is malloc memory, to be released with _pwcodec_decode_buffer_free or free.
- * encodedText is the caller's working copy, which a codec may write into; this one does not.
+ * Decodes a text. On success *clearText is new, and belongs to the caller until _pwcodec_decode_buffer_free releases
+ * it, which nothing else may; overwriting it before is the caller's task. encodedText is the caller's working copy,
+ * which a codec may write into; this one does not.
  */
 PWCODEC_API int _pwcodec_decode_buffer(char* encodedText, char** clearText);
 

@@ -21,7 +21,7 @@ public:
     ~BlockedSignals();
 
 private:
-    SignalMask before = {};
+    [[maybe_unused]] SignalMask before = {};
 };
 
 #endif

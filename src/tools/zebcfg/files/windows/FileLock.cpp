@@ -70,7 +70,7 @@ bool FileLock::removeLeftover(const std::string& path)
     return true;
 }
 
-void FileLock::release() noexcept
+void FileLock::release() noexcept  // NOLINT(readability-make-member-function-const): nothing is locked then
 {
     closeFile(file);
 }

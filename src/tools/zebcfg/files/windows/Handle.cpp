@@ -70,7 +70,7 @@ int descriptorOf(HANDLE handle) noexcept
 
 HANDLE handleOf(int descriptor) noexcept
 {
-    return reinterpret_cast<HANDLE>(::_get_osfhandle(descriptor));
+    return reinterpret_cast<HANDLE>(::_get_osfhandle(descriptor));  // NOLINT(performance-no-int-to-ptr)
 }
 
 std::string nameOf(HANDLE handle)

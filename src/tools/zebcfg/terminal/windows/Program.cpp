@@ -80,6 +80,7 @@ std::string plainName(const std::string& program)
     return name.substr(0, name.rfind('.'));
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): POSIX changes its words
 bool runProgram(std::vector<std::string> words, const std::string& message)
 {
     const IgnoredKeys ignored;

@@ -21,7 +21,7 @@ void restorePages()
 
 HANDLE handleOf(int stream) noexcept
 {
-    return reinterpret_cast<HANDLE>(::_get_osfhandle(stream));
+    return reinterpret_cast<HANDLE>(::_get_osfhandle(stream));  // NOLINT(performance-no-int-to-ptr)
 }
 
 }  // namespace
