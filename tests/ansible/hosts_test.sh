@@ -25,6 +25,12 @@ count() { grep -cE "^host[0-9]+ .*$1" "$directory/output" || true; }
 state() { (cd "$directory/hosts" && stat -c '%n %i %y' -- *.conf && md5sum -- *.conf); }
 expect() { [ "$(count "$1")" -eq "$hosts" ] || fail "$2"; }
 
+for module in "$collection"/plugins/modules/*.py; do
+    name=zeb.ldapcfg.$(basename "$module" .py)
+    ansible-doc -t module "$name" >"$directory/output" 2>&1 || fail "$name has no documentation"
+    grep -q '^EXAMPLES:' "$directory/output" || fail "$name has no examples"
+done
+
 before=$(state)
 play --check --diff -vvv "$here/site.yml" || fail "check mode fails"
 expect 'changed=6 .*failed=0' "check mode predicts other changes"

@@ -45,6 +45,7 @@ ffibuilder.cdef(
     };
 
     CFG *initInOwnLocale(void);
+    char *dnsOf(const CFGMessage *result, size_t *size);
     char *textsBelow(const CFGMessage *entry, size_t *size);
     void free(void *memory);
 
@@ -119,6 +120,21 @@ ffibuilder.set_source(
         free(encoding);
         free(before);
         return cfg;
+    }
+
+    /* The DNs of all entries, each with a NUL. In C heap; null when memory is exhausted. */
+    static char *dnsOf(const CFGMessage *result, size_t *size)
+    {
+        const CFGMessage *entry;
+        char *texts;
+        char *end;
+        *size = 0;
+        for (entry = result; entry != NULL; entry = entry->next)
+            *size += strlen(entry->text) + 1;
+        texts = end = malloc(*size + 1);
+        for (entry = result; texts != NULL && entry != NULL; entry = entry->next)
+            end = stpcpy(end, entry->text) + 1;
+        return texts;
     }
 
     /* The texts of the attributes of an entry, each with a NUL: the name, the number of values, the values. In C heap;

@@ -128,8 +128,8 @@ class Config:
         record = found[0]
         result = Result(ffi.gc(record, _free), self._encoding)
         entries = []
-        while record:
-            entries.append(Entry(record, result))
+        for dn in result.texts(lib.dnsOf, record):
+            entries.append(Entry(dn, record, result))
             record = record.next
         return entries
 

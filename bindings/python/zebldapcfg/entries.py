@@ -2,7 +2,7 @@
 
 from __future__ import annotations
 
-from collections.abc import Iterator, Mapping
+from collections.abc import Callable, Iterator, Mapping
 from typing import Any, NamedTuple
 
 from ._native import ffi, lib
@@ -14,41 +14,39 @@ class Result(NamedTuple):
     records: Any
     encoding: str
 
-    def decoded(self, text: bytes) -> str:
-        return text.decode(self.encoding, "surrogateescape")
+    def texts(self, fetch: Callable[[Any, Any], Any], record: Any) -> list[str]:
+        """The texts that a call puts into one block, each with a NUL. A call for each would take several times as long."""
+        size = ffi.new("size_t *")
+        block = fetch(record, size)
+        if not block:
+            raise MemoryError
+        texts: bytes = ffi.unpack(block, size[0])
+        lib.free(block)
+        return texts.decode(self.encoding, "surrogateescape").split("\0")[:-1]
 
 
 class Entry(Mapping[str, tuple[str, ...]]):
     """An entry: its DN, and its attributes with their values. Names are taken without regard to case.
 
-    It lives on after the configuration is closed. Its texts are made when they are first asked for.
+    It lives on after the configuration is closed. Its attributes are made when one is first asked for.
     """
 
-    __slots__ = ("_record", "_result", "_attributes")
+    __slots__ = ("dn", "_record", "_result", "_attributes")
 
-    def __init__(self, record: Any, result: Result) -> None:
+    def __init__(self, dn: str, record: Any, result: Result) -> None:
+        self.dn = dn
         self._record = record
         self._result = result
         self._attributes: dict[str, tuple[str, tuple[str, ...]]] | None = None
 
-    @property
-    def dn(self) -> str:
-        """The DN, as the library writes it."""
-        return self._result.decoded(ffi.string(self._record.text))
-
-    # By their names in small letters. One call fetches all texts: a call for each would take several times as long.
+    # By their names in small letters.
     def _read(self) -> dict[str, tuple[str, tuple[str, ...]]]:
         if self._attributes is not None:
             return self._attributes
-        size = ffi.new("size_t *")
-        block = lib.textsBelow(self._record, size)
-        if not block:
-            raise MemoryError
-        texts = self._result.decoded(ffi.unpack(block, size[0])).split("\0")
-        lib.free(block)
+        texts = self._result.texts(lib.textsBelow, self._record)
         self._attributes = {}
         at = 0
-        while at < len(texts) - 1:
+        while at < len(texts):
             name, count = texts[at], int(texts[at + 1])
             at += 2 + count
             self._attributes[name.lower()] = name, tuple(texts[at - count : at])
