@@ -14,6 +14,7 @@ if [ -n "${EMULATOR-}" ]; then
     times='%i %y'
     plain() {
         LC_ALL=C sed -E 's/\r$//; :next; s,(Z:[^ \\]*)\\,\1/,; t next; s,Z:/,/,g; s/icacls FILE.*/chmod o-r keeps others out/
+            s,copy /b ([^ ]*)\+\,\,,touch \1,
             s/No Such (Object|Attribute)/No such \L\1/; s/Not allowed on Non-leaf/Operation not allowed on non-leaf/'
     }
     cat >"$directory/tool" <<END
