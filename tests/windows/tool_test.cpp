@@ -12,19 +12,17 @@ namespace {
 
 using namespace std::chrono_literals;
 
-std::vector<std::string> namesIn(const TempDirectory& directory)
-{
-    std::vector<std::string> found;
-    for (const auto& item : std::filesystem::directory_iterator(directory.path))
-        found.push_back(item.path().filename().string());
-    std::sort(found.begin(), found.end());
-    return found;
-}
-
 struct ToolTest : testing::Test {
     ToolTest() { std::filesystem::copy_file(ZEBCFG_SMALL_CONF, file); }
 
-    std::vector<std::string> names() const { return namesIn(directory); }
+    std::vector<std::string> names() const
+    {
+        std::vector<std::string> found;
+        for (const auto& item : std::filesystem::directory_iterator(directory.path))
+            found.push_back(item.path().filename().string());
+        std::sort(found.begin(), found.end());
+        return found;
+    }
     bool holds(const std::string& line) const { return readText(file).find('\n' + line + '\n') != std::string::npos; }
     std::string access(const std::string& name) const
     {
@@ -42,24 +40,18 @@ struct ToolTest : testing::Test {
     const std::string file = directory / "zebslapd.conf";
 };
 
-const std::vector<std::string> fileAlone = {"zebslapd.conf"};
 const std::vector<std::string> fileAndBackup = {"zebslapd.conf", "zebslapd.conf.bak"};
 const std::string setPort = "set cn=Configuration zeb-slapdPort=";
 
-// A file that is open, and what others may do with it meanwhile.
+// A file that is open, and that others may only read meanwhile.
 struct OpenFile {
-    OpenFile(const std::string& name, DWORD access, DWORD share, DWORD disposition = OPEN_EXISTING, DWORD flags = 0)
-        : handle(CreateFileA(name.c_str(), access, share, nullptr, disposition, flags, nullptr))
+    explicit OpenFile(const std::string& name, DWORD access = GENERIC_READ)
+        : handle(CreateFileA(name.c_str(), access, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr))
     {
         EXPECT_NE(handle, INVALID_HANDLE_VALUE) << name;
     }
     OpenFile(const OpenFile&) = delete;
     ~OpenFile() { CloseHandle(handle); }
-    void write(const std::string& text) const
-    {
-        DWORD count = 0;
-        EXPECT_NE(WriteFile(handle, text.data(), static_cast<DWORD>(text.size()), &count, nullptr), FALSE);
-    }
     const HANDLE handle;
 };
 
@@ -163,14 +155,14 @@ TEST_F(ToolTest, AKillLeavesTheOldOrTheNewFileAndNoLock)
 TEST_F(ToolTest, AFileInUseIsWaitedForButNotForEver)
 {
     std::thread reader([&] {
-        const OpenFile open(file, GENERIC_READ, FILE_SHARE_READ);
+        const OpenFile open(file);
         std::this_thread::sleep_for(1500ms);
     });
     const Tool patient(file, setPort + "1");
     EXPECT_EQ(patient.status(), 0U) << patient.output();
     reader.join();
     const std::string before = readText(file);
-    const OpenFile open(file, GENERIC_READ, FILE_SHARE_READ);
+    const OpenFile open(file);
     const Tool refused(file, setPort + "2");
     EXPECT_EQ(refused.status(), 50U);
     EXPECT_NE(refused.output().find("another program has it open (50)"), std::string::npos) << refused.output();
@@ -201,18 +193,15 @@ TEST_F(ToolTest, ProtectionStays)
 TEST_F(ToolTest, AnEditorIsAProgramWithArguments)
 {
     const TempDirectory programs;
-    writeText(programs / "e d.cmd", "@echo zeb-slapdSetenv: %1=>>%2\r\n");
-    const std::string usual = std::filesystem::temp_directory_path().string();
+    const std::string left = directory / "left";
+    writeText(programs / "e d.cmd", "@echo zeb-slapdSetenv: %1=>>%2\r\n@echo %2>" + left);
     SetEnvironmentVariableA("EDITOR", ('"' + (programs / "e d.cmd") + "\" EDITED").c_str());
-    SetEnvironmentVariableA("TMP", programs.path.c_str());
-    {
-        const Tool tool(file, "edit \"cn=Front End,cn=Configuration\"");
-        EXPECT_EQ(tool.status(), 0U) << tool.output();
-    }
-    SetEnvironmentVariableA("TMP", usual.c_str());
+    const Tool tool(file, "edit \"cn=Front End,cn=Configuration\"");
+    EXPECT_EQ(tool.status(), 0U) << tool.output();
     EXPECT_TRUE(holds("zeb-slapdSetenv: EDITED=")) << readText(file);
-    for (const std::string& name : namesIn(programs))
-        EXPECT_NE(name.rfind("zebcfg-", 0), 0U) << name;
+    const std::filesystem::path copy = readText(left).substr(0, readText(left).find_first_of("\r\n"));
+    EXPECT_NE(copy.string(), "");
+    EXPECT_FALSE(exists(copy.parent_path())) << copy;
 }
 
 TEST_F(ToolTest, APasswordComesFromAPipeAndTextInAnyScript)
@@ -231,8 +220,8 @@ TEST_F(ToolTest, APasswordComesFromAPipeAndTextInAnyScript)
 TEST_F(ToolTest, ABreakDuringAWaitLeavesNoFile)
 {
     const std::string holder = "process 1 of root since 2026-01-31 12:00:00";
-    const OpenFile lock(file + ".lock", GENERIC_WRITE | DELETE, FILE_SHARE_READ, CREATE_NEW, FILE_FLAG_DELETE_ON_CLOSE);
-    lock.write("zebcfg lock\n" + holder + '\n');
+    writeText(file + ".lock", "zebcfg lock\n" + holder + '\n');
+    const OpenFile lock(file + ".lock", GENERIC_WRITE);
     const Tool tool(file, "--wait 60 " + setPort + "1");
     EXPECT_TRUE(tool.says("waiting for " + holder)) << tool.output();
     tool.interrupt(CTRL_BREAK_EVENT);
