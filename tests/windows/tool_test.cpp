@@ -12,6 +12,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
+constexpr SECURITY_INFORMATION accessList = DACL_SECURITY_INFORMATION;
+
 struct ToolTest : testing::Test {
     ToolTest() { std::filesystem::copy_file(ZEBCFG_SMALL_CONF, file); }
 
@@ -24,14 +26,14 @@ struct ToolTest : testing::Test {
         return found;
     }
     bool holds(const std::string& line) const { return readText(file).find('\n' + line + '\n') != std::string::npos; }
-    std::string access(const std::string& name) const
+    static std::string access(const std::string& name)
     {
         alignas(SECURITY_DESCRIPTOR) char descriptor[4096] = {};
         DWORD size = sizeof descriptor;
         char* text = nullptr;
-        EXPECT_NE(GetFileSecurityA(name.c_str(), DACL_SECURITY_INFORMATION, descriptor, size, &size), FALSE);
-        EXPECT_NE(ConvertSecurityDescriptorToStringSecurityDescriptorA(descriptor, SDDL_REVISION_1,
-                                                                       DACL_SECURITY_INFORMATION, &text, nullptr),
+        EXPECT_NE(GetFileSecurityA(name.c_str(), accessList, descriptor, size, &size), FALSE);
+        EXPECT_NE(ConvertSecurityDescriptorToStringSecurityDescriptorA(descriptor, SDDL_REVISION_1, accessList, &text,
+                                                                       nullptr),
                   FALSE);
         return text != nullptr ? text : "";
     }
@@ -55,10 +57,10 @@ struct OpenFile {
     const HANDLE handle;
 };
 
-// A process with a console of its own, that nobody sees.
+// A process without a console: one that is killed would leave its own behind. An editor needs one, which nobody sees.
 class Tool {
 public:
-    Tool(const std::string& file, const std::string& words)
+    Tool(const std::string& file, const std::string& words, DWORD flags = DETACHED_PROCESS)
     {
         SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
         const HANDLE out =
@@ -69,9 +71,9 @@ public:
         setup.hStdOutput = setup.hStdError = out;
         const std::string line = "\"" ZEBCFG_TOOL "\" -F \"" + file + "\" " + words;
         std::wstring wide = std::filesystem::u8path(line).wstring();
-        EXPECT_NE(CreateProcessW(nullptr, wide.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW, nullptr, nullptr,
-                                 &setup, &process),
-                  FALSE);
+        EXPECT_NE(
+            CreateProcessW(nullptr, wide.data(), nullptr, nullptr, TRUE, flags, nullptr, nullptr, &setup, &process),
+            FALSE);
         CloseHandle(out);
     }
     Tool(const Tool&) = delete;
@@ -95,7 +97,8 @@ public:
         auto* const routine = GetProcAddress(GetModuleHandleA("kernelbase"), "CtrlRoutine");
         const HANDLE thread = CreateRemoteThread(
             process.hProcess, nullptr, 0, reinterpret_cast<LPTHREAD_START_ROUTINE>(reinterpret_cast<void*>(routine)),
-            reinterpret_cast<void*>(std::uintptr_t{event}), 0, nullptr);
+            reinterpret_cast<void*>(std::uintptr_t{event}),  // NOLINT(performance-no-int-to-ptr)
+            0, nullptr);
         EXPECT_NE(thread, nullptr);
         CloseHandle(thread);
     }
@@ -119,7 +122,7 @@ TEST_F(ToolTest, TwoWritersLoseNoUpdate)
     const auto write = [&](const char* name) {
         for (int i = 0; i < 5; ++i) {
             const Tool tool(file,
-                            "set --add \"cn=Front End,cn=Configuration\" \"" + line(name, i).replace(15, 2, "=") + '"');
+                            R"(set --add "cn=Front End,cn=Configuration" ")" + line(name, i).replace(15, 2, "=") + '"');
             EXPECT_EQ(tool.status(), 0U) << tool.output();
         }
     };
@@ -177,7 +180,7 @@ TEST_F(ToolTest, ProtectionStays)
         PSECURITY_DESCRIPTOR wanted = nullptr;
         ASSERT_NE(ConvertStringSecurityDescriptorToSecurityDescriptorA(list.c_str(), SDDL_REVISION_1, &wanted, nullptr),
                   FALSE);
-        ASSERT_NE(SetFileSecurityA(file.c_str(), DACL_SECURITY_INFORMATION, wanted), FALSE);
+        ASSERT_NE(SetFileSecurityA(file.c_str(), accessList, wanted), FALSE);
         const std::string before = access(file);
         EXPECT_EQ(Tool(file, setPort + std::to_string(++port)).status(), 0U);
         EXPECT_EQ(access(file), before);
@@ -196,7 +199,7 @@ TEST_F(ToolTest, AnEditorIsAProgramWithArguments)
     const std::string left = directory / "left";
     writeText(programs / "e d.cmd", "@echo zeb-slapdSetenv: %1=>>%2\r\n@echo %2>" + left);
     SetEnvironmentVariableA("EDITOR", ('"' + (programs / "e d.cmd") + "\" EDITED").c_str());
-    const Tool tool(file, "edit \"cn=Front End,cn=Configuration\"");
+    const Tool tool(file, R"(edit "cn=Front End,cn=Configuration")", CREATE_NO_WINDOW);
     EXPECT_EQ(tool.status(), 0U) << tool.output();
     EXPECT_TRUE(holds("zeb-slapdSetenv: EDITED=")) << readText(file);
     const std::filesystem::path copy = readText(left).substr(0, readText(left).find_first_of("\r\n"));

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # run_case.sh TOOL SAMPLE CASE: runs the commands of a case, and compares what they do with what the case expects.
-# README.md tells how a case is written. A tool for Windows is run by the program EMULATOR: line ends, names of
-# files and the texts of the system's LDAP library are compared as they are on POSIX.
+# README.md tells how a case is written. A tool for Windows is run by the program EMULATOR, and finds editors in
+# PROGRAMS: line ends, names of files and the texts of the system's LDAP library are compared as they are on POSIX.
 set -euo pipefail
 tool=$(realpath "$1") sample=$(realpath "$2") case=$(realpath "$3") files=$(dirname "$(realpath "$0")")/files
 directory=$(mktemp -d)

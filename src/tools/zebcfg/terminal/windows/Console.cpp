@@ -127,7 +127,7 @@ bool changeMode(HANDLE handle, DWORD mode) noexcept
     DWORD before = 0;
     if (GetConsoleMode(handle, &before) == FALSE || SetConsoleMode(handle, mode) == FALSE)
         return false;
-    const auto free =
+    auto* const free =
         std::find_if(changedModes.begin(), changedModes.end(), [](const auto& change) { return !change.handle; });
     if (free != changedModes.end())
         *free = {handle, before};
