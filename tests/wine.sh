@@ -1,10 +1,10 @@
 #!/bin/sh
-# wine.sh PROGRAM [ARGUMENT...]: runs a program for Windows, with settings of its own in WINEPREFIX, or else in the build
-# tree of which the program's directory is a part. Temporary files are in memory: a disk would make the tests wait.
+# wine.sh PROGRAM [ARGUMENT...]: runs a program for Windows, with settings of its own in WINEPREFIX, or else in the
+# build tree that the program's directory is a part of. Temporary files are in memory: a disk would make the tests wait.
 if [ -z "${WINEPREFIX-}" ]; then
     tree=$(cd "$(dirname "${1-}")/.." && pwd)
     if [ ! -f "$tree/CMakeCache.txt" ]; then
-        echo "wine.sh: '${1-}' is not in a directory of a build tree: set WINEPREFIX to where wine may keep its settings" >&2
+        echo "wine.sh: '${1-}' is in no directory of a build tree: set WINEPREFIX, where wine keeps its settings" >&2
         exit 2
     fi
     WINEPREFIX=$tree/wine

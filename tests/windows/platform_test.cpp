@@ -15,6 +15,7 @@
 #include <tuple>
 
 static const TempDirectory directory;
+static constexpr int accessDenied = ERROR_ACCESS_DENIED, noTranslation = ERROR_NO_UNICODE_TRANSLATION;
 
 static constexpr std::string_view secret = "a clear password";
 static int leaks = 0;  // of blocks that were released with it at their start
@@ -54,7 +55,7 @@ TEST(Platform, GivesFullNamesThatFit)
     const ScopedLocale utf8;
     EXPECT_EQ(fullPathName("C:\\x/./\u6771", buffer, sizeof buffer), 0);
     EXPECT_STREQ(buffer, "C:\\x\\\u6771");
-    EXPECT_EQ(fullPathName("\xFF", buffer, sizeof buffer), ERROR_NO_UNICODE_TRANSLATION);
+    EXPECT_EQ(fullPathName("\xFF", buffer, sizeof buffer), noTranslation);
 }
 
 // Goes red where the end is written twice, or the text after a place in the file is taken from elsewhere.
@@ -225,7 +226,7 @@ TEST(Platform, KeepsTheTextsOfErrorsApart)
     EXPECT_STRNE(ldapErrorText(16), noObject.c_str());
     EXPECT_EQ(ldapErrorText(32), noObject);
     EXPECT_STREQ(ldapErrorText(999), ldapErrorText(-1));
-    EXPECT_NE(systemErrorText(ERROR_ACCESS_DENIED), systemErrorText(nameTooLong));
+    EXPECT_NE(systemErrorText(accessDenied), systemErrorText(nameTooLong));
     EXPECT_NE(systemErrorText(nameTooLong), "");
     EXPECT_EQ(systemErrorText(4242), "");
 }

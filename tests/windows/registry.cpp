@@ -10,7 +10,9 @@ constexpr const char* branch = "Software\\zebldapcfg-test";
 HKEY ownBranch()
 {
     HKEY key = nullptr;
-    EXPECT_EQ(RegDeleteTreeA(HKEY_CURRENT_USER, branch) & ~ERROR_FILE_NOT_FOUND, 0);
+    const LSTATUS removed = RegDeleteTreeA(HKEY_CURRENT_USER, branch);
+    const bool isGone = removed == ERROR_SUCCESS || removed == ERROR_FILE_NOT_FOUND;
+    EXPECT_TRUE(isGone);
     EXPECT_EQ(RegCreateKeyA(HKEY_CURRENT_USER, branch, &key), 0);
     EXPECT_EQ(RegOverridePredefKey(HKEY_LOCAL_MACHINE, key), 0);
     return key;

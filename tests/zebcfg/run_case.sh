@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # run_case.sh TOOL SAMPLE CASE: runs the commands of a case, and compares what they do with what the case expects.
-# README.md tells how a case is written. A tool for Windows is run by the program EMULATOR: line ends, names of
-# files and the texts of the system's LDAP library are compared as they are on POSIX.
+# README.md tells how a case is written. A tool for Windows is run by the program EMULATOR, and finds editors in
+# PROGRAMS: line ends, names of files and the texts of the system's LDAP library are compared as they are on POSIX.
 set -euo pipefail
 tool=$(realpath "$1") sample=$(realpath "$2") case=$(realpath "$3") files=$(dirname "$(realpath "$0")")/files
 directory=$(mktemp -d)
@@ -14,6 +14,7 @@ if [ -n "${EMULATOR-}" ]; then
     times='%i %y'
     plain() {
         LC_ALL=C sed -E 's/\r$//; :next; s,(Z:[^ \\]*)\\,\1/,; t next; s,Z:/,/,g; s/icacls FILE.*/chmod o-r keeps others out/
+            s,copy /b ([^ ]*)\+\,\,,touch \1,
             s/No Such (Object|Attribute)/No such \L\1/; s/Not allowed on Non-leaf/Operation not allowed on non-leaf/'
     }
     cat >"$directory/tool" <<END
@@ -23,6 +24,7 @@ $(declare -f plain)
 END
     chmod +x "$directory/tool"
     tool=$directory/tool
+    export WINEPATH=Z:${PROGRAMS//\//\\}  # where it looks for editors
 fi
 cat >"$directory/bin/zebcfg" <<END
 #!/bin/sh
@@ -46,7 +48,7 @@ same() { diff -u --label expected --label actual <(plain <"$1") <(plain <"$2") |
 
 # Runs the command of the last step, and compares.
 finish_step() {
-    [ -n "$command" ] || return 0
+    [ -n "$command" ] && { [ -z "$isPosix" ] || [ -z "${EMULATOR-}" ]; } || return 0
     rm -rf "$directory/before"
     cp -a "$work" "$directory/before"
     local before actual=0
@@ -74,7 +76,7 @@ finish_step() {
 
 start_step() {
     finish_step
-    command=${1-} status=0 result='' changed='' made=''
+    command=${1-} status=0 result='' changed='' made='' isPosix=''
     for name in input output errors; do : >"$directory/$name"; done
 }
 
@@ -105,6 +107,7 @@ for part in "$parts"/*; do
     made)
         made+=" $argument"
         ;;
+    posix) isPosix=yes ;;
     *) echo "there is no section $kind" && exit 1 ;;
     esac
 done

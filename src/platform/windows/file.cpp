@@ -107,11 +107,17 @@ std::string readDescriptor(const Handle& file)
     return descriptor;
 }
 
-FileProtection readProtection(const std::wstring& name, DWORD attributes)
+FileProtection protectionOf(const Handle& file, DWORD attributes)
 {
     constexpr DWORD carried = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_ENCRYPTED;
-    const Handle file = openFile(name, READ_CONTROL);
-    return {file.isOpen() ? readDescriptor(file) : std::string(), attributes & carried};
+    return {readDescriptor(file), attributes & carried};
+}
+
+// Not everybody who may ask for the time of a file may read its protection.
+Handle openForStatus(const std::wstring& name)
+{
+    Handle file = openFile(name, FILE_READ_ATTRIBUTES | READ_CONTROL);
+    return file.isOpen() ? std::move(file) : openFile(name, FILE_READ_ATTRIBUTES);
 }
 
 Handle createFile(const std::wstring& name, const FileProtection& before, void* descriptor) noexcept
@@ -210,13 +216,12 @@ bool isSameIndex(const Information& left, const Information& right) noexcept
 
 int readFileStatus(const std::string& name, FileStatus& status)
 {
-    const std::wstring wide = wideName(name);
-    const Handle file = openFile(wide, FILE_READ_ATTRIBUTES);
+    const Handle file = openForStatus(wideName(name));
     if (!file.isOpen())
         return errnoOf(GetLastError());
     Information information = {};
     const bool isRegular = isRegularFile(file, information);
-    status = {secondsOf(information.ftLastWriteTime), isRegular, readProtection(wide, information.dwFileAttributes)};
+    status = {secondsOf(information.ftLastWriteTime), isRegular, protectionOf(file, information.dwFileAttributes)};
     return 0;
 }
 

@@ -151,7 +151,6 @@ std::optional<Login> Call::login() const
 bool Call::hasColor(int descriptor) const
 {
     const std::string when = value("color", "auto");
-    if (when != "auto")
-        return when == "always";
-    return environmentValue("NO_COLOR").empty() && showsColor(descriptor);
+    const bool isWanted = when == "always" || (when == "auto" && environmentValue("NO_COLOR").empty());
+    return isWanted && (showsColor(descriptor) || when == "always");
 }

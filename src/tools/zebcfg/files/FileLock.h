@@ -9,7 +9,8 @@
 #include <string>
 
 // Held as long as it lives. The lock file, FILE.lock, names its holder, and is removed at the end. One that a killed
-// process has left is replaced; one that is not the tool's is never touched.
+// process has left is replaced; one that is not the tool's is never touched. On Windows it is open without sharing, but
+// for reading, so that others learn who holds it: they can neither write nor remove it, nor open it as a holder does.
 class FileLock {
 public:
     // Waits for another holder, and then throws Failure (51). While isDue says no for the path, the lock is neither

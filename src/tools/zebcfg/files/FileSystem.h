@@ -21,6 +21,7 @@ struct FileInfo {
     std::int64_t size = 0;    // in bytes
     std::int64_t time = 0;    // of its last change, in seconds since 1970
     long nanoseconds = 0;     // the rest of the time
+    bool isFixed = false;     // it can be neither written nor replaced: the attribute that Windows has for that
     Protection protection;
 };
 
@@ -40,6 +41,8 @@ bool isReadable(const std::string& name);
 // Whether every user may read a file, and what keeps them out.
 bool isPublic(const Protection& protection);
 extern const char* const privacyAdvice;
+// What sets the time of a file to now.
+std::string touchCommand(const std::string& name);
 // Where the registry has the install location.
 extern const char* const installPlace;
 

@@ -79,7 +79,7 @@ bool LiveFile::isCurrent() const
 std::string LiveFile::damage(const std::string& backupName) const
 {
     if (read.time == 0)
-        return "the file has the modification time 0, so every program treats it as empty; run: touch " + shown;
+        return "the file has the modification time 0, so every program treats it as empty; run: " + touchCommand(shown);
     if (endsWhole(content) || !isReadableFile(backupName))
         return {};
     const std::string kept = readFile(backupName, backupName);

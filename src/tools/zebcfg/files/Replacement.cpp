@@ -45,6 +45,13 @@ void requireUsableBackup(const std::string& name, const LiveFile& file)
                       file.shownName());
 }
 
+// The file as the model of what replaces it.
+Model replaceableModel(const LiveFile& file, const Handling& handling)
+{
+    requireReplaceable(file, handling);
+    return {file.path(), file.info()};
+}
+
 }  // namespace
 
 bool isPartOfUpdate(const std::string& name, const std::string& file, const std::string& backup, int generations)
@@ -61,6 +68,9 @@ void requireReplaceable(const LiveFile& file, const Handling& handling)
 {
     for (int i = 1; !handling.backup.empty() && i <= handling.generations; ++i)
         requireUsableBackup(generationName(handling.backup, i), file);
+    if (file.info().isFixed)
+        throw Failure(LDAP_UNWILLING_TO_PERFORM, "the file is read-only; attrib -r lets it be changed",
+                      file.shownName());
     if (file.info().names > 1 && !handling.isForced)
         throw Failure(LDAP_UNWILLING_TO_PERFORM,
                       "the file has " + std::to_string(file.info().names) +
@@ -71,9 +81,8 @@ void requireReplaceable(const LiveFile& file, const Handling& handling)
 Replacement::Replacement(const std::string& name, const Handling& wanted)
     : handling(wanted), lock(resolvedName(name), wanted.wait, &isDue, wanted.note), file(name, wanted.presence),
       backup(file.isMissing() ? "" : wanted.backup, wanted.generations),
-      working(siblingOf(file.path()), {file.path(), file.info()})
+      working(siblingOf(file.path()), replaceableModel(file, handling))
 {
-    requireReplaceable(file, handling);
     backup.recover(file.text());
 }
 

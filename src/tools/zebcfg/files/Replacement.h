@@ -44,8 +44,8 @@ private:
 // Whether an update of the file writes to that name or removes it.
 bool isPartOfUpdate(const std::string& name, const std::string& file, const std::string& backup, int generations);
 
-// Throws Failure for a file whose other names would keep the old text, unless that is forced, and for a backup name
-// that is neither free nor that of another regular file.
+// Throws Failure for a file that is read-only, for one whose other names would keep the old text, unless that is
+// forced, and for a backup name that is neither free nor that of another regular file.
 void requireReplaceable(const LiveFile& file, const Handling& handling);
 
 // Puts a copy of another file, with its owner and mode, where there is none. Throws Failure.

@@ -9,7 +9,7 @@ constexpr int outputStream = 1;
 constexpr int errorStream = 2;
 
 bool isTerminal(int stream) noexcept;
-// Whether it is a terminal that knows colours.
+// Whether it is a terminal that shows colours, once it has been told to where it needs that.
 bool showsColor(int stream) noexcept;
 
 // A stream that is closed would give its number to the next file that is opened, and messages would go into that file.

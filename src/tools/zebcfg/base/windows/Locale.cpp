@@ -1,5 +1,7 @@
 #include "base/Locale.h"
 
+#include "base/Failure.h"
+
 #include <clocale>
 #include <cstdlib>
 #include <cstring>
@@ -83,7 +85,9 @@ std::vector<std::string> localArguments(int argc, char** argv)
     if (words == nullptr)
         return {argv, argv + argc};
     std::vector<std::string> arguments;
-    for (int i = 0; i < count; ++i)
-        (void)narrow(codePage(), words.get()[i], arguments.emplace_back());
+    for (int i = 0; i < count; ++i) {
+        if (!narrow(codePage(), words.get()[i], arguments.emplace_back()))
+            throw Failure(0, "word " + std::to_string(i) + " of the command line has characters that the locale lacks");
+    }
     return arguments;
 }

@@ -20,6 +20,11 @@ const char* const privacyAdvice = "chmod o-r keeps others out";
 const char* const installPlace = ZEBCFG_REGISTRY "/SOFTWARE/ZEB/LDAP/Client/LDAPHome";
 const char* const separators = "/";
 
+std::string touchCommand(const std::string& name)
+{
+    return "touch " + name;
+}
+
 namespace {
 
 constexpr mode_t permissions = 07777;

@@ -11,7 +11,6 @@
 
 namespace {
 
-// While it is open, others may read it, so that a message names the holder to whoever waits.
 constexpr DWORD exclusive = GENERIC_READ | GENERIC_WRITE | DELETE;
 
 int openExclusively(const std::string& name, DWORD disposition, DWORD flags)
@@ -25,6 +24,32 @@ try {
     return readFile(name, name);
 } catch (const Failure&) {
     return {};
+}
+
+// Whether a process holds a lock that could not be opened, though this user may perhaps only read it.
+bool isHeld(const std::string& name)
+{
+    if (errno == ETXTBSY)
+        return true;
+    const Descriptor there(openFile(name, GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL));
+    return !there.isOpen() && errno == ETXTBSY;
+}
+
+bool removeOnClose(const Descriptor& file)
+{
+    FILE_DISPOSITION_INFO disposition = {TRUE};
+    if (file.isOpen())
+        return SetFileInformationByHandle(handleOf(file.get()), FileDispositionInfo, &disposition,
+                                          sizeof disposition) != FALSE ||
+               failed();
+    errno = EACCES;
+    return false;
+}
+
+bool isRegular(const std::string& name)
+{
+    FileInfo info;
+    return readOwnInfo(name, info) && info.kind == FileKind::regular;
 }
 
 }  // namespace
@@ -55,17 +80,13 @@ bool FileLock::removeLeftover(const std::string& path)
     const Descriptor there(openExclusively(path, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL));
     if (!there.isOpen() && errno == ENOENT)
         return true;
-    if (!there.isOpen() && errno == ETXTBSY) {
-        (void)readHolder(textOf(path));
-        return false;
-    }
-    FileInfo info;
-    const bool isRegular = there.isOpen() && readInfo(there.get(), info) && info.kind == FileKind::regular;
-    if (!readHolder(isRegular ? readAll(there.get(), path) : ""))
+    const bool isTaken = !there.isOpen() && isHeld(path);
+    const std::string text = isTaken || isRegular(path) ? textOf(path) : "";
+    if (!readHolder(text) && (!isTaken || !text.empty()))
         throw foreign();
-    FILE_DISPOSITION_INFO disposition = {TRUE};
-    if (SetFileInformationByHandle(handleOf(there.get()), FileDispositionInfo, &disposition, sizeof disposition) ==
-        FALSE)
+    if (isTaken)
+        return false;
+    if (!removeOnClose(there))
         throw systemFailure(LDAP_INSUFFICIENT_ACCESS, "cannot remove the lock file " + path + ", left by " + holder);
     return true;
 }

@@ -13,11 +13,14 @@
 #include <io.h>
 #include <platform.h>
 
-#include <sddl.h>
-
 const char* const privacyAdvice = "icacls FILE /inheritance:r keeps those out who have inherited the right";
 const char* const installPlace = R"(HKEY_LOCAL_MACHINE\SOFTWARE\ZEB\LDAP\Client\LDAPHome)";
 const char* const separators = "\\/:";
+
+std::string touchCommand(const std::string& name)
+{
+    return "copy /b " + name + "+,,";
+}
 
 namespace {
 
@@ -46,6 +49,7 @@ bool readInfoOf(HANDLE handle, FileInfo& info)
     info.device = found.dwVolumeSerialNumber;
     info.index = joined(found.nFileIndexHigh, found.nFileIndexLow);
     info.names = found.nNumberOfLinks;
+    info.isFixed = (found.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0;
     info.size = static_cast<std::int64_t>(joined(found.nFileSizeHigh, found.nFileSizeLow));
     const auto units =
         static_cast<std::int64_t>(joined(found.ftLastWriteTime.dwHighDateTime, found.ftLastWriteTime.dwLowDateTime));
@@ -63,23 +67,22 @@ bool readInfoWith(const std::string& name, DWORD flags, FileInfo& info)
     return file.isOpen() && readInfoOf(handleOf(file.get()), info);
 }
 
-// Another program may look at a file that has just been written, a search for viruses for one.
-template <typename Call>
-bool withPatience(Call call) noexcept
-try {
-    constexpr int most = 50;
-    constexpr DWORD pause = 20;  // milliseconds
-    for (int i = 0;; ++i) {
-        if (call())
-            return true;
-        const DWORD error = GetLastError();
-        if ((error != ERROR_SHARING_VIOLATION && error != ERROR_ACCESS_DENIED) || i == most)
-            return failed();
-        Sleep(pause);
-    }
-} catch (const std::exception&) {
-    errno = ENOMEM;
-    return false;
+// Whether a file whose place could not be taken, "access denied", is open in another program: it may be removed itself.
+bool isInUse(const std::string& name)
+{
+    FileInfo info;
+    const Descriptor file(
+        openFile(name, DELETE | FILE_READ_ATTRIBUTES, shareAll, OPEN_EXISTING, anyFile | FILE_FLAG_OPEN_REPARSE_POINT));
+    if (!file.isOpen())
+        return errno == ETXTBSY;
+    return readInfoOf(handleOf(file.get()), info) && info.kind == FileKind::regular && !info.isFixed;
+}
+
+bool moveNow(const std::string& name, const std::string& other)
+{
+    return MoveFileExW(wideName(name).c_str(), wideName(other).c_str(),
+                       MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != FALSE ||
+           failed();
 }
 
 }  // namespace
@@ -121,14 +124,7 @@ bool isReadable(const std::string& name)
 // Everyone, whoever has logged in, and the group of all users.
 bool isPublic(const Protection& protection)
 {
-    std::string descriptor = protection.descriptor;
-    wchar_t* text = nullptr;
-    if (descriptor.empty() ||
-        ConvertSecurityDescriptorToStringSecurityDescriptorW(descriptor.data(), SDDL_REVISION_1,
-                                                             DACL_SECURITY_INFORMATION, &text, nullptr) == FALSE)
-        return false;
-    const std::wstring list = text;
-    LocalFree(text);
+    const std::wstring list = accessListOf(protection.descriptor);
     const auto allows = [&](const wchar_t* who) {
         for (auto place = list.find(L"(A;"); place != std::wstring::npos; place = list.find(L"(A;", place + 1)) {
             const std::wstring entry = list.substr(place, list.find(L')', place) - place);
@@ -155,14 +151,18 @@ int openOrCreate(const std::string& name)
     return openFile(name, GENERIC_WRITE, shareAll, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, privateDescriptor());
 }
 
-// The library's way to carry the protection over, which is whole at once.
+// The protection is whole at once. Another's file cannot be made: it becomes this user's, and the same have access.
 int createFile(const std::string& name, const Protection& like)
 {
-    if (!writeFile(name, {}, like)) {
-        (void)failed();
-        return -1;
-    }
-    return openFile(name, GENERIC_READ | GENERIC_WRITE, shareAll, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL);
+    const auto create = [&](const std::string& descriptor) {
+        return openFile(name, GENERIC_READ | GENERIC_WRITE, shareAll, CREATE_NEW,
+                        like.attributes != 0 ? like.attributes : FILE_ATTRIBUTE_NORMAL, descriptor);
+    };
+    const int file = create(like.descriptor);
+    const DWORD error = GetLastError();
+    if (file >= 0 || (error != ERROR_INVALID_OWNER && error != ERROR_INVALID_PRIMARY_GROUP))
+        return file;
+    return create(descriptorWith(accessListOf(like.descriptor)));
 }
 
 int createUnique(std::string& pattern)
@@ -228,12 +228,22 @@ try {
     return false;
 }
 
+// Another program may have one of the files open for a moment: a server that starts, or a search for viruses.
 bool moveOver(const std::string& name, const std::string& other) noexcept
-{
-    return withPatience([&] {
-        return MoveFileExW(wideName(name).c_str(), wideName(other).c_str(),
-                           MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != FALSE;
-    });
+try {
+    constexpr int most = 100;
+    constexpr DWORD pause = 20;  // milliseconds
+    for (int i = 0; !moveNow(name, other); ++i) {
+        if (errno == EACCES)
+            errno = isInUse(other) ? ETXTBSY : EACCES;
+        if (errno != ETXTBSY || i == most)
+            return false;
+        Sleep(pause);
+    }
+    return true;
+} catch (const std::exception&) {
+    errno = ENOMEM;
+    return false;
 }
 
 bool addName(const std::string& name, const std::string& other) noexcept

@@ -11,6 +11,14 @@
 
 #include <sddl.h>
 
+extern "C" LONG NTAPI RtlGetLastNtStatus();  // declared by no header
+
+namespace {
+
+constexpr auto deletePending = static_cast<LONG>(0xC0000056);  // reported as ERROR_ACCESS_DENIED
+
+}  // namespace
+
 bool failed() noexcept
 {
     switch (GetLastError()) {
@@ -35,7 +43,7 @@ bool failed() noexcept
         break;
     case ERROR_ACCESS_DENIED:
     case ERROR_WRITE_PROTECT:
-        errno = EACCES;
+        errno = RtlGetLastNtStatus() == deletePending ? ETXTBSY : EACCES;
         break;
     case ERROR_DISK_FULL:
     case ERROR_HANDLE_DISK_FULL:
@@ -110,10 +118,26 @@ std::wstring userIdentity()
 
 std::string privateDescriptor()
 {
-    const std::wstring text = L"D:P(A;OICI;FA;;;" + userIdentity() + L")";
+    return descriptorWith(L"D:P(A;OICI;FA;;;" + userIdentity() + L")");
+}
+
+std::wstring accessListOf(std::string descriptor)
+{
+    wchar_t* made = nullptr;
+    if (descriptor.empty() ||
+        ConvertSecurityDescriptorToStringSecurityDescriptorW(descriptor.data(), SDDL_REVISION_1,
+                                                             DACL_SECURITY_INFORMATION, &made, nullptr) == FALSE)
+        return {};
+    const std::unique_ptr<wchar_t, decltype(&LocalFree)> owner(made, &LocalFree);
+    return made;
+}
+
+std::string descriptorWith(const std::wstring& accessList)
+{
     void* made = nullptr;
     DWORD size = 0;
-    if (ConvertStringSecurityDescriptorToSecurityDescriptorW(text.c_str(), SDDL_REVISION_1, &made, &size) == FALSE)
+    if (ConvertStringSecurityDescriptorToSecurityDescriptorW(accessList.c_str(), SDDL_REVISION_1, &made, &size) ==
+        FALSE)
         return {};
     const std::unique_ptr<void, decltype(&LocalFree)> owner(made, &LocalFree);
     return {static_cast<const char*>(made), size};

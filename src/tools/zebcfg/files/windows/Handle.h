@@ -9,7 +9,8 @@
 // What others may do with an open file: all, for the name of a file is free again only when it is closed.
 constexpr DWORD shareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
-// Sets errno for what the last call has failed with. Gives false.
+// Sets errno for what the last call has failed with. Gives false. ETXTBSY: another program has the file open, or it is
+// removed and will be gone once that is no longer so.
 bool failed() noexcept;
 
 // A descriptor that owns the handle; negative, with the reason in errno, for an invalid one.
@@ -21,6 +22,10 @@ std::string nameOf(HANDLE handle);
 
 // A security descriptor in its self-relative form that lets in this user alone, also to what is made in a directory.
 std::string privateDescriptor();
+// The list of a descriptor that says who has access, as a text, and a descriptor with such a list alone; empty when it
+// cannot be told.
+std::wstring accessListOf(std::string descriptor);
+std::string descriptorWith(const std::wstring& accessList);
 
 // The directory for temporary files, with its separator.
 std::string temporaryDirectory();

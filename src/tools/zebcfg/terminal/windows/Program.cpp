@@ -7,6 +7,7 @@
 #include <memory>
 
 #include <codePage.h>
+#include <fileName.h>
 
 const char* const usualEditor = "notepad";
 
@@ -55,9 +56,11 @@ HANDLE start(const std::vector<std::string>& words)
 
 }  // namespace
 
-// Quotation marks hold a word with blanks together.
+// Quotation marks hold a word with blanks together. The name of a program needs none.
 std::vector<std::string> wordsOf(const std::string& command)
 {
+    if (GetFileAttributesW(wideName(command).c_str()) != INVALID_FILE_ATTRIBUTES)
+        return {command};
     std::vector<std::string> words;
     bool isQuoted = false;
     bool isOpen = false;  // the last word

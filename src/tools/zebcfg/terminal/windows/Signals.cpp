@@ -1,5 +1,6 @@
 #include "terminal/Signals.h"
 
+#include "Console.h"
 #include "terminal/Progress.h"
 
 #include <algorithm>
@@ -8,7 +9,6 @@
 #include <vector>
 
 #include <fileName.h>
-#include <windows.h>
 
 namespace {
 
@@ -25,7 +25,7 @@ std::vector<std::wstring>& namesToRemove()
     return names;
 }
 
-// The lock is never released: the process ends with the next handler, that of the system.
+// The lock is never released: the process ends here, with the status that the system's own handler would give it.
 BOOL WINAPI removeAndEnd(DWORD /*event*/)
 {
     working().lock();
@@ -35,6 +35,8 @@ BOOL WINAPI removeAndEnd(DWORD /*event*/)
         (void)RemoveDirectoryW(name.c_str());  // Only a folder for an editor is empty now.
     }
     eraseProgress();
+    restoreConsole();
+    TerminateProcess(GetCurrentProcess(), STATUS_CONTROL_C_EXIT);
     return FALSE;
 }
 

@@ -1,23 +1,16 @@
 #include "terminal/StandardStreams.h"
 
+#include "Console.h"
+
 #include <cstdlib>
+#include <iostream>
+#include <optional>
 
 #include <codePage.h>
 #include <fcntl.h>
 #include <io.h>
-#include <windows.h>
 
 namespace {
-
-// What the console had before.
-UINT outputPage = 0;
-UINT inputPage = 0;
-
-void restorePages()
-{
-    SetConsoleOutputCP(outputPage);
-    SetConsoleCP(inputPage);
-}
 
 HANDLE handleOf(int stream) noexcept
 {
@@ -35,8 +28,11 @@ bool isTerminal(int stream) noexcept
 bool showsColor(int stream) noexcept
 {
     DWORD mode = 0;
-    return GetConsoleMode(handleOf(stream), &mode) != FALSE &&
-           SetConsoleMode(handleOf(stream), mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != FALSE;
+    if (GetConsoleMode(handleOf(stream), &mode) == FALSE)
+        return false;
+    if ((mode & ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0)
+        return true;
+    return changeMode(handleOf(stream), mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
 }
 
 void occupyStandardStreams() {}  // The C runtime gives their numbers to no other file.
@@ -45,11 +41,14 @@ void occupyStandardStreams() {}  // The C runtime gives their numbers to no othe
 // ends it.
 void prepareStandardStreams() noexcept
 {
-    outputPage = GetConsoleOutputCP();
-    inputPage = GetConsoleCP();
-    SetConsoleOutputCP(codePage());
-    SetConsoleCP(codePage());
-    (void)std::atexit(restorePages);
+    (void)std::atexit(restoreConsole);
+    usePage(codePage());
+    static std::optional<ConsoleBuffer> shownOutput;
+    static std::optional<ConsoleBuffer> shownErrors;
+    if (isTerminal(outputStream))
+        shownOutput.emplace(std::cout, handleOf(outputStream));
+    if (isTerminal(errorStream))
+        shownErrors.emplace(std::cerr, handleOf(errorStream));
     if (!isTerminal(inputStream))
         (void)::_setmode(inputStream, _O_BINARY);
 }
