@@ -1,9 +1,9 @@
 #include "files/FileLock.h"
 
-#include "Handle.h"
 #include "base/Failure.h"
 #include "files/Descriptor.h"
 #include "files/FileSystem.h"
+#include "files/windows/Handle.h"
 
 #include <cerrno>
 
@@ -67,7 +67,7 @@ bool FileLock::tryLock()
         throw systemFailure(LDAP_INSUFFICIENT_ACCESS, "cannot create the lock file " + name);
     try {
         writeAll(file, content(), "the lock file " + name);
-    } catch (const Failure&) {
+    } catch (...) {
         release();
         throw;
     }

@@ -1,9 +1,9 @@
 #include "files/WorkFolder.h"
 
-#include "Handle.h"
 #include "base/Failure.h"
 #include "files/Descriptor.h"
 #include "files/FileSystem.h"
+#include "files/windows/Handle.h"
 #include "terminal/Signals.h"
 
 #include <codePage.h>

@@ -1,9 +1,9 @@
 #include "terminal/Password.h"
 
-#include "Console.h"
 #include "base/Failure.h"
 #include "base/Wipe.h"
 #include "terminal/Signals.h"
+#include "terminal/windows/Console.h"
 
 #include <codePage.h>
 

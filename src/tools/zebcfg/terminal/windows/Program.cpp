@@ -1,7 +1,7 @@
 #include "terminal/Program.h"
 
-#include "Console.h"
 #include "base/Failure.h"
+#include "terminal/windows/Console.h"
 
 #include <cerrno>
 #include <memory>
