@@ -56,7 +56,7 @@ bool readInfoOf(HANDLE handle, FileInfo& info)
 // Not everybody who may ask for the time of a file may read its protection.
 bool readInfoWith(const std::string& name, DWORD flags, FileInfo& info)
 {
-    for (const DWORD access : {FILE_READ_ATTRIBUTES | READ_CONTROL, FILE_READ_ATTRIBUTES}) {
+    for (const DWORD access : {DWORD{FILE_READ_ATTRIBUTES | READ_CONTROL}, DWORD{FILE_READ_ATTRIBUTES}}) {
         const Descriptor file(openFile(name, access, shareAll, OPEN_EXISTING, anyFile | flags));
         if (file.isOpen())
             return readInfoOf(handleOf(file.get()), info);
