@@ -177,7 +177,7 @@ bool writeFile(const std::string& name, const std::vector<std::string_view>& pie
 
 bool renameFile(const std::string& name, const std::string& other)
 {
-    return MoveFileExW(wideName(name).c_str(), wideName(other).c_str(), MOVEFILE_COPY_ALLOWED) != FALSE;
+    return MoveFileExW(wideName(name).c_str(), wideName(other).c_str(), 0) != FALSE;
 }
 
 void removeFile(const std::string& name)
@@ -204,5 +204,6 @@ bool isSameFile(const std::string& name, const std::string& other)
     if (!isSameIndex(entryIs, otherIs))
         return isSameIndex(targetIs, otherIs);
     const std::wstring nameOfEntry = finalName(entry.get());
-    return entryIs.nNumberOfLinks == 1 || nameOfEntry.empty() || nameOfEntry == finalName(otherEntry.get());
+    const std::wstring nameOfOther = finalName(otherEntry.get());
+    return entryIs.nNumberOfLinks == 1 || nameOfEntry.empty() || nameOfOther.empty() || nameOfEntry == nameOfOther;
 }

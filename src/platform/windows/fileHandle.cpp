@@ -52,7 +52,7 @@ HANDLE createProtected(const std::wstring& name, DWORD access, DWORD share, cons
     };
     const HANDLE made = create(protection.descriptor);
     const DWORD error = GetLastError();
-    if (made != INVALID_HANDLE_VALUE || (error != ERROR_INVALID_OWNER && error != ERROR_INVALID_PRIMARY_GROUP))
+    if (made != INVALID_HANDLE_VALUE || error == ERROR_FILE_EXISTS || error == ERROR_ALREADY_EXISTS)
         return made;
     const std::string own = descriptorWith(accessListOf(protection.descriptor));
     return own.empty() ? INVALID_HANDLE_VALUE : create(own);

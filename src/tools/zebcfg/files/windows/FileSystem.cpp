@@ -28,7 +28,8 @@ namespace {
 
 constexpr DWORD anyFile = FILE_FLAG_BACKUP_SEMANTICS;  // a directory too
 
-bool readInfoOf(HANDLE handle, FileInfo& info)
+// A link counts as one where it was opened itself; other files may keep a mark of that kind.
+bool readInfoOf(HANDLE handle, FileInfo& info, bool isLink = false)
 {
     BY_HANDLE_FILE_INFORMATION found = {};
     const DWORD type = GetFileType(handle);
@@ -39,7 +40,7 @@ bool readInfoOf(HANDLE handle, FileInfo& info)
         return true;
     if (GetFileInformationByHandle(handle, &found) == FALSE)
         return failed();
-    constexpr DWORD noFile = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT;
+    const DWORD noFile = isLink ? FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT : FILE_ATTRIBUTE_DIRECTORY;
     info.kind = (found.dwFileAttributes & noFile) == 0 ? FileKind::regular : FileKind::other;
     info.device = found.dwVolumeSerialNumber;
     info.index = joined(found.nFileIndexHigh, found.nFileIndexLow);
@@ -59,7 +60,7 @@ bool readInfoWith(const std::string& name, DWORD flags, FileInfo& info)
     for (const DWORD access : {DWORD{FILE_READ_ATTRIBUTES | READ_CONTROL}, DWORD{FILE_READ_ATTRIBUTES}}) {
         const Descriptor file(openFile(name, access, shareAll, OPEN_EXISTING, anyFile | flags));
         if (file.isOpen())
-            return readInfoOf(handleOf(file.get()), info);
+            return readInfoOf(handleOf(file.get()), info, (flags & FILE_FLAG_OPEN_REPARSE_POINT) != 0);
     }
     return false;
 }
@@ -118,7 +119,7 @@ bool isReadable(const std::string& name)
     return Descriptor(openForReading(name)).isOpen();
 }
 
-// Everyone, whoever has logged in, and the group of all users.
+// Everyone, whoever has logged in, and the groups of all users, or no list at all.
 bool isPublic(const Protection& protection)
 {
     const std::wstring list = accessListOf(protection.descriptor);
@@ -130,7 +131,8 @@ bool isPublic(const Protection& protection)
         }
         return false;
     };
-    return allows(L";WD") || allows(L";AU") || allows(L";BU");
+    return list.find(L"NO_ACCESS_CONTROL") != std::wstring::npos || allows(L";DU") || allows(L";WD") ||
+           allows(L";AU") || allows(L";BU");
 }
 
 int openForReading(const std::string& name)

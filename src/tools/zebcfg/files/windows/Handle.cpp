@@ -1,5 +1,7 @@
 #include "files/windows/Handle.h"
 
+#include "base/Failure.h"
+
 #include <cerrno>
 #include <memory>
 #include <random>
@@ -126,7 +128,9 @@ std::string temporaryDirectory()
     std::string name;
     wchar_t wide[MAX_PATH + 1] = {};
     const DWORD length = GetTempPathW(MAX_PATH + 1, wide);
-    return length <= MAX_PATH && narrow(namePage(), {wide, length}, name) ? name : "";
+    if (length == 0 || length > MAX_PATH || !narrow(namePage(), {wide, length}, name))
+        throw Failure(0, "the directory for temporary files cannot be named in this locale; set TMP");
+    return name;
 }
 
 std::string anyCharacters()
