@@ -1,7 +1,7 @@
-# A toolchain for Windows, with the C runtime of the system (the universal one). The headers stay those of the older
-# runtime, for which the C++ library is made: its types are part of the interface of that library, and what the two
-# runtimes share is all that is used here. The compiler's own libraries are a part of what is made. The file that includes
-# this one names the processor and the prefix of the tools.
+# A toolchain for Windows. The file that includes this one sets the processor and the prefix of the tools. ucrt.specs
+# links the universal C runtime in place of the older one, which the compiler is configured for. The headers remain those
+# of the older one, because libstdc++ was compiled with them; only what both runtimes share is used. The compiler's
+# libraries are linked statically.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_C_COMPILER ${tools}-gcc-posix)
 set(CMAKE_CXX_COMPILER ${tools}-g++-posix)

@@ -144,5 +144,5 @@ TEST(Dn, SurvivesPrintingAndParsing)
         ASSERT_EQ(dn(once), dn(wide2multibyte(text)));
         ++printed;
     }
-    EXPECT_GT(printed, 9000);
+    EXPECT_GT(printed, sizeof(wchar_t) == 4 ? 10000 : 9000);  // halves of a surrogate pair are no text
 }

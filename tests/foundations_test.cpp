@@ -87,7 +87,7 @@ TEST(Codes, HaveTheirTexts)
         "One or more directories in path not found.\nDirectory access denied.\nValue is not a valid file name.\n"
         "File not found.\nFile access denied.\nError in plugin directive.\nPlugin library not found.\n"
         "Plugin library could not be loaded.\nCould not load init function from plugin library.\nUnknown error\n");
-    for (int code = firstLdapCode; code < lastLdapCode; ++code) {
+    for (int code = firstLdapCode; code <= lastLdapCode; ++code) {
         const std::string expected = ldap_err2string(libraryCode(code));  // from a buffer that it may share
         EXPECT_EQ(cfg_err2string(code), expected) << code;
     }

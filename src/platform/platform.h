@@ -12,15 +12,12 @@
 #include <utility>
 #include <vector>
 
-// The registry. On POSIX it is a directory tree below registryRoot(), keys as folders, values as files whose content,
-// less one final line feed, is the value.
+// The registry. On POSIX it is a directory tree below one that is fixed when the library is built, keys as folders,
+// values as files whose content, less one final line feed, is the value.
 //
 // Copies a value of a key below HKEY_LOCAL_MACHINE to a buffer of that many bytes, with a closing NUL. The parts of a
 // key are separated by "\". False when the value cannot be had or does not fit.
 bool readRegistry(const char* key, const char* value, char* buffer, std::size_t size) noexcept;
-
-// The directory that holds the registry on POSIX; fixed when the library is built.
-const char* registryRoot() noexcept;
 
 // The error number for a name that is too long; error numbers are those of Windows.
 constexpr int nameTooLong = 206;

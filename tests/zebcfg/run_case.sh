@@ -13,7 +13,8 @@ times='%i %x %y'
 if [ -n "${EMULATOR-}" ]; then
     times='%i %y'
     plain() {
-        LC_ALL=C sed -E 's/\r$//; :next; s,(Z:[^ \\]*)\\,\1/,; t next; s,Z:/,/,g; s/icacls FILE.*/chmod o-r keeps others out/
+        LC_ALL=C sed -E 's/\r$//; :next; s,(Z:[^ \\]*)\\,\1/,; t next; s,Z:/,/,g
+            s,icacls FILE /inheritance:d /remove:g \*S-1-1-0 \*S-1-5-11 \*S-1-5-32-545 keeps,chmod o-r keeps,
             s,copy /b ([^ ]*)\+\,\,,touch \1,
             s/No Such (Object|Attribute)/No such \L\1/; s/Not allowed on Non-leaf/Operation not allowed on non-leaf/'
     }

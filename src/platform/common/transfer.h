@@ -5,6 +5,8 @@
 #include "platform.h"
 
 #include <cstddef>
+#include <cstdint>
+#include <new>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,6 +20,8 @@ void enlarge(TextBuffer& content);
 template <typename Read>
 bool readToEnd(TextBuffer& content, std::size_t& length, std::size_t expected, Read read)
 {
+    if (expected == SIZE_MAX)
+        throw std::bad_alloc();
     content = TextBuffer(expected + 1);  // one more, to meet the end in the same read
     content.setSecret(true);
     for (length = 0;;) {

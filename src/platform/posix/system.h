@@ -23,6 +23,9 @@ struct FileProtection {
 
 using SystemLocale = locale_t;
 
+// The directory that holds the registry; fixed when the library is built.
+const char* registryRoot() noexcept;
+
 // The lower case of a byte beyond ASCII in the locale.
 inline int lowerCase(int byte) noexcept
 {

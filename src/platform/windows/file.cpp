@@ -1,5 +1,6 @@
 #include "platform.h"
 
+#include "fileHandle.h"
 #include "fileName.h"
 #include "transfer.h"
 
@@ -53,19 +54,6 @@ bool isRegularFile(const Handle& file, Information& information) noexcept
     return readInformation(file, information) && (information.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
 }
 
-constexpr std::uint64_t joined(DWORD high, DWORD low) noexcept
-{
-    return std::uint64_t{high} << 32U | low;
-}
-
-// The system counts units of 100 ns from 1601.
-std::int64_t secondsOf(const FILETIME& time) noexcept
-{
-    constexpr std::int64_t unitsOfSecond = 10'000'000;
-    constexpr std::int64_t start = 11'644'473'600;  // of 1970, in seconds
-    return static_cast<std::int64_t>(joined(time.dwHighDateTime, time.dwLowDateTime)) / unitsOfSecond - start;
-}
-
 // As the C runtime translates the number.
 int errnoOf(DWORD error) noexcept
 {
@@ -92,27 +80,6 @@ int errnoOf(DWORD error) noexcept
     }
 }
 
-constexpr SECURITY_INFORMATION whole =
-    OWNER_SECURITY_INFORMATION | GROUP_SECURITY_INFORMATION | DACL_SECURITY_INFORMATION;
-
-// Empty when it cannot be read.
-std::string readDescriptor(const Handle& file)
-{
-    std::string descriptor;
-    DWORD size = 0;
-    GetKernelObjectSecurity(file.get(), whole, nullptr, 0, &size);
-    descriptor.resize(size);
-    if (GetKernelObjectSecurity(file.get(), whole, descriptor.data(), size, &size) == FALSE)
-        descriptor.clear();
-    return descriptor;
-}
-
-FileProtection protectionOf(const Handle& file, DWORD attributes)
-{
-    constexpr DWORD carried = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_ENCRYPTED;
-    return {readDescriptor(file), attributes & carried};
-}
-
 // Not everybody who may ask for the time of a file may read its protection.
 Handle openForStatus(const std::wstring& name)
 {
@@ -120,41 +87,11 @@ Handle openForStatus(const std::wstring& name)
     return file.isOpen() ? std::move(file) : openFile(name, FILE_READ_ATTRIBUTES);
 }
 
-Handle createFile(const std::wstring& name, const FileProtection& before, void* descriptor) noexcept
-{
-    SECURITY_ATTRIBUTES security = {sizeof security, descriptor, FALSE};
-    return Handle(CreateFileW(name.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, &security, CREATE_NEW,
-                              before.attributes != 0 ? before.attributes : FILE_ATTRIBUTE_NORMAL, nullptr));
-}
-
-// Another's file cannot be made: it becomes one of the process's own, to which the same have access.
-Handle createProtected(const std::wstring& name, const FileProtection& before)
-{
-    std::string descriptor = before.descriptor;
-    if (descriptor.empty())
-        return createFile(name, before, nullptr);
-    Handle made = createFile(name, before, descriptor.data());
-    if (made.isOpen() || (GetLastError() != ERROR_INVALID_OWNER && GetLastError() != ERROR_INVALID_PRIMARY_GROUP))
-        return made;
-    BOOL isPresent = FALSE;
-    BOOL isDefault = FALSE;
-    PACL list = nullptr;
-    SECURITY_DESCRIPTOR own = {};
-    SECURITY_DESCRIPTOR_CONTROL control = 0;
-    DWORD revision = 0;
-    const bool isDone = GetSecurityDescriptorDacl(descriptor.data(), &isPresent, &list, &isDefault) != FALSE &&
-                        GetSecurityDescriptorControl(descriptor.data(), &control, &revision) != FALSE &&
-                        InitializeSecurityDescriptor(&own, SECURITY_DESCRIPTOR_REVISION) != FALSE &&
-                        SetSecurityDescriptorDacl(&own, isPresent, list, isDefault) != FALSE &&
-                        SetSecurityDescriptorControl(&own, SE_DACL_PROTECTED, control & SE_DACL_PROTECTED) != FALSE;
-    return isDone ? createFile(name, before, &own) : Handle(INVALID_HANDLE_VALUE);
-}
-
 // A new file like the one before, or the one that is there, cut to length 0; not open when neither can be opened, and
 // for what is no regular file.
 Handle openForWriting(const std::wstring& name, const FileProtection& before)
 {
-    Handle file = createProtected(name, before);
+    Handle file(createProtected(name, GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, before));
     if (file.isOpen())
         return file;
     Handle present = openFile(name, GENERIC_WRITE);
@@ -197,15 +134,6 @@ bool isGone() noexcept
     return errnoOf(GetLastError()) == ENOENT;
 }
 
-// The name by which a file has been opened, with all its links resolved; empty when it cannot be told.
-std::wstring finalName(const Handle& file)
-{
-    std::wstring name(GetFinalPathNameByHandleW(file.get(), nullptr, 0, 0), L'\0');
-    const DWORD length = GetFinalPathNameByHandleW(file.get(), name.data(), static_cast<DWORD>(name.size()), 0);
-    name.resize(length < name.size() ? length : 0);
-    return name;
-}
-
 bool isSameIndex(const Information& left, const Information& right) noexcept
 {
     return left.dwVolumeSerialNumber == right.dwVolumeSerialNumber && left.nFileIndexHigh == right.nFileIndexHigh &&
@@ -221,7 +149,8 @@ int readFileStatus(const std::string& name, FileStatus& status)
         return errnoOf(GetLastError());
     Information information = {};
     const bool isRegular = isRegularFile(file, information);
-    status = {secondsOf(information.ftLastWriteTime), isRegular, protectionOf(file, information.dwFileAttributes)};
+    status = {unitsSince1970(information.ftLastWriteTime) / unitsOfSecond, isRegular,
+              protectionOf(file.get(), information.dwFileAttributes)};
     return 0;
 }
 
@@ -248,7 +177,7 @@ bool writeFile(const std::string& name, const std::vector<std::string_view>& pie
 
 bool renameFile(const std::string& name, const std::string& other)
 {
-    return MoveFileExW(wideName(name).c_str(), wideName(other).c_str(), MOVEFILE_COPY_ALLOWED) != FALSE;
+    return MoveFileExW(wideName(name).c_str(), wideName(other).c_str(), 0) != FALSE;
 }
 
 void removeFile(const std::string& name)
@@ -274,6 +203,7 @@ bool isSameFile(const std::string& name, const std::string& other)
         return true;
     if (!isSameIndex(entryIs, otherIs))
         return isSameIndex(targetIs, otherIs);
-    const std::wstring nameOfEntry = finalName(entry);
-    return entryIs.nNumberOfLinks == 1 || nameOfEntry.empty() || nameOfEntry == finalName(otherEntry);
+    const std::wstring nameOfEntry = finalName(entry.get());
+    const std::wstring nameOfOther = finalName(otherEntry.get());
+    return entryIs.nNumberOfLinks == 1 || nameOfEntry.empty() || nameOfOther.empty() || nameOfEntry == nameOfOther;
 }

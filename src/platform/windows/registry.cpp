@@ -25,7 +25,7 @@ bool readValue(HKEY key, const std::wstring& name, std::string& value)
     auto* const bytes = reinterpret_cast<BYTE*>(units.data());
     if (RegQueryValueExW(key, name.c_str(), nullptr, &type, bytes, &size) != ERROR_SUCCESS)
         return false;
-    if (type == REG_SZ || type == REG_EXPAND_SZ)
+    if (type == REG_SZ || type == REG_EXPAND_SZ || type == REG_MULTI_SZ)
         return narrow(namePage(), units.substr(0, size / sizeof(wchar_t)).c_str(), value);
     value.assign(bytes, std::find(bytes, bytes + size, BYTE{0}));
     return true;

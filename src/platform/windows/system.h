@@ -1,4 +1,4 @@
-// What the system fixes of the platform's types, and what is called too often to be declared elsewhere.
+// What the system fixes of the platform's types.
 #ifndef SYSTEM_H
 #define SYSTEM_H
 
@@ -12,7 +12,9 @@ constexpr std::string_view lineEnd = "\r\n";
 
 // Who may do what with a file.
 struct FileProtection {
-    std::string descriptor;       // the security descriptor in its self-relative form; empty when it cannot be read
+    // The security descriptor in its self-relative form. Empty when it cannot be read: a new file then gets what its
+    // directory passes on.
+    std::string descriptor;
     unsigned int attributes = 0;  // FILE_ATTRIBUTE_..., those that a new file can be given
 };
 

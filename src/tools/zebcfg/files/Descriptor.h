@@ -28,7 +28,7 @@ private:
 // What is left to read, or the content of a regular file.
 std::string readAll(int file, const std::string& shownName);
 std::string readFile(const std::string& name, const std::string& shownName);
-// Whether the content of the file is the text. The file is not held in memory.
+// Whether the content of the file is the text. On POSIX the file is not held in memory.
 bool holdsText(const std::string& name, const std::string& text, const std::string& shownName);
 
 void writeAll(int file, std::string_view text, const std::string& shownName);

@@ -2,13 +2,16 @@
 #ifndef ZEBCFG_FILESYSTEM_H
 #define ZEBCFG_FILESYSTEM_H
 
-#include "Protection.h"
-
 #include <cstddef>
 #include <cstdint>
 #include <ctime>
 #include <string>
 #include <vector>
+
+#include <system.h>
+
+// Who may do what with a file.
+using Protection = FileProtection;
 
 enum class FileKind { regular, pipe, other };
 

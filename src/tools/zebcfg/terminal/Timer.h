@@ -2,8 +2,8 @@
 #ifndef ZEBCFG_TIMER_H
 #define ZEBCFG_TIMER_H
 
-// Calls draw after a second and then five times a second, while the process has the terminal, between any two
-// instructions. draw allocates nothing.
+// Calls draw after a second and then five times a second, while the process has the terminal: on POSIX between any
+// two instructions, on Windows on another thread. draw allocates nothing.
 void startTimer(void (*draw)());
 void stopTimer() noexcept;
 // Waits for a draw that is going on.

@@ -1,6 +1,6 @@
 #include "files/Descriptor.h"
 
-#include "Handle.h"
+#include "files/windows/Handle.h"
 
 std::string Descriptor::name() const
 {

@@ -1,9 +1,9 @@
 #include "files/FileLock.h"
 
-#include "Handle.h"
 #include "base/Failure.h"
 #include "files/Descriptor.h"
 #include "files/FileSystem.h"
+#include "files/windows/Handle.h"
 
 #include <cerrno>
 
@@ -67,14 +67,15 @@ bool FileLock::tryLock()
         throw systemFailure(LDAP_INSUFFICIENT_ACCESS, "cannot create the lock file " + name);
     try {
         writeAll(file, content(), "the lock file " + name);
-    } catch (const Failure&) {
+    } catch (...) {
         release();
         throw;
     }
     return true;
 }
 
-// One that the system could not remove, because the power failed, is open nowhere.
+// One that the system could not remove, because the power failed, is open nowhere. Of its text NULs may be left, or
+// nothing.
 bool FileLock::removeLeftover(const std::string& path)
 {
     const Descriptor there(openExclusively(path, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL));
@@ -82,7 +83,8 @@ bool FileLock::removeLeftover(const std::string& path)
         return true;
     const bool isTaken = !there.isOpen() && isHeld(path);
     const std::string text = isTaken || isRegular(path) ? textOf(path) : "";
-    if (!readHolder(text) && (!isTaken || !text.empty()))
+    const bool isBlank = text.find_first_not_of('\0') == std::string::npos && (isTaken || isRegular(path));
+    if (!readHolder(text) && !isBlank)
         throw foreign();
     if (isTaken)
         return false;

@@ -1,7 +1,7 @@
 #include "files/FileSystem.h"
 
-#include "Handle.h"
 #include "files/Descriptor.h"
+#include "files/windows/Handle.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -9,11 +9,13 @@
 #include <exception>
 
 #include <codePage.h>
+#include <fileHandle.h>
 #include <fileName.h>
 #include <io.h>
 #include <platform.h>
 
-const char* const privacyAdvice = "icacls FILE /inheritance:r keeps those out who have inherited the right";
+const char* const privacyAdvice =
+    "icacls FILE /inheritance:d /remove:g *S-1-1-0 *S-1-5-11 *S-1-5-32-545 keeps others out";
 const char* const installPlace = R"(HKEY_LOCAL_MACHINE\SOFTWARE\ZEB\LDAP\Client\LDAPHome)";
 const char* const separators = "\\/:";
 
@@ -24,16 +26,10 @@ std::string touchCommand(const std::string& name)
 
 namespace {
 
-constexpr std::int64_t unitsOfSecond = 10'000'000;     // the system counts 100 ns
-constexpr std::int64_t startOf1970 = 11'644'473'600;   // in seconds from 1601
 constexpr DWORD anyFile = FILE_FLAG_BACKUP_SEMANTICS;  // a directory too
 
-constexpr std::uint64_t joined(DWORD high, DWORD low) noexcept
-{
-    return std::uint64_t{high} << 32U | low;
-}
-
-bool readInfoOf(HANDLE handle, FileInfo& info)
+// A link counts as one where it was opened itself; other files may keep a mark of that kind.
+bool readInfoOf(HANDLE handle, FileInfo& info, bool isLink = false)
 {
     BY_HANDLE_FILE_INFORMATION found = {};
     const DWORD type = GetFileType(handle);
@@ -44,27 +40,29 @@ bool readInfoOf(HANDLE handle, FileInfo& info)
         return true;
     if (GetFileInformationByHandle(handle, &found) == FALSE)
         return failed();
-    constexpr DWORD noFile = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT;
+    const DWORD noFile = isLink ? FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT : FILE_ATTRIBUTE_DIRECTORY;
     info.kind = (found.dwFileAttributes & noFile) == 0 ? FileKind::regular : FileKind::other;
     info.device = found.dwVolumeSerialNumber;
     info.index = joined(found.nFileIndexHigh, found.nFileIndexLow);
     info.names = found.nNumberOfLinks;
     info.isFixed = (found.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0;
     info.size = static_cast<std::int64_t>(joined(found.nFileSizeHigh, found.nFileSizeLow));
-    const auto units =
-        static_cast<std::int64_t>(joined(found.ftLastWriteTime.dwHighDateTime, found.ftLastWriteTime.dwLowDateTime));
-    info.time = units / unitsOfSecond - startOf1970;
+    const std::int64_t units = unitsSince1970(found.ftLastWriteTime);
+    info.time = units / unitsOfSecond;
     info.nanoseconds = static_cast<long>(units % unitsOfSecond * 100);
-    FileStatus status;
-    if (readFileStatus(nameOf(handle), status) == 0)
-        info.protection = status.protection;
+    info.protection = protectionOf(handle, found.dwFileAttributes);
     return true;
 }
 
+// Not everybody who may ask for the time of a file may read its protection.
 bool readInfoWith(const std::string& name, DWORD flags, FileInfo& info)
 {
-    const Descriptor file(openFile(name, FILE_READ_ATTRIBUTES, shareAll, OPEN_EXISTING, anyFile | flags));
-    return file.isOpen() && readInfoOf(handleOf(file.get()), info);
+    for (const DWORD access : {DWORD{FILE_READ_ATTRIBUTES | READ_CONTROL}, DWORD{FILE_READ_ATTRIBUTES}}) {
+        const Descriptor file(openFile(name, access, shareAll, OPEN_EXISTING, anyFile | flags));
+        if (file.isOpen())
+            return readInfoOf(handleOf(file.get()), info, (flags & FILE_FLAG_OPEN_REPARSE_POINT) != 0);
+    }
+    return false;
 }
 
 // Whether a file whose place could not be taken, "access denied", is open in another program: it may be removed itself.
@@ -121,7 +119,7 @@ bool isReadable(const std::string& name)
     return Descriptor(openForReading(name)).isOpen();
 }
 
-// Everyone, whoever has logged in, and the group of all users.
+// Everyone, whoever has logged in, and the groups of all users, or no list at all.
 bool isPublic(const Protection& protection)
 {
     const std::wstring list = accessListOf(protection.descriptor);
@@ -133,7 +131,8 @@ bool isPublic(const Protection& protection)
         }
         return false;
     };
-    return allows(L";WD") || allows(L";AU") || allows(L";BU");
+    return list.find(L"NO_ACCESS_CONTROL") != std::wstring::npos || allows(L";DU") || allows(L";WD") ||
+           allows(L";AU") || allows(L";BU");
 }
 
 int openForReading(const std::string& name)
@@ -151,18 +150,13 @@ int openOrCreate(const std::string& name)
     return openFile(name, GENERIC_WRITE, shareAll, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, privateDescriptor());
 }
 
-// The protection is whole at once. Another's file cannot be made: it becomes this user's, and the same have access.
+// The protection is whole at once. Where that of the model could not be read, the file would be open to others.
 int createFile(const std::string& name, const Protection& like)
 {
-    const auto create = [&](const std::string& descriptor) {
-        return openFile(name, GENERIC_READ | GENERIC_WRITE, shareAll, CREATE_NEW,
-                        like.attributes != 0 ? like.attributes : FILE_ATTRIBUTE_NORMAL, descriptor);
-    };
-    const int file = create(like.descriptor);
-    const DWORD error = GetLastError();
-    if (file >= 0 || (error != ERROR_INVALID_OWNER && error != ERROR_INVALID_PRIMARY_GROUP))
-        return file;
-    return create(descriptorWith(accessListOf(like.descriptor)));
+    if (!like.descriptor.empty())
+        return descriptorOf(createProtected(wideName(name), GENERIC_READ | GENERIC_WRITE, shareAll, like));
+    errno = EACCES;
+    return -1;
 }
 
 int createUnique(std::string& pattern)
@@ -189,7 +183,7 @@ std::ptrdiff_t writeSome(int file, const char* bytes, std::size_t size)
 
 bool cutToNothing(int file)
 {
-    return ::_lseeki64(file, 0, SEEK_SET) == 0 && SetEndOfFile(handleOf(file)) != FALSE;
+    return ::_lseeki64(file, 0, SEEK_SET) == 0 && (SetEndOfFile(handleOf(file)) != FALSE || failed());
 }
 
 bool syncFile(int file)
@@ -199,8 +193,7 @@ bool syncFile(int file)
 
 bool setTime(int file, std::int64_t time)
 {
-    const auto units = static_cast<std::uint64_t>((time + startOf1970) * unitsOfSecond);
-    const FILETIME changed = {static_cast<DWORD>(units), static_cast<DWORD>(units >> 32U)};
+    const FILETIME changed = fileTime(time * unitsOfSecond);
     return SetFileTime(handleOf(file), nullptr, nullptr, &changed) != FALSE || failed();
 }
 

@@ -1,7 +1,7 @@
 #include "files/GuardedFile.h"
 
-#include "Handle.h"
 #include "base/Failure.h"
+#include "files/windows/Handle.h"
 
 #include <ldapNames.h>
 

@@ -1,4 +1,6 @@
-#include "Handle.h"
+#include "files/windows/Handle.h"
+
+#include "base/Failure.h"
 
 #include <cerrno>
 #include <memory>
@@ -6,6 +8,7 @@
 
 #include <codePage.h>
 #include <fcntl.h>
+#include <fileHandle.h>
 #include <fileName.h>
 #include <io.h>
 
@@ -84,9 +87,7 @@ HANDLE handleOf(int descriptor) noexcept
 std::string nameOf(HANDLE handle)
 {
     std::string name;
-    std::wstring wide(GetFinalPathNameByHandleW(handle, nullptr, 0, 0), L'\0');
-    const DWORD length = GetFinalPathNameByHandleW(handle, wide.data(), static_cast<DWORD>(wide.size()), 0);
-    wide.resize(length < wide.size() ? length : 0);
+    std::wstring wide = finalName(handle);
     if (wide.compare(0, 8, LR"(\\?\UNC\)") == 0)
         wide.replace(0, 7, L"\\");
     else if (wide.compare(0, 4, LR"(\\?\)") == 0)
@@ -118,29 +119,8 @@ std::wstring userIdentity()
 
 std::string privateDescriptor()
 {
-    return descriptorWith(L"D:P(A;OICI;FA;;;" + userIdentity() + L")");
-}
-
-std::wstring accessListOf(std::string descriptor)
-{
-    wchar_t* made = nullptr;
-    if (descriptor.empty() ||
-        ConvertSecurityDescriptorToStringSecurityDescriptorW(descriptor.data(), SDDL_REVISION_1,
-                                                             DACL_SECURITY_INFORMATION, &made, nullptr) == FALSE)
-        return {};
-    const std::unique_ptr<wchar_t, decltype(&LocalFree)> owner(made, &LocalFree);
-    return made;
-}
-
-std::string descriptorWith(const std::wstring& accessList)
-{
-    void* made = nullptr;
-    DWORD size = 0;
-    if (ConvertStringSecurityDescriptorToSecurityDescriptorW(accessList.c_str(), SDDL_REVISION_1, &made, &size) ==
-        FALSE)
-        return {};
-    const std::unique_ptr<void, decltype(&LocalFree)> owner(made, &LocalFree);
-    return {static_cast<const char*>(made), size};
+    const std::wstring user = userIdentity();
+    return descriptorWith(L"D:P(A;OICI;FA;;;" + (user.empty() ? L"OW" : user) + L")");  // OW: whoever owns the file
 }
 
 std::string temporaryDirectory()
@@ -148,7 +128,9 @@ std::string temporaryDirectory()
     std::string name;
     wchar_t wide[MAX_PATH + 1] = {};
     const DWORD length = GetTempPathW(MAX_PATH + 1, wide);
-    return length <= MAX_PATH && narrow(namePage(), {wide, length}, name) ? name : "";
+    if (length == 0 || length > MAX_PATH || !narrow(namePage(), {wide, length}, name))
+        throw Failure(0, "the directory for temporary files cannot be named in this locale; set TMP");
+    return name;
 }
 
 std::string anyCharacters()

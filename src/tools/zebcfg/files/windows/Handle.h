@@ -22,12 +22,7 @@ std::string nameOf(HANDLE handle);
 
 // A security descriptor in its self-relative form that lets in this user alone, also to what is made in a directory.
 std::string privateDescriptor();
-// The list of a descriptor that says who has access, as a text, and a descriptor with such a list alone; empty when it
-// cannot be told.
-std::wstring accessListOf(std::string descriptor);
-std::string descriptorWith(const std::wstring& accessList);
-
-// The directory for temporary files, with its separator.
+// The directory for temporary files, with its separator. Throws Failure when there is none that can be named.
 std::string temporaryDirectory();
 
 // Six characters for a name that is probably free.

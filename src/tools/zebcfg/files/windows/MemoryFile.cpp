@@ -1,8 +1,8 @@
 #include "files/MemoryFile.h"
 
-#include "Handle.h"
 #include "base/Failure.h"
 #include "files/FileSystem.h"
+#include "files/windows/Handle.h"
 
 #include <cerrno>
 
@@ -39,8 +39,10 @@ MemoryFile::MemoryFile(const std::string& text) : file(create())
 void MemoryFile::requireRoomFor(std::size_t size) const
 {
     const Descriptor written(openFile(name(), GENERIC_WRITE, shareAll, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL));
-    const auto end = ::_lseeki64(written.get(), 0, SEEK_END);
-    writeAll(written.get(), std::string(size, '\n'), called);
-    if (end < 0 || ::_lseeki64(written.get(), end, SEEK_SET) != end || SetEndOfFile(handleOf(written.get())) == FALSE)
+    const auto end = written.isOpen() ? ::_lseeki64(written.get(), 0, SEEK_END) : -1;
+    if (end >= 0)
+        writeAll(written.get(), std::string(size, '\n'), called);
+    if (end < 0 || ::_lseeki64(written.get(), end, SEEK_SET) != end ||
+        (SetEndOfFile(handleOf(written.get())) == FALSE && !failed()))
         throw systemFailure(LDAP_OTHER, std::string("cannot write ") + called);
 }

@@ -1,9 +1,9 @@
 #include "files/WorkFolder.h"
 
-#include "Handle.h"
 #include "base/Failure.h"
 #include "files/Descriptor.h"
 #include "files/FileSystem.h"
+#include "files/windows/Handle.h"
 #include "terminal/Signals.h"
 
 #include <codePage.h>
@@ -67,6 +67,12 @@ WorkFolder::WorkFolder(const std::string& name)
     removeOnSignals(path);
     lock = openFile(directory, FILE_LIST_DIRECTORY, FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_EXISTING,
                     FILE_FLAG_BACKUP_SEMANTICS);
+    if (lock < 0) {
+        const Failure failure = systemFailure(0, "cannot keep a directory for the editor");
+        keepOnSignals(path);
+        removeFolder(directory);
+        throw failure;
+    }
     SetHandleInformation(handleOf(lock), HANDLE_FLAG_INHERIT, HANDLE_FLAG_INHERIT);  // by an editor
 }
 

@@ -2,7 +2,7 @@
 
 #include "base/Failure.h"
 
-#include "RestoredTerminal.h"
+#include "terminal/posix/RestoredTerminal.h"
 
 #include <cerrno>
 

@@ -2,7 +2,7 @@
 
 #include "terminal/Progress.h"
 
-#include "RestoredTerminal.h"
+#include "terminal/posix/RestoredTerminal.h"
 
 #include <array>
 #include <cstring>

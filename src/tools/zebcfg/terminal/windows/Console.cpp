@@ -1,4 +1,4 @@
-#include "Console.h"
+#include "terminal/windows/Console.h"
 
 #include "base/Wipe.h"
 

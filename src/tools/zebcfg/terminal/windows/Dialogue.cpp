@@ -1,6 +1,6 @@
 #include "terminal/Dialogue.h"
 
-#include "Console.h"
+#include "terminal/windows/Console.h"
 
 struct Dialogue::Streams {
     Console console;

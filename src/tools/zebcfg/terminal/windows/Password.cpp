@@ -1,9 +1,9 @@
 #include "terminal/Password.h"
 
-#include "Console.h"
 #include "base/Failure.h"
 #include "base/Wipe.h"
 #include "terminal/Signals.h"
+#include "terminal/windows/Console.h"
 
 #include <codePage.h>
 
@@ -21,7 +21,8 @@ public:
         if (!isOpen())
             throw Failure(0, "there is no terminal to ask for a password; use -y FILE");
         const BlockedSignals blocked;
-        changeMode(input(), 0);
+        if (!changeMode(input(), 0))
+            throw Failure(0, "cannot ask for a password without showing it; use -y FILE");
     }
     SilentConsole(const SilentConsole&) = delete;
     SilentConsole& operator=(const SilentConsole&) = delete;

@@ -1,7 +1,7 @@
 #include "terminal/Program.h"
 
-#include "Console.h"
 #include "base/Failure.h"
+#include "terminal/windows/Console.h"
 
 #include <cerrno>
 #include <memory>
@@ -15,10 +15,11 @@ namespace {
 
 constexpr char blanks[] = " \t\n";
 
-// As the C runtime of the program takes it apart: backslashes count only before a quotation mark.
+// As the C runtime of the program takes it apart: backslashes count only before a quotation mark. The shell that runs a
+// script gives other characters a meaning, too, unless they are quoted.
 std::string quoted(const std::string& word)
 {
-    if (!word.empty() && word.find_first_of(std::string(blanks) + '"') == std::string::npos)
+    if (!word.empty() && word.find_first_of(std::string(blanks) + "\"&|<>^()") == std::string::npos)
         return word;
     std::string made = "\"";
     std::size_t backslashes = 0;
@@ -31,27 +32,50 @@ std::string quoted(const std::string& word)
     return made.append(backslashes, '\\') + '"';
 }
 
-// A handle of the process; null when it cannot be started. Scripts have to be named with their ending.
+// Where programs are looked for: not in the current directory, where anybody may have put one.
+std::wstring searchPath()
+{
+    std::wstring path(MAX_PATH, L'\0');
+    path.resize(GetSystemDirectoryW(path.data(), MAX_PATH));
+    const wchar_t* const others = ::_wgetenv(L"PATH");
+    return others != nullptr ? path + L';' + others : path;
+}
+
+// The full name of a program, whose ending may be left out; empty when there is none.
+std::wstring foundProgram(const std::wstring& name)
+{
+    const bool isPlain = name.find_first_of(L"\\/:") == std::wstring::npos;
+    const std::wstring path = isPlain ? searchPath() : L".";
+    for (const wchar_t* const ending : {L".exe", L".cmd", L".bat"}) {
+        std::wstring found(32768, L'\0');
+        found.resize(
+            SearchPathW(path.c_str(), name.c_str(), ending, static_cast<DWORD>(found.size()), found.data(), nullptr));
+        if (!found.empty())
+            return found;
+    }
+    return {};
+}
+
+// A handle of the process; null when it cannot be started.
 HANDLE start(const std::vector<std::string>& words)
 {
-    std::string rest;
-    for (auto word = words.begin() + 1; word != words.end(); ++word)
-        rest += ' ' + quoted(*word);
-    for (const char* const ending : {"", ".cmd", ".bat"}) {
-        std::wstring line;
-        if (!widen(codePage(), quoted(words.front() + ending) + rest, line))
-            return nullptr;
-        STARTUPINFOW setup = {};
-        setup.cb = sizeof setup;
-        PROCESS_INFORMATION process = {};
-        if (CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, CREATE_DEFAULT_ERROR_MODE, nullptr, nullptr,
-                           &setup, &process) != FALSE) {
-            CloseHandle(process.hThread);
-            return process.hProcess;
-        }
+    std::string all;
+    for (const std::string& word : words)
+        all += quoted(word) + ' ';
+    std::wstring name;
+    std::wstring line;
+    const bool isKnown = widen(codePage(), words.front(), name) && widen(codePage(), all, line);
+    const std::wstring program = isKnown ? foundProgram(name) : std::wstring();
+    STARTUPINFOW setup = {};
+    setup.cb = sizeof setup;
+    PROCESS_INFORMATION process = {};
+    if (program.empty() || CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, TRUE,
+                                          CREATE_DEFAULT_ERROR_MODE, nullptr, nullptr, &setup, &process) == FALSE) {
+        errno = ENOENT;
+        return nullptr;
     }
-    errno = ENOENT;
-    return nullptr;
+    CloseHandle(process.hThread);
+    return process.hProcess;
 }
 
 }  // namespace

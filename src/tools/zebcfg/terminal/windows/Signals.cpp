@@ -1,7 +1,7 @@
 #include "terminal/Signals.h"
 
-#include "Console.h"
 #include "terminal/Progress.h"
+#include "terminal/windows/Console.h"
 
 #include <algorithm>
 #include <exception>

@@ -1,6 +1,6 @@
 #include "terminal/StandardStreams.h"
 
-#include "Console.h"
+#include "terminal/windows/Console.h"
 
 #include <cstdlib>
 #include <iostream>
