@@ -174,6 +174,12 @@ TEST_F(Document, FailedWriteLosesNothing)
     LDIF_File unprintable = load("dn: cn=\n", folder + "b");
     EXPECT_EQ(failureOf([&] { unprintable.flush(); })->extErr, 1013);
     EXPECT_EQ(readText(name), "dn: cn=\n");
+    const std::string kept = readText(folder + "b");
+    LDIF_File replaced = load(a, folder + "b");
+    std::filesystem::remove(name);
+    EXPECT_TRUE(makeIrregular(name));
+    EXPECT_EQ(outcomeOf([&]() -> std::string { return replaced.flush(), ""; }), noOpen);
+    EXPECT_EQ(readText(folder + "b"), kept);
 }
 
 TEST_F(Document, OutlineShowsEachEntryUnderItsNearestAncestor)
