@@ -179,6 +179,7 @@ TEST_F(Document, FailedWriteLosesNothing)
     std::filesystem::remove(name);
     EXPECT_TRUE(makeIrregular(name));
     EXPECT_EQ(outcomeOf([&]() -> std::string { return replaced.flush(), ""; }), noOpen);
+    ASSERT_TRUE(std::filesystem::is_regular_file(folder + "b"));
     EXPECT_EQ(readText(folder + "b"), kept);
 }
 
