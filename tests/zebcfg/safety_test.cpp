@@ -434,21 +434,29 @@ TEST(Safety, TheMemoryIsHiddenFromTheSameUser)
     EXPECT_EQ(readText(directory / "owner"), "0\n");
 }
 
+// Also what has the same size and the same second.
 TEST(Safety, WhatSomebodyElseHasWrittenStays)
 {
-    const ConfigDirectory directory;
-    const std::string other = readText(directory.file) + "# by somebody else\n";
-    const std::string lock = directory.file + ".lock";
-    const int status = trace(startTraced(directory.file), [&](const __ptrace_syscall_info& info) {
-        if (info.op == PTRACE_SYSCALL_INFO_ENTRY && info.entry.nr == SYS_fsync) {
-            writeText(directory.file, other);
-            std::filesystem::remove(lock);
-            writeText(lock, other);
-        }
-    });
-    EXPECT_EQ(status, 51);
-    EXPECT_EQ(readText(directory.file), other);
-    EXPECT_EQ(readText(lock), other) << "the lock of somebody else";
+    for (const bool isLonger : {true, false}) {
+        const ConfigDirectory directory;
+        const std::string text = readText(directory.file);
+        const std::string other = isLonger ? text + "# by somebody else\n" : '!' + text.substr(1);
+        const std::string lock = directory.file + ".lock";
+        struct stat before = {};
+        EXPECT_EQ(::stat(directory.file.c_str(), &before), 0);
+        const timespec times[] = {before.st_atim, {before.st_mtim.tv_sec, before.st_mtim.tv_nsec ^ 1}};
+        const int status = trace(startTraced(directory.file), [&](const __ptrace_syscall_info& info) {
+            if (info.op == PTRACE_SYSCALL_INFO_ENTRY && info.entry.nr == SYS_fsync) {
+                writeText(directory.file, other);
+                ::utimensat(AT_FDCWD, directory.file.c_str(), times, 0);
+                std::filesystem::remove(lock);
+                writeText(lock, other);
+            }
+        });
+        EXPECT_EQ(status, 51) << isLonger;
+        EXPECT_EQ(readText(directory.file), other);
+        EXPECT_EQ(readText(lock), other) << "the lock of somebody else";
+    }
 }
 
 TEST(Safety, NoFileIsOpenToOthersForAMoment)
