@@ -29,7 +29,7 @@ int fullPathName(const char* name, char* buffer, std::size_t size);
 // The system's text for an error number; empty when it has none.
 std::string systemErrorText(int number);
 
-// The text of a result code of LDAP, up to 1000: that of the system's LDAP library. Static.
+// The text of an LDAP result code below 1000, from the system's LDAP library. Static.
 const char* ldapErrorText(int code) noexcept;
 
 // A copy on the C heap, or null when memory is exhausted.

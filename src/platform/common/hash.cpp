@@ -18,7 +18,7 @@ struct Key {
     std::uint64_t end;
 };
 
-// A system without random numbers leaves the time and the place of the process.
+// Without random numbers from the system, the time and an address must do.
 std::uint64_t drawSeed() noexcept
 try {
     std::random_device device;

@@ -12,7 +12,7 @@
 
 namespace {
 
-// What the value holds, without a NUL, which may be missing: a text in the code page of file names, or any bytes as
+// The value up to its first NUL, or to its end if it has none: a text in the code page of file names, or any bytes as
 // they are. False when it cannot be had.
 bool readValue(HKEY key, const std::wstring& name, std::string& value)
 {

@@ -55,7 +55,8 @@ int openForReading(const std::string& name);
 int openForOverwriting(const std::string& name);
 // Opens a file for writing. One that is missing is made, for this user alone.
 int openOrCreate(const std::string& name);
-// Makes a new file with at most these permissions for its owner, and none for others.
+// Makes a new file. On POSIX it has at most these permissions for its owner, and none for others; on Windows it is
+// protected so from its first moment.
 int createFile(const std::string& name, const Protection& like);
 // Makes a new file for this user alone. The six X at the end of the pattern become a name that is free.
 int createUnique(std::string& pattern);

@@ -7,7 +7,7 @@
 
 // A directory that only this user may enter, with the text in one file, in memory where there is such a place. It is
 // removed at the end, also when a signal ends the process. One that a killed process has left is removed when the next
-// is made, once its owner, the start time of the process and a free lock show that nobody uses it. Calls throw Failure.
+// is made, once it is certain that nobody uses it. Calls throw Failure.
 class WorkFolder {
 public:
     // name: of the file, without a directory.

@@ -6,8 +6,9 @@
 
 #include <string>
 
-// Lets the signals that end a process remove the files named in between, at most four at a time, and directories that
-// are empty without them. A limit on the size of files is reported like a full disk, not by a signal.
+// Lets the signals that end a process, on Windows the control events, remove the files named in between, at most four
+// at a time, and directories that are empty without them. On POSIX a limit on the size of files is reported like a full
+// disk, not by a signal.
 void handleSignals();
 void removeOnSignals(const std::string& path);
 void keepOnSignals(const std::string& path);
