@@ -20,6 +20,7 @@ int runCommand(int argc, char** argv, Messages& messages)
 {
     std::vector<std::string> words = localArguments(argc, argv);
     std::vector<char*> pointers;
+    pointers.reserve(words.size());
     for (std::string& word : words)
         pointers.push_back(word.data());
     const Call call = readCommandLine(static_cast<int>(pointers.size()), pointers.data(), messages);

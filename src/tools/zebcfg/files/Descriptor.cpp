@@ -46,7 +46,7 @@ std::string withPlainLines(std::string text)
     return text;
 }
 
-std::string withSystemLines(std::string_view text)
+[[maybe_unused]] std::string withSystemLines(std::string_view text)
 {
     std::string made;
     made.reserve(text.size() + text.size() / 16);

@@ -4,7 +4,7 @@
 
 std::string resolvedName(const std::string& name)
 {
-    const std::string path = realName(name);
+    std::string path = realName(name);
     if (!path.empty())
         return path;
     const std::string directory = directoryOf(name);
