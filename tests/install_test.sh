@@ -3,6 +3,7 @@
 # Installs to a fresh prefix, and builds and runs the C example of the README there, as C89 with pkg-config and with
 # find_package.
 set -euo pipefail
+here=$(dirname "$(realpath "$0")")
 directory=$(mktemp -d)
 trap 'rm -rf "$directory"' EXIT
 prefix=$directory/prefix
@@ -17,13 +18,7 @@ flags=$(PKG_CONFIG_PATH=$pkgconfig pkg-config --cflags --libs zebldapcfg)
 cc -std=c89 -pedantic -Wall -Werror example.c $flags -o with_pkg_config
 LD_LIBRARY_PATH=${pkgconfig%/pkgconfig} ./with_pkg_config zebslapd.conf >with_pkg_config.out
 
-cat >CMakeLists.txt <<'END'
-cmake_minimum_required(VERSION 3.25)
-project(example LANGUAGES C)
-find_package(zebldapcfg 1.0 REQUIRED)
-add_executable(with_cmake example.c)
-target_link_libraries(with_cmake PRIVATE zebldapcfg::zebldapcfg)
-END
+cp "$here/data/example/CMakeLists.txt" .
 cmake -G Ninja -S . -B build -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
 cmake --build build >/dev/null
 build/with_cmake zebslapd.conf >with_cmake.out

@@ -4,6 +4,7 @@
 # a sample with CR LF. A second program changes that sample, which it finds by the registry, and leaves CR LF; the tool
 # finds nothing wrong with it.
 set -euo pipefail
+here=$(dirname "$(realpath "$0")")/..
 directory=$(mktemp -d)
 key='HKLM\SOFTWARE\ZEB\LDAP\Client'
 build=$1 emulator=$4 cc=$5 toolchain=$6
@@ -48,13 +49,7 @@ for program in example change; do  # beside the library
 done
 "$emulator" "$prefix/bin/example.exe" etc/zebslapd.conf >example.out
 
-cat >CMakeLists.txt <<'END'
-cmake_minimum_required(VERSION 3.25)
-project(example LANGUAGES C)
-find_package(zebldapcfg 1.0 REQUIRED)
-add_executable(with_cmake example.c)
-target_link_libraries(with_cmake PRIVATE zebldapcfg::zebldapcfg)
-END
+cp "$here/data/example/CMakeLists.txt" .
 cmake -G Ninja -S . -B build --toolchain "$toolchain" -Dzebldapcfg_DIR="$prefix/lib/cmake/zebldapcfg" >/dev/null
 cmake --build build >/dev/null
 cp build/with_cmake.exe "$prefix/bin"
