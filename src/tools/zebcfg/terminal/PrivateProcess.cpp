@@ -33,7 +33,8 @@ void* operator new(std::size_t size)
 
 void operator delete(void* block, std::size_t size) noexcept
 {
-    wipeMemory(block, size);
+    if (block != nullptr)
+        wipeMemory(block, size);
     std::free(block);
 }
 
